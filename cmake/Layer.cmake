@@ -1,0 +1,18 @@
+# SPDX-License-Identifier: MIT
+# A layer is one static library over one folder. Layers are declared bottom-up, and a layer may
+# use only what is declared before it: an include that points upwards does not compile, because
+# the folder of a later layer is on nobody's include path.
+#
+#   add_layer(Name SOURCES a.cpp HEADERS a.h USES LowerLayer Qt6::Core [PRIVATE_USES OpenSSL::Crypto])
+function(add_layer name)
+  cmake_parse_arguments(L "" "" "SOURCES;HEADERS;USES;PRIVATE_USES" ${ARGN})
+  foreach(dependency IN LISTS L_USES L_PRIVATE_USES)
+    if(NOT TARGET ${dependency})
+      message(FATAL_ERROR "${name} may only use layers declared before it, not ${dependency}")
+    endif()
+  endforeach()
+  add_library(${name} STATIC ${L_SOURCES})
+  target_sources(${name} PUBLIC FILE_SET HEADERS
+    BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR} FILES ${L_HEADERS})
+  target_link_libraries(${name} PUBLIC ${L_USES} PRIVATE ${L_PRIVATE_USES} ProjectWarnings)
+endfunction()

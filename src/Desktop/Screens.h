@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Geometry.h"
+
+#include <QList>
+#include <QObject>
+#include <QRect>
+#include <optional>
+
+/// One screen: all of it, and what panels and docks leave free.
+struct Screen {
+    Rect frame;
+    Rect visibleFrame;
+
+    friend bool operator==(const Screen &, const Screen &) = default;
+};
+
+/// The arrangement of screens. An interface, so that placement is tested without a display.
+class Screens : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// In the platform's order.
+    [[nodiscard]] virtual QList<Screen> all() const = 0;
+
+    /// The user's primary screen; nothing while no screen is connected.
+    [[nodiscard]] virtual std::optional<Screen> main() const = 0;
+
+    /// Between y-up points and Qt's y-down global coordinates.
+    [[nodiscard]] virtual Rect fromQt(const QRect &rect) const = 0;
+    [[nodiscard]] virtual Point fromQt(QPointF point) const = 0;
+    [[nodiscard]] virtual QRect toQt(const Rect &rect) const = 0;
+
+Q_SIGNALS:
+    /// A screen came, went, moved or changed its free area.
+    void changed();
+};
+
+/// The screens of the running desktop.
+class DesktopScreens final : public Screens
+{
+    Q_OBJECT
+
+public:
+    explicit DesktopScreens(QObject *parent = nullptr);
+
+    [[nodiscard]] QList<Screen> all() const override;
+    [[nodiscard]] std::optional<Screen> main() const override;
+    [[nodiscard]] Rect fromQt(const QRect &rect) const override;
+    [[nodiscard]] Point fromQt(QPointF point) const override;
+    [[nodiscard]] QRect toQt(const Rect &rect) const override;
+};

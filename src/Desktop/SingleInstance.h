@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+/// One running program per session, found by its name on the session bus (org.freedesktop.Application).
+class SingleInstance final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SingleInstance(QObject *parent = nullptr);
+
+    /// True when this process is the one: it owns the name from here on. False when another runs;
+    /// that one has then been asked to show its editor. True as well when there is no session bus.
+    [[nodiscard]] bool claim();
+
+Q_SIGNALS:
+    /// A second start, or the desktop, asks for the editor.
+    void activated();
+};

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringView>
+#include <QUuid>
+#include <optional>
+
+/// The canonical text of an identifier: 8-4-4-4-12 hexadecimal digits, upper case, no braces.
+[[nodiscard]] QString canonicalText(const QUuid &id);
+
+/// Reads the 8-4-4-4-12 form, in either case, and nothing else: no braces, no missing hyphens.
+[[nodiscard]] std::optional<QUuid> parseId(QStringView text);

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Note.h"
+
+#include <QString>
+
+/// The format of one note file, and its only definition. Every line ends with a single LF:
+///
+///     ---
+///     quillmark: 1
+///     id: 8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F
+///     created: 2025-03-01T08:15:30.250Z
+///     updated: 2025-03-01T08:15:30.250Z
+///     ---
+///     the body, verbatim, with nothing added at its end
+///
+/// The header's keys may come in any order, unknown keys are ignored, none may come twice.
+/// The first line that is exactly "---" ends the header; the body may hold more of them.
+namespace NoteMarkdownCodec {
+
+[[nodiscard]] QString encode(const Note &note);
+
+/// Throws RepositoryError::invalidMarkdown for everything that deviates from the format.
+[[nodiscard]] Note decode(const QString &text);
+
+} // namespace NoteMarkdownCodec

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Note.h"
+
+#include <QUrl>
+#include <optional>
+
+/// Where the notes are kept. Both operations throw a StorageError when they fail, and have then
+/// changed nothing.
+class NoteRepository
+{
+public:
+    NoteRepository() = default;
+    NoteRepository(const NoteRepository &) = delete;
+    NoteRepository &operator=(const NoteRepository &) = delete;
+    virtual ~NoteRepository() = default;
+
+    /// The folder in which the user can see the note files; absent for repositories without files.
+    [[nodiscard]] virtual std::optional<QUrl> notesFolderURL() const { return std::nullopt; }
+
+    /// The whole stored state.
+    [[nodiscard]] virtual NoteSnapshot load() = 0;
+
+    /// Replaces the whole stored state. On return it is safe on the disk.
+    virtual void save(const NoteSnapshot &snapshot) = 0;
+};

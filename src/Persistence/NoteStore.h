@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Message.h"
+#include "NoteRepository.h"
+#include "RepositoryError.h"
+
+#include <QObject>
+#include <QTimer>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// The notes on screen, and whether they are safe on disk.
+///
+/// Lives on the GUI thread. No call throws: a failure becomes errorMessage() and errorContext(),
+/// and what was typed stays in memory until a later save succeeds. A store whose first load failed
+/// is read-only for the rest of its life, so that files it could not read are never overwritten.
+/// Each xChanged() is emitted after the state has changed, and only then.
+class NoteStore final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// From the last change of a draft to its write.
+    static constexpr std::chrono::milliseconds saveDelay{350};
+
+    using Clock = std::function<Timestamp()>;
+
+    /// Loads at once. The clock gives the times of new and edited notes.
+    explicit NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock = &Timestamp::now,
+                       QObject *parent = nullptr);
+
+    [[nodiscard]] const NoteSnapshot &snapshot() const noexcept { return m_snapshot; }
+
+    /// Present while the last load or save stands as failed: its description in English.
+    [[nodiscard]] std::optional<QString> errorMessage() const;
+
+    /// The same as errorMessage(), still translatable.
+    [[nodiscard]] const std::optional<Message> &failure() const noexcept { return m_failure; }
+
+    /// What failed and what survived. Keeps its last sentence after a failure is over.
+    [[nodiscard]] const std::optional<QString> &errorContext() const noexcept { return m_errorContext; }
+
+    /// The failure, when it was one of the repository's own kinds.
+    [[nodiscard]] const std::optional<RepositoryError> &repositoryError() const noexcept
+    {
+        return m_repositoryError;
+    }
+
+    [[nodiscard]] bool isReadOnly() const noexcept { return m_isReadOnly; }
+    [[nodiscard]] bool hasPendingChanges() const noexcept { return m_hasPendingChanges; }
+
+    [[nodiscard]] const QString &draft() const noexcept { return m_snapshot.captureDraft; }
+
+    /// "Not saved · Retry", "Saving draft…" or "Saved on this Mac": a key for translation.
+    [[nodiscard]] QString status() const;
+
+    /// Every note, last updated first; notes of the same time keep their stored order.
+    [[nodiscard]] QList<Note> notes() const;
+
+    /// The notes, in display order, whose body contains the trimmed query without regard to case
+    /// or accents. Drafts are not searched. A blank query finds every note.
+    [[nodiscard]] QList<Note> matching(const QString &query) const;
+
+    /// The note's unsaved edit, even an empty one, or else its body.
+    [[nodiscard]] QString text(const Note &note) const;
+    [[nodiscard]] bool hasDraft(const Note &note) const;
+
+    /// The folder of the note files, once it exists on disk.
+    [[nodiscard]] std::optional<QUrl> notesFolderURL() const;
+
+    /// Keeps the text of the capture screen and writes it after saveDelay without another change.
+    void setDraft(const QString &text);
+
+    /// Keeps an unsaved edit, exactly as given, and writes it after saveDelay.
+    void updateDraft(const Note &note, const QString &text);
+
+    /// Turns the trimmed capture draft into a note. Like the three below, true means that it is
+    /// on the disk, and false that nothing was written and nothing typed was lost.
+    bool saveCapture();
+
+    /// Puts the trimmed edit into the note. False also for a blank text and for an unknown note.
+    bool saveEdit(const Note &note);
+    bool deleteNote(const Note &note);
+
+    /// Writes the current state now.
+    bool flush();
+
+Q_SIGNALS:
+    void snapshotChanged();
+    void errorMessageChanged();
+    void errorContextChanged();
+    void repositoryErrorChanged();
+    void isReadOnlyChanged();
+    void hasPendingChangesChanged();
+
+private:
+    bool commit(const NoteSnapshot &snapshot);
+    void scheduleSave();
+    void reportFailure(const QString &context, std::optional<Message> failure,
+                       std::optional<RepositoryError> repositoryError);
+    void setHasPendingChanges(bool pending);
+
+    std::unique_ptr<NoteRepository> m_repository;
+    Clock m_clock;
+    NoteSnapshot m_snapshot;
+    std::optional<Message> m_failure;
+    std::optional<QString> m_errorContext;
+    std::optional<RepositoryError> m_repositoryError;
+    bool m_isReadOnly = false;
+    bool m_hasPendingChanges = false;
+    QTimer m_saveTimer;
+};

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Geometry.h"
+
+/// Where the two panels go: arithmetic on rectangles, without windows.
+namespace PanelPlacement {
+
+inline constexpr Size launcherSize{64, 64};
+inline constexpr Size editorSize{424, 560};
+
+/// Kept between a panel and the edge of its screen's visible area.
+inline constexpr double screenInset = 12;
+
+/// The visible area taken when there is no screen.
+inline constexpr Rect fallbackArea{0, 0, 1440, 900};
+
+/// The rectangle moved, not resized, into the bounds shrunk by the inset. One that is too large
+/// is pinned to the left and bottom edges.
+[[nodiscard]] Rect clamped(const Rect &rect, const Rect &bounds, double inset);
+
+/// The launcher's first place: near the top right corner of the main screen's visible area.
+[[nodiscard]] Point defaultLauncherOrigin(const Rect &visibleArea);
+
+/// The editor over the launcher, their top right corners together, clamped into the area.
+[[nodiscard]] Rect editorFrame(const Rect &launcher, const Rect &visibleArea);
+
+} // namespace PanelPlacement

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "AppAppearance.h"
+#include "AppLanguage.h"
+#include "Message.h"
+
+#include <QLocale>
+#include <QObject>
+#include <QStringList>
+#include <memory>
+#include <optional>
+
+class QSettings;
+class QTranslator;
+
+/// The user's two choices, and the translation of every text of the program.
+///
+/// The English text is the key. A text without a translation is shown as written.
+class AppPreferences final : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr auto languageKey = "ui.language";
+    static constexpr auto appearanceKey = "ui.appearance";
+
+    /// Without defaults the choices are kept in memory only. A given language or appearance is
+    /// used instead of the stored one and is not stored. Nothing is written here.
+    explicit AppPreferences(QSettings *defaults, std::optional<AppLanguage> language = std::nullopt,
+                            std::optional<AppAppearance> appearance = std::nullopt,
+                            QObject *parent = nullptr);
+    ~AppPreferences() override;
+
+    [[nodiscard]] AppLanguage language() const noexcept { return m_language; }
+    [[nodiscard]] AppAppearance appearance() const noexcept { return m_appearance; }
+
+    /// "en" or "zh-Hans".
+    [[nodiscard]] QString resolvedLanguage() const;
+
+    /// The locale of resolvedLanguage(), for dates and for right marks.
+    [[nodiscard]] QLocale locale() const;
+
+    [[nodiscard]] QString text(const QString &key) const;
+    [[nodiscard]] QString format(const QString &key, const QList<FormatArgument> &arguments) const;
+    [[nodiscard]] QString text(const Message &message) const
+    {
+        return format(message.key, message.arguments);
+    }
+
+    /// Both store both choices and emit didChange(), also when the value stays the same.
+    void setLanguage(AppLanguage language);
+    void setAppearance(AppAppearance appearance);
+
+Q_SIGNALS:
+    void languageChanged();
+    void appearanceChanged();
+
+    /// "QuillmarkPreferencesChanged": a choice was made, whether or not it differs.
+    void didChange();
+
+private:
+    void persist();
+
+    QSettings *const m_defaults;
+    AppLanguage m_language;
+    AppAppearance m_appearance;
+};
