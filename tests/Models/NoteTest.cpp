@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "Note.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+class NoteTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hasNeitherTitleNorExcerptWhenTheBodyIsOnlyLineBreaks();
+    void passesOverEmptyLinesForTitleAndExcerpt();
+    void takesALineOfSpacesAsTheTitleUntrimmed();
+    void hasNoExcerptWhenTheBodyIsOneLine();
+    void endsALineAtEachKindOfLineBreak_data();
+    void endsALineAtEachKindOfLineBreak();
+    void differsWhenAnyFieldDiffers();
+    void startsAsAnEmptySnapshotOfTheCurrentVersion();
+};
+
+namespace {
+
+Note noteOf(const QString &body)
+{
+    return {QUuid::createUuid(), body, {}, {}};
+}
+
+} // namespace
+
+void NoteTest::hasNeitherTitleNorExcerptWhenTheBodyIsOnlyLineBreaks()
+{
+    const Note note = noteOf(u"\n\r\n\u2028\n"_s);
+
+    QCOMPARE(note.title(), QString());
+    QCOMPARE(note.excerpt(), QString());
+}
+
+void NoteTest::passesOverEmptyLinesForTitleAndExcerpt()
+{
+    const Note note = noteOf(u"\n\nfirst\n\nsecond\nthird"_s);
+
+    QCOMPARE(note.title(), u"first"_s);
+    QCOMPARE(note.excerpt(), u"second third"_s);
+}
+
+void NoteTest::takesALineOfSpacesAsTheTitleUntrimmed()
+{
+    const Note note = noteOf(u"\n   \n  second "_s);
+
+    QCOMPARE(note.title(), u"   "_s);
+    QCOMPARE(note.excerpt(), u"  second "_s);
+}
+
+void NoteTest::hasNoExcerptWhenTheBodyIsOneLine()
+{
+    QCOMPARE(noteOf(u"alone"_s).excerpt(), QString());
+    QCOMPARE(noteOf(u"alone\n"_s).excerpt(), QString());
+}
+
+void NoteTest::endsALineAtEachKindOfLineBreak_data()
+{
+    QTest::addColumn<QString>("lineBreak");
+
+    QTest::newRow("LF") << u"\n"_s;
+    QTest::newRow("VT") << u"\v"_s;
+    QTest::newRow("FF") << u"\f"_s;
+    QTest::newRow("CR") << u"\r"_s;
+    QTest::newRow("CR LF") << u"\r\n"_s;
+    QTest::newRow("NEL") << u"\u0085"_s;
+    QTest::newRow("line separator") << u"\u2028"_s;
+    QTest::newRow("paragraph separator") << u"\u2029"_s;
+}
+
+void NoteTest::endsALineAtEachKindOfLineBreak()
+{
+    QFETCH(const QString, lineBreak);
+    const Note note = noteOf(u"one"_s + lineBreak + u"two"_s + lineBreak + u"three"_s);
+
+    QCOMPARE(note.title(), u"one"_s);
+    QCOMPARE(note.excerpt(), u"two three"_s);
+}
+
+void NoteTest::differsWhenAnyFieldDiffers()
+{
+    const Note note{QUuid::createUuid(), u"body"_s, {1.0}, {2.0}};
+    Note other = note;
+    QCOMPARE(other, note);
+
+    other.id = QUuid::createUuid();
+    QVERIFY(!(other == note));
+    other = note;
+    other.body += u' ';
+    QVERIFY(!(other == note));
+    other = note;
+    other.createdAt = {3.0};
+    QVERIFY(!(other == note));
+    other = note;
+    other.updatedAt = {3.0};
+    QVERIFY(!(other == note));
+}
+
+void NoteTest::startsAsAnEmptySnapshotOfTheCurrentVersion()
+{
+    const NoteSnapshot snapshot;
+
+    QCOMPARE(snapshot.version, qint64(1));
+    QVERIFY(snapshot.notes.isEmpty());
+    QVERIFY(snapshot.captureDraft.isEmpty());
+    QVERIFY(snapshot.editingDrafts.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(NoteTest)
+#include "NoteTest.moc"
