@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QAbstractButton>
+#include "ThemedButton.h"
 
 /// The one important button of a screen: white text in a capsule of the accent colour, 72 % while
 /// pressed, 45 % as a whole while disabled.
-class NotePrimaryButton final : public QAbstractButton
-{
+class NotePrimaryButton final : public ThemedButton {
     Q_OBJECT
 
 public:

@@ -7,7 +7,11 @@
 
 enum class ColorScheme;
 
-/// Every colour, font and measure of the program. Views hold no number of their own.
+/// How strongly a text or a symbol speaks.
+enum class Tone { primary, secondary, tertiary, accent, failure, onAccent };
+
+/// Every colour and font of the program; Metrics.h and TextStyle.h have the measures. Views hold
+/// no number of their own.
 ///
 /// Sizes are in points of the layout, which are Qt's device-independent pixels, so that the layout
 /// holds on every display; fonts are set in pixels for the same reason.
@@ -16,15 +20,20 @@ namespace NoteTheme {
 /// A warm terracotta: sRGB 0.77, 0.34, 0.19.
 [[nodiscard]] const QColor &accent();
 
-/// The colours of a view tree. Roles: WindowText is the primary style, PlaceholderText the
-/// tertiary one, Window the opaque background; secondary() and tint() give the rest.
+/// The colours of a view tree. Besides the usual roles it carries every tone in a role of its
+/// own, see role(), so that the tones go down a view tree and change with the scheme by themselves.
 [[nodiscard]] QPalette palette(ColorScheme scheme);
 [[nodiscard]] ColorScheme colorScheme(const QPalette &palette);
+
+/// The role of the palette that carries a tone: WindowText for the primary one, PlaceholderText
+/// for the tertiary one, and roles that this program has no other use for.
+[[nodiscard]] QPalette::ColorRole role(Tone tone);
+[[nodiscard]] QColor color(const QPalette &palette, Tone tone);
 
 /// Text of lesser weight. At least 4.5:1 on the surface.
 [[nodiscard]] QColor secondary(const QPalette &palette);
 
-/// Prompts and marks of no importance.
+/// Prompts and marks of no importance. At least 3:1 on the surface.
 [[nodiscard]] QColor tertiary(const QPalette &palette);
 
 /// The primary style at an opacity from 0 to 1, for fills and lines.

@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QAbstractButton>
+#include "ThemedButton.h"
 
 /// A symbol of 13 points in a 30 × 30 square that takes clicks everywhere; no bezel.
 /// The label is its tooltip and its accessible name.
-class QuietIconButton final : public QAbstractButton
-{
+class QuietIconButton final : public ThemedButton {
     Q_OBJECT
 
 public:
-    QuietIconButton(const QString &symbol, int pixelSize = 13, QWidget *parent = nullptr);
+    explicit QuietIconButton(const QString &symbol, QWidget *parent = nullptr);
+    QuietIconButton(const QString &symbol, int pixelSize, QWidget *parent = nullptr);
 
     void setSymbol(const QString &symbol);
+    [[nodiscard]] const QString &symbol() const noexcept { return m_symbol; }
 
     /// Already translated.
     void setLabel(const QString &label);

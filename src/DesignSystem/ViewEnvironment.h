@@ -9,8 +9,7 @@
 ///
 /// The widget at the root of the tree. Colours and locale go down by themselves, as Qt's palette
 /// and locale; the rest is found with of() and announced by changed().
-class ViewEnvironment : public QWidget
-{
+class ViewEnvironment : public QWidget {
     Q_OBJECT
 
 public:

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "TextStyle.h"
+#include "ThemedButton.h"
+
+#include <QMargins>
+
+/// A button of text alone, with a symbol before it when one is named: no bezel. Padded, and while
+/// it is checked on a capsule of the primary style, where it is a tab.
+class PlainButton final : public ThemedButton {
+    Q_OBJECT
+
+public:
+    explicit PlainButton(const TextStyle &style, const QString &symbol = {},
+                         QWidget *parent = nullptr);
+
+    /// A tab of a row of tabs: checkable and padded.
+    [[nodiscard]] static PlainButton *makeTab(QWidget *parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    TextStyle m_style;
+    QString m_symbol;
+    QMargins m_padding;
+};
