@@ -6,32 +6,46 @@
 /// Light or dark.
 enum class ColorScheme { light, dark };
 
-/// What the user asked of the whole desktop. Settings that the desktop does not offer have their
-/// plain value. Never waits for another program: answers that arrive later are signalled.
-class SystemAppearance final : public QObject
+/// What the user asked of the whole desktop, as the views see it.
+///
+/// This class only holds the values and announces their changes; DesktopAppearance keeps them like
+/// the running desktop. On its own it stands for a desktop with the values it is given.
+class SystemAppearance : public QObject
 {
     Q_OBJECT
 
 public:
+    struct Values {
+        ColorScheme colorScheme = ColorScheme::light;
+        /// Animations are switched off.
+        bool reduceMotion = false;
+        bool highContrast = false;
+        /// A compositing manager draws translucent windows.
+        bool isComposited = true;
+
+        friend bool operator==(const Values &, const Values &) = default;
+    };
+
     explicit SystemAppearance(QObject *parent = nullptr);
 
-    [[nodiscard]] ColorScheme colorScheme() const noexcept { return m_colorScheme; }
+    [[nodiscard]] ColorScheme colorScheme() const noexcept { return m_values.colorScheme; }
+    [[nodiscard]] bool reduceMotion() const noexcept { return m_values.reduceMotion; }
 
-    /// Animations are switched off.
-    [[nodiscard]] bool reduceMotion() const noexcept { return m_reduceMotion; }
+    /// Surfaces are to be opaque: high contrast is asked for, or nothing could show through them.
+    [[nodiscard]] bool reduceTransparency() const noexcept
+    {
+        return m_values.highContrast || !m_values.isComposited;
+    }
 
-    /// High contrast is asked for: surfaces are to be opaque.
-    [[nodiscard]] bool reduceTransparency() const noexcept { return m_reduceTransparency; }
+    /// Without a compositing manager the corners of a window must be cut out.
+    [[nodiscard]] bool isComposited() const noexcept { return m_values.isComposited; }
 
-    /// A compositing manager draws translucent windows. Without one corners must be cut out.
-    [[nodiscard]] bool isComposited() const noexcept { return m_isComposited; }
+    [[nodiscard]] const Values &values() const noexcept { return m_values; }
+    void setValues(const Values &values);
 
 Q_SIGNALS:
     void changed();
 
 private:
-    ColorScheme m_colorScheme = ColorScheme::light;
-    bool m_reduceMotion = false;
-    bool m_reduceTransparency = false;
-    bool m_isComposited = true;
+    Values m_values;
 };

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "SystemAppearance.h"
+
+#include <QVariant>
+#include <memory>
+
+class CompositorWatch;
+class QDBusVariant;
+
+/// The appearance of the running desktop: the settings portal says light or dark, contrast and
+/// motion, the X server says whether windows are composited.
+///
+/// The portal is never waited for: what it answers arrives later as changed(). Without a portal the
+/// colour scheme is the one of the palette that the platform gave, and the rest has plain values.
+class DesktopAppearance final : public SystemAppearance
+{
+    Q_OBJECT
+
+public:
+    explicit DesktopAppearance(QObject *parent = nullptr);
+    ~DesktopAppearance() override;
+
+    /// The values after one setting of the portal changed; unknown settings change nothing.
+    [[nodiscard]] static Values applying(Values values, const QString &group, const QString &key,
+                                         const QVariant &value);
+
+private Q_SLOTS:
+    void takeSetting(const QString &group, const QString &key, const QDBusVariant &value);
+
+private:
+    void askPortal();
+
+    std::unique_ptr<CompositorWatch> m_compositor;
+};
