@@ -1,1 +1,263 @@
 // SPDX-License-Identifier: MIT
+#include "NoteStore.h"
+
+#include "NoteId.h"
+#include "TextSearch.h"
+
+#include <QFileInfo>
+#include <algorithm>
+#include <vector>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Why the operation failed, or nothing when it succeeded. The only place that catches.
+struct Failure {
+    Message message;
+    std::optional<RepositoryError> repositoryError;
+};
+
+template <class Operation>
+std::optional<Failure> failureOf(const Operation &operation)
+{
+    try {
+        operation();
+        return std::nullopt;
+    } catch (const RepositoryError &error) {
+        return Failure{error.message(), error};
+    } catch (const StorageError &error) {
+        return Failure{error.message(), std::nullopt};
+    } catch (const std::exception &error) {
+        return Failure{{u"%@"_s, {QString::fromLocal8Bit(error.what())}}, std::nullopt};
+    }
+}
+
+bool isInDisplayOrder(const Note &first, const Note &second)
+{
+    return first.updatedAt > second.updatedAt;
+}
+
+/// Sorts places instead of notes, so that each note is copied once, and not at all when the list
+/// is in order already.
+QList<Note> inDisplayOrder(const QList<Note> &notes)
+{
+    if (std::is_sorted(notes.begin(), notes.end(), isInDisplayOrder))
+        return notes;
+
+    struct Place {
+        Timestamp updatedAt;
+        qsizetype index;
+    };
+    std::vector<Place> places;
+    places.reserve(static_cast<size_t>(notes.size()));
+    for (qsizetype i = 0; i < notes.size(); ++i)
+        places.push_back({notes[i].updatedAt, i});
+    std::stable_sort(places.begin(), places.end(), [](const Place &first, const Place &second) {
+        return first.updatedAt > second.updatedAt;
+    });
+
+    QList<Note> sorted;
+    sorted.reserve(notes.size());
+    for (const Place &place : places)
+        sorted.append(notes[place.index]);
+    return sorted;
+}
+
+} // namespace
+
+NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QObject *parent)
+    : QObject(parent)
+    , m_repository(std::move(repository))
+    , m_clock(std::move(clock))
+{
+    m_saveTimer.setSingleShot(true);
+    m_saveTimer.setTimerType(Qt::PreciseTimer);
+    m_saveTimer.setInterval(saveDelay);
+    connect(&m_saveTimer, &QTimer::timeout, this, &NoteStore::flush);
+
+    const auto failure = failureOf([this] { m_snapshot = m_repository->load(); });
+    if (failure) {
+        m_isReadOnly = true;
+        setErrorContext(u"Could not read your notes. Original files were protected."_s);
+        setFailure(failure->message, failure->repositoryError);
+    }
+}
+
+std::optional<QString> NoteStore::errorMessage() const
+{
+    return m_failure ? std::optional(m_failure->english()) : std::nullopt;
+}
+
+QString NoteStore::status() const
+{
+    if (m_failure)
+        return u"Not saved · Retry"_s;
+    if (m_hasPendingChanges)
+        return u"Saving draft…"_s;
+    return u"Saved on this Mac"_s;
+}
+
+QList<Note> NoteStore::notes() const
+{
+    return inDisplayOrder(m_snapshot.notes);
+}
+
+QList<Note> NoteStore::matching(const QString &query) const
+{
+    const QString trimmed = query.trimmed();
+    if (trimmed.isEmpty())
+        return notes();
+
+    const TextSearch search(trimmed);
+    QList<Note> found;
+    for (const Note &note : m_snapshot.notes) {
+        if (search.isFoundIn(note.body))
+            found.append(note);
+    }
+    return inDisplayOrder(found);
+}
+
+QString NoteStore::text(const Note &note) const
+{
+    return m_snapshot.editingDrafts.value(canonicalText(note.id), note.body);
+}
+
+bool NoteStore::hasDraft(const Note &note) const
+{
+    return m_snapshot.editingDrafts.contains(canonicalText(note.id));
+}
+
+std::optional<QUrl> NoteStore::notesFolderURL() const
+{
+    const auto folder = m_repository->notesFolderURL();
+    return folder && QFileInfo::exists(folder->toLocalFile()) ? folder : std::nullopt;
+}
+
+void NoteStore::setDraft(const QString &text)
+{
+    if (m_isReadOnly)
+        return;
+    const bool isChange = m_snapshot.captureDraft != text;
+    m_snapshot.captureDraft = text;
+    if (isChange)
+        Q_EMIT snapshotChanged();
+    scheduleSave();
+}
+
+void NoteStore::updateDraft(const Note &note, const QString &text)
+{
+    if (m_isReadOnly)
+        return;
+    const QString key = canonicalText(note.id);
+    const bool isChange =
+        !m_snapshot.editingDrafts.contains(key) || m_snapshot.editingDrafts.value(key) != text;
+    m_snapshot.editingDrafts[key] = text;
+    if (isChange)
+        Q_EMIT snapshotChanged();
+    scheduleSave();
+}
+
+bool NoteStore::saveCapture()
+{
+    const QString body = m_snapshot.captureDraft.trimmed();
+    if (body.isEmpty())
+        return false;
+
+    const Timestamp now = m_clock();
+    NoteSnapshot next = m_snapshot;
+    next.notes.prepend({QUuid::createUuid(), body, now, now});
+    next.captureDraft.clear();
+    return commit(next);
+}
+
+bool NoteStore::saveEdit(const Note &note)
+{
+    const QString body = text(note).trimmed();
+    if (body.isEmpty())
+        return false;
+
+    NoteSnapshot next = m_snapshot;
+    const auto edited = std::find_if(next.notes.begin(), next.notes.end(),
+                                     [&note](const Note &other) { return other.id == note.id; });
+    if (edited == next.notes.end())
+        return false;
+    edited->body = body;
+    edited->updatedAt = m_clock();
+    next.editingDrafts.remove(canonicalText(note.id));
+    return commit(next);
+}
+
+bool NoteStore::deleteNote(const Note &note)
+{
+    NoteSnapshot next = m_snapshot;
+    next.notes.removeIf([&note](const Note &other) { return other.id == note.id; });
+    next.editingDrafts.remove(canonicalText(note.id));
+    return commit(next);
+}
+
+bool NoteStore::flush()
+{
+    return commit(m_snapshot);
+}
+
+bool NoteStore::commit(const NoteSnapshot &snapshot)
+{
+    if (m_isReadOnly)
+        return false;
+    // Whatever waits to be written is part of this snapshot.
+    m_saveTimer.stop();
+    const auto failure = failureOf([&] { m_repository->save(snapshot); });
+    if (failure) {
+        setErrorContext(u"Could not save. Your text is still in this window."_s);
+        setFailure(failure->message, failure->repositoryError);
+        return false;
+    }
+    setSnapshot(snapshot);
+    setFailure(std::nullopt, std::nullopt);
+    setHasPendingChanges(false);
+    return true;
+}
+
+void NoteStore::scheduleSave()
+{
+    setHasPendingChanges(true);
+    m_saveTimer.start();
+}
+
+void NoteStore::setSnapshot(const NoteSnapshot &snapshot)
+{
+    if (m_snapshot == snapshot)
+        return;
+    m_snapshot = snapshot;
+    Q_EMIT snapshotChanged();
+}
+
+void NoteStore::setFailure(std::optional<Message> failure,
+                           std::optional<RepositoryError> repositoryError)
+{
+    const bool isNewFailure = m_failure != failure;
+    const bool isNewError = m_repositoryError != repositoryError;
+    m_failure = std::move(failure);
+    m_repositoryError = repositoryError;
+    if (isNewFailure)
+        Q_EMIT errorMessageChanged();
+    if (isNewError)
+        Q_EMIT repositoryErrorChanged();
+}
+
+void NoteStore::setErrorContext(const QString &context)
+{
+    if (m_errorContext == context)
+        return;
+    m_errorContext = context;
+    Q_EMIT errorContextChanged();
+}
+
+void NoteStore::setHasPendingChanges(bool pending)
+{
+    if (m_hasPendingChanges == pending)
+        return;
+    m_hasPendingChanges = pending;
+    Q_EMIT hasPendingChangesChanged();
+}

@@ -18,8 +18,7 @@
 /// and what was typed stays in memory until a later save succeeds. A store whose first load failed
 /// is read-only for the rest of its life, so that files it could not read are never overwritten.
 /// Each xChanged() is emitted after the state has changed, and only then.
-class NoteStore final : public QObject
-{
+class NoteStore final : public QObject {
     Q_OBJECT
 
 public:
@@ -41,7 +40,10 @@ public:
     [[nodiscard]] const std::optional<Message> &failure() const noexcept { return m_failure; }
 
     /// What failed and what survived. Keeps its last sentence after a failure is over.
-    [[nodiscard]] const std::optional<QString> &errorContext() const noexcept { return m_errorContext; }
+    [[nodiscard]] const std::optional<QString> &errorContext() const noexcept
+    {
+        return m_errorContext;
+    }
 
     /// The failure, when it was one of the repository's own kinds.
     [[nodiscard]] const std::optional<RepositoryError> &repositoryError() const noexcept
@@ -49,7 +51,10 @@ public:
         return m_repositoryError;
     }
 
+    /// Decided by the first load, once and for all.
     [[nodiscard]] bool isReadOnly() const noexcept { return m_isReadOnly; }
+
+    /// A draft waits for its write.
     [[nodiscard]] bool hasPendingChanges() const noexcept { return m_hasPendingChanges; }
 
     [[nodiscard]] const QString &draft() const noexcept { return m_snapshot.captureDraft; }
@@ -93,14 +98,14 @@ Q_SIGNALS:
     void errorMessageChanged();
     void errorContextChanged();
     void repositoryErrorChanged();
-    void isReadOnlyChanged();
     void hasPendingChangesChanged();
 
 private:
     bool commit(const NoteSnapshot &snapshot);
     void scheduleSave();
-    void reportFailure(const QString &context, std::optional<Message> failure,
-                       std::optional<RepositoryError> repositoryError);
+    void setSnapshot(const NoteSnapshot &snapshot);
+    void setFailure(std::optional<Message> failure, std::optional<RepositoryError> repositoryError);
+    void setErrorContext(const QString &context);
     void setHasPendingChanges(bool pending);
 
     std::unique_ptr<NoteRepository> m_repository;

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "NoteRepository.h"
+
+#include <functional>
+
+/// A repository in memory that fails on demand and counts what is asked of it.
+class FailingRepository final : public NoteRepository {
+public:
+    explicit FailingRepository(NoteSnapshot snapshot = {})
+        : m_stored(std::move(snapshot))
+    {
+    }
+
+    /// From now on load() and save() throw this.
+    template <class Error>
+    void failWith(const Error &error)
+    {
+        m_fail = [error] { throw error; };
+    }
+
+    void recover() { m_fail = nullptr; }
+
+    void setNotesFolderURL(const QUrl &folder) { m_notesFolderURL = folder; }
+
+    /// What a restart would find.
+    [[nodiscard]] const NoteSnapshot &stored() const noexcept { return m_stored; }
+
+    /// How often save() was called, whatever came of it.
+    [[nodiscard]] int saves() const noexcept { return m_saves; }
+
+    [[nodiscard]] std::optional<QUrl> notesFolderURL() const override { return m_notesFolderURL; }
+
+    [[nodiscard]] NoteSnapshot load() override
+    {
+        if (m_fail)
+            m_fail();
+        return m_stored;
+    }
+
+    void save(const NoteSnapshot &snapshot) override
+    {
+        ++m_saves;
+        if (m_fail)
+            m_fail();
+        m_stored = snapshot;
+    }
+
+private:
+    NoteSnapshot m_stored;
+    std::function<void()> m_fail;
+    std::optional<QUrl> m_notesFolderURL;
+    int m_saves = 0;
+};
