@@ -1,0 +1,214 @@
+# SPDX-License-Identifier: MIT
+"""One virtual desktop: X server, window manager, session bus and folders of its own."""
+
+import contextlib
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+
+import Xlib.display
+import Xlib.error
+
+from . import processes
+from .input import Keyboard, Mouse
+from .pictures import Picture
+from .quillmark import Quillmark
+from .text_window import TextWindow
+from .waiting import until
+from .windows import Windows
+
+_I3_SETTINGS = """\
+font pango:monospace 8
+workspace 1 output primary
+bindsym Mod4+F1 workspace 1
+"""
+
+# How each window manager is started. {settings} is a file with _I3_SETTINGS.
+WINDOW_MANAGERS = {
+    "openbox": ["openbox", "--sm-disable"],
+    "i3": ["i3", "-c", "{settings}"],
+    "xfwm4": ["xfwm4", "--compositor=on", "--vblank=off"],
+    "metacity": ["metacity"],
+    "mutter": ["mutter", "--x11"],
+    "icewm": ["icewm"],
+    "kwin_x11": ["kwin_x11"],
+}
+
+# The services that may be started through the bus: assistive technology, and what window managers
+# keep their settings in. Whatever else this computer offers to a session stays away.
+_BUS_SERVICES = ["org.a11y.Bus", "org.xfce.Xfconf", "ca.desrt.dconf"]
+
+_BUS_SETTINGS = """\
+<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path={folder}/bus</listen>
+  <auth>EXTERNAL</auth>
+  <servicedir>{folder}/services</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+
+class Desktop:
+    """Starts everything on entry, ends and removes everything on exit."""
+
+    def __init__(self, window_manager, width=1440, height=900):
+        self.window_manager = window_manager
+        self.width = width
+        self.height = height
+        self._exits = contextlib.ExitStack()
+
+    @staticmethod
+    def is_available(window_manager):
+        return shutil.which(WINDOW_MANAGERS[window_manager][0]) is not None
+
+    def __enter__(self):
+        try:
+            self._start()
+        except BaseException:
+            self._exits.close()
+            raise
+        return self
+
+    def __exit__(self, *exception):
+        self._exits.close()
+
+    def _start(self):
+        processes.adopt_orphans()
+        folder = tempfile.TemporaryDirectory(prefix="desktop-", ignore_cleanup_errors=True)
+        self.folder = pathlib.Path(self._exits.enter_context(folder))
+        self._exits.callback(processes.kill_adopted)
+        self._log = self._exits.enter_context(open(self.folder / "services.log", "wb"))
+        self.environment = self._make_environment(self.folder / "home")
+        self._start_display()
+        self._start_bus()
+        # libatspi and Xlib of this very process are to find the same desktop.
+        os.environ.update({key: self.environment[key] for key in
+                           ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")})
+        os.environ.pop("AT_SPI_BUS_ADDRESS", None)
+        self.display = Xlib.display.Display(self.environment["DISPLAY"])
+        self._exits.callback(self.display.close)
+        self.windows = Windows(self.display)
+        self.mouse = Mouse(self.display)
+        self.keyboard = Keyboard(self.display)
+        self._start_window_manager()
+
+    def _make_environment(self, home):
+        environment = self.environment_for(home)
+        runtime = self.folder / "runtime"
+        runtime.mkdir(mode=0o700)
+        environment["XDG_RUNTIME_DIR"] = str(runtime)
+        return environment
+
+    def environment_for(self, home):
+        """The environment of a program that keeps everything below the given home folder."""
+        home = pathlib.Path(home)
+        kept = ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS")
+        environment = {key: os.environ[key] for key in kept if key in os.environ}
+        environment.update(getattr(self, "environment", {}))
+        folders = {"HOME": home, "XDG_DATA_HOME": home / ".local/share",
+                   "XDG_CONFIG_HOME": home / ".config", "XDG_CACHE_HOME": home / ".cache"}
+        for key, path in folders.items():
+            path.mkdir(parents=True, exist_ok=True)
+            environment[key] = str(path)
+        environment.update({"LANG": "C.UTF-8", "LANGUAGE": "en", "XDG_SESSION_TYPE": "x11",
+                            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                            "LIBGL_ALWAYS_SOFTWARE": "1"})
+        return environment
+
+    def spawn(self, arguments, **options):
+        """Starts a service of the desktop; it ends with the desktop."""
+        options = {"stdout": self._log, "stderr": self._log} | options
+        process = processes.spawn(arguments, self.environment, **options)
+        self._exits.callback(processes.stop, process)
+        return process
+
+    def _start_display(self):
+        read, write = os.pipe()
+        self.spawn(["Xvfb", "-displayfd", str(write), "-screen", "0",
+                    f"{self.width}x{self.height}x24", "-nolisten", "tcp", "-noreset"],
+                   pass_fds=[write])
+        os.close(write)
+        with open(read, encoding="ascii") as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start:\n" + self.log())
+        self.environment["DISPLAY"] = f":{number}"
+
+    def _start_bus(self):
+        services = self.folder / "services"
+        services.mkdir()
+        for name in _BUS_SERVICES:
+            source = pathlib.Path(f"/usr/share/dbus-1/services/{name}.service")
+            if source.exists():
+                lines = source.read_text(encoding="utf-8").splitlines()
+                kept = [line for line in lines if not line.startswith("SystemdService")]
+                (services / source.name).write_text("\n".join(kept) + "\n", encoding="utf-8")
+        settings = self.folder / "bus.conf"
+        settings.write_text(_BUS_SETTINGS.format(folder=self.folder), encoding="utf-8")
+        bus = self.spawn(["dbus-daemon", f"--config-file={settings}", "--nofork",
+                          "--print-address"], stdout=subprocess.PIPE)
+        with bus.stdout as answer:
+            address = answer.readline().decode().strip()
+        if not address:
+            raise RuntimeError("the session bus did not start:\n" + self.log())
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+
+    def _start_window_manager(self):
+        settings = self.folder / "i3.conf"
+        settings.write_text(_I3_SETTINGS, encoding="utf-8")
+        command = [part.format(settings=settings)
+                   for part in WINDOW_MANAGERS[self.window_manager]]
+        self.spawn(command)
+        until(self.windows.has_window_manager, f"{self.window_manager} has started")
+        self._wait_until_windows_are_managed()
+
+    def _wait_until_windows_are_managed(self):
+        """Window managers announce themselves before they look at windows, and some sleep on events
+        that came while they started until another one arrives."""
+        probe = TextWindow(self.environment["DISPLAY"], "Probe")
+
+        def is_managed():
+            self.windows.ask_for_frame_extents(probe.id)
+            window = self.windows.find(probe.id)
+            return window.is_viewable() and window.property("WM_STATE") is not None
+
+        until(is_managed, f"{self.window_manager} manages windows")
+        probe.close()
+
+    def log(self):
+        """What the services of the desktop have printed."""
+        self._log.flush()
+        return (self.folder / "services.log").read_text(encoding="utf-8", errors="replace")
+
+    def picture(self, x=0, y=0, width=None, height=None):
+        """What is on screen, as a person would see it."""
+        return Picture.of_screen(self.display, x, y, width or self.width, height or self.height)
+
+    def run(self, arguments):
+        """Runs a command on this desktop and returns what it printed."""
+        return subprocess.run(arguments, env=self.environment, check=True, text=True,
+                              stdout=subprocess.PIPE, timeout=30).stdout
+
+    def open_text_window(self, title="Another program", focused=True, **geometry):
+        """Another program's window that takes text; focused when the call returns."""
+        window = TextWindow(self.environment["DISPLAY"], title, **geometry)
+        self._exits.callback(window.close)
+        until(lambda: self.windows.find(window.id).is_viewable(), f"“{title}” is shown")
+        if focused:
+            self.windows.activate(window.id)
+            until(lambda: self.windows.active() == window.id, f"“{title}” is active")
+            until(lambda: self.windows.has_input(window.id), f"“{title}” has the keyboard")
+        return window
+
+    def start_quillmark(self, program, home, *arguments, **variables):
+        """Starts the program with data and settings below the home folder; does not wait."""
+        return Quillmark(self, program, home, arguments, variables)

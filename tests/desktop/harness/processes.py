@@ -1,0 +1,69 @@
+# SPDX-License-Identifier: MIT
+"""Child processes that never outlive the harness."""
+
+import ctypes
+import os
+import signal
+import subprocess
+import time
+
+_libc = ctypes.CDLL(None, use_errno=True)
+_PR_SET_PDEATHSIG = 1
+_PR_SET_CHILD_SUBREAPER = 36
+
+
+def adopt_orphans():
+    """Daemons that a child leaves behind become children of this process, so that they are found."""
+    _libc.prctl(_PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
+
+
+def _end_with_parent():
+    _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGKILL, 0, 0, 0)
+
+
+def spawn(arguments, environment, **options):
+    """Starts a child that the kernel kills should this process die."""
+    return subprocess.Popen(arguments, env=environment, stdin=subprocess.DEVNULL,
+                            preexec_fn=_end_with_parent, **options)
+
+
+def stop(process, seconds=5.0):
+    """Asks a child to end, and kills it when it does not."""
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(seconds)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+    return process.returncode
+
+
+def _children_of(parent):
+    found = []
+    for entry in os.listdir("/proc"):
+        if not entry.isdigit():
+            continue
+        try:
+            with open(f"/proc/{entry}/stat", encoding="utf-8", errors="replace") as stat:
+                fields = stat.read().rpartition(")")[2].split()
+        except OSError:
+            continue
+        if int(fields[1]) == parent:
+            found.append(int(entry))
+    return found
+
+
+def kill_adopted(seconds=5.0):
+    """Kills and reaps every child that is left, and what these leave behind in turn."""
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        children = _children_of(os.getpid())
+        if not children:
+            return
+        for child in children:
+            try:
+                os.kill(child, signal.SIGKILL)
+                os.waitpid(child, 0)
+            except (ProcessLookupError, ChildProcessError):
+                pass

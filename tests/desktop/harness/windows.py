@@ -1,0 +1,197 @@
+# SPDX-License-Identifier: MIT
+"""What the X server and the window manager say about windows."""
+
+from Xlib import X, Xatom
+from Xlib.error import BadDrawable, BadMatch, BadWindow
+from Xlib.protocol import event
+
+_GONE = (BadWindow, BadDrawable, BadMatch)
+
+
+class Window:
+    """One window, by its number; it may be gone by the time of a question."""
+
+    def __init__(self, display, number):
+        self.id = number
+        self._display = display
+        self._window = display.create_resource_object("window", number)
+
+    def __eq__(self, other):
+        return isinstance(other, Window) and self.id == other.id
+
+    def __hash__(self):
+        return hash(self.id)
+
+    def __repr__(self):
+        return f"<window {self.id:#x} “{self.title()}” {self.rectangle()}>"
+
+    def property(self, name, kind=X.AnyPropertyType):
+        """The property's values, or None."""
+        try:
+            found = self._window.get_full_property(self._display.intern_atom(name), kind)
+        except _GONE:
+            return None
+        return None if found is None else found.value
+
+    def title(self):
+        value = self.property("_NET_WM_NAME") or self.property("WM_NAME") or b""
+        return value.decode() if isinstance(value, bytes) else str(value)
+
+    def process(self):
+        value = self.property("_NET_WM_PID")
+        return value[0] if value else None
+
+    def states(self):
+        """The names in _NET_WM_STATE."""
+        return {self._display.get_atom_name(atom) for atom in self.property("_NET_WM_STATE") or []}
+
+    def types(self):
+        atoms = self.property("_NET_WM_WINDOW_TYPE") or []
+        return [self._display.get_atom_name(atom) for atom in atoms]
+
+    def workspace(self):
+        value = self.property("_NET_WM_DESKTOP")
+        return value[0] if value else None
+
+    def is_viewable(self):
+        """Mapped, and every window around it too."""
+        try:
+            return self._window.get_attributes().map_state == X.IsViewable
+        except _GONE:
+            return False
+
+    def bypasses_window_manager(self):
+        try:
+            return bool(self._window.get_attributes().override_redirect)
+        except _GONE:
+            return False
+
+    def rectangle(self):
+        """x, y, width, height on the screen."""
+        try:
+            geometry = self._window.get_geometry()
+            place = self._window.translate_coords(self._display.screen().root, 0, 0)
+        except _GONE:
+            return None
+        # The answer is where the root's origin lies, seen from the window.
+        return -place.x, -place.y, geometry.width, geometry.height
+
+    def centre(self):
+        x, y, width, height = self.rectangle()
+        return x + width // 2, y + height // 2
+
+
+class Windows:
+    """All windows of one display."""
+
+    def __init__(self, display):
+        self._display = display
+        self._root = display.screen().root
+        self._root_window = Window(display, self._root.id)
+
+    @property
+    def root_id(self):
+        return self._root.id
+
+    def find(self, number):
+        return Window(self._display, number)
+
+    def has_window_manager(self):
+        check = self._root_window.property("_NET_SUPPORTING_WM_CHECK")
+        if not check:
+            return False
+        return self.find(check[0]).property("_NET_SUPPORTING_WM_CHECK") is not None
+
+    def has_compositor(self):
+        owner = self._display.get_selection_owner(self._display.intern_atom("_NET_WM_CM_S0"))
+        return owner != X.NONE
+
+    def active(self):
+        """The number of the active window; 0 when there is none."""
+        value = self._root_window.property("_NET_ACTIVE_WINDOW")
+        return value[0] if value else 0
+
+    def managed(self):
+        """The managed windows, oldest first."""
+        return list(self._root_window.property("_NET_CLIENT_LIST") or [])
+
+    def stacking(self):
+        """The managed windows, lowest first."""
+        return list(self._root_window.property("_NET_CLIENT_LIST_STACKING") or [])
+
+    def on_screen(self):
+        """The windows directly on the root, lowest first: frames and unmanaged windows."""
+        return [Window(self._display, child.id) for child in self._root.query_tree().children]
+
+    def _tree(self, window, depth):
+        try:
+            children = window.query_tree().children
+        except _GONE:
+            return
+        for child in children:
+            yield child.id
+            if depth > 1:
+                yield from self._tree(child, depth - 1)
+
+    def of_process(self, process):
+        """Every window that names this process, inside window managers' frames too."""
+        found = (self.find(number) for number in self._tree(self._root, 4))
+        return [window for window in found if window.process() == process]
+
+    def top_at(self, point):
+        """The uppermost visible window on the root that covers the point."""
+        for window in reversed(self.on_screen()):
+            rectangle = window.rectangle()
+            if rectangle is None or not window.is_viewable():
+                continue
+            x, y, width, height = rectangle
+            if x <= point[0] < x + width and y <= point[1] < y + height:
+                return window
+        return None
+
+    def contains(self, outer, inner):
+        """Whether a window is the other one or lies inside it."""
+        return outer.id == inner.id or inner.id in self._tree(outer._window, 4)
+
+    def has_input(self, number):
+        """Whether keys go to the window or to one inside it."""
+        focus = self._display.get_input_focus().focus
+        focused = getattr(focus, "id", focus)
+        window = self.find(number)
+        return focused == number or focused in self._tree(window._window, 4)
+
+    def _tell(self, window, kind, values):
+        message = event.ClientMessage(window=window, client_type=self._display.intern_atom(kind),
+                                      data=(32, (values + [0] * 5)[:5]))
+        mask = X.SubstructureRedirectMask | X.SubstructureNotifyMask
+        self._root.send_event(message, event_mask=mask)
+        self._display.sync()
+
+    def activate(self, number):
+        """As a pager would."""
+        self._tell(self.find(number)._window, "_NET_ACTIVE_WINDOW", [2, X.CurrentTime])
+
+    def ask_for_frame_extents(self, number):
+        """Changes nothing; a question that every window manager listens to."""
+        self._tell(self.find(number)._window, "_NET_REQUEST_FRAME_EXTENTS", [])
+
+    def close(self, number):
+        self._tell(self.find(number)._window, "_NET_CLOSE_WINDOW", [X.CurrentTime, 2])
+
+    def make_full_screen(self, number):
+        full = self._display.intern_atom("_NET_WM_STATE_FULLSCREEN")
+        self._tell(self.find(number)._window, "_NET_WM_STATE", [1, full, 0, 2])
+
+    def workspace(self):
+        value = self._root_window.property("_NET_CURRENT_DESKTOP")
+        return value[0] if value else None
+
+    def workspaces(self):
+        value = self._root_window.property("_NET_NUMBER_OF_DESKTOPS")
+        return value[0] if value else 1
+
+    def switch_workspace(self, number):
+        self._tell(self._root, "_NET_CURRENT_DESKTOP", [number, X.CurrentTime])
+
+    def clipboard_owner(self):
+        return self._display.get_selection_owner(self._display.intern_atom("CLIPBOARD"))
