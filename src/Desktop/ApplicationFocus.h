@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QtTypes>
+#include <QtGlobal>
 #include <optional>
 
 /// A program's window that has, or had, the keyboard.
@@ -15,8 +15,7 @@ struct RunningApplication {
 
 /// Who has the keyboard, and giving it back. An interface, so that the panels are tested without a
 /// window manager.
-class ApplicationFocus
-{
+class ApplicationFocus {
 public:
     ApplicationFocus() = default;
     ApplicationFocus(const ApplicationFocus &) = delete;
@@ -31,8 +30,7 @@ public:
 };
 
 /// Through the window manager (EWMH). Does nothing on another platform than X11.
-class X11ApplicationFocus final : public ApplicationFocus
-{
+class X11ApplicationFocus final : public ApplicationFocus {
 public:
     [[nodiscard]] std::optional<RunningApplication> frontmost() const override;
     void activate(const RunningApplication &application) override;

@@ -14,8 +14,7 @@ class QDBusVariant;
 ///
 /// The portal is never waited for: what it answers arrives later as changed(). Without a portal the
 /// colour scheme is the one of the palette that the platform gave, and the rest has plain values.
-class DesktopAppearance final : public SystemAppearance
-{
+class DesktopAppearance final : public SystemAppearance {
     Q_OBJECT
 
 public:

@@ -1,1 +1,173 @@
 // SPDX-License-Identifier: MIT
+#include "PanelHints.h"
+
+#include "X11Session.h"
+
+#include <QImage>
+#include <QPoint>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <vector>
+#include <xcb/shape.h>
+
+namespace {
+
+constexpr uint32_t onAllDesktops = 0xFFFFFFFF;
+
+/// More than half opaque: what is left out is the softened edge of a shape and its shadow.
+constexpr int leastAlpha = 128;
+
+constexpr Qt::WindowFlags floatingFlags =
+    Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+
+std::array<xcb_atom_t, 4> editorStates(const xcb_ewmh_connection_t &ewmh)
+{
+    return {ewmh._NET_WM_STATE_ABOVE, ewmh._NET_WM_STATE_SKIP_TASKBAR,
+            ewmh._NET_WM_STATE_SKIP_PAGER, ewmh._NET_WM_STATE_STICKY};
+}
+
+/// Raw X coordinates are device pixels; Qt scales about the top left corner of the screen.
+QPoint nativePosition(const QWidget &panel)
+{
+    const QPoint corner = panel.screen()->geometry().topLeft();
+    const QPointF inScreen = QPointF(panel.pos() - corner) * panel.devicePixelRatioF();
+    return corner + inScreen.toPoint();
+}
+
+std::optional<QPoint> actualPosition(const X11Session &session, xcb_window_t window)
+{
+    const auto request =
+        xcb_translate_coordinates(session.connection(), window, session.root(), 0, 0);
+    auto *const reply = xcb_translate_coordinates_reply(session.connection(), request, nullptr);
+    if (!reply) {
+        return std::nullopt;
+    }
+    const QPoint position(reply->dst_x, reply->dst_y);
+    std::free(reply);
+    return position;
+}
+
+void moveTo(const X11Session &session, xcb_window_t window, QPoint position)
+{
+    const std::array<int32_t, 2> values{position.x(), position.y()};
+    xcb_configure_window(session.connection(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                         values.data());
+    xcb_flush(session.connection());
+}
+
+/// The runs of opaque pixels, row by row.
+std::vector<xcb_rectangle_t> opaqueRuns(const QImage &rendering)
+{
+    std::vector<xcb_rectangle_t> runs;
+    for (int y = 0; y < rendering.height(); ++y) {
+        int start = 0;
+        for (int x = 0; x <= rendering.width(); ++x) {
+            if (x < rendering.width() && qAlpha(rendering.pixel(x, y)) >= leastAlpha) {
+                continue;
+            }
+            if (x > start) {
+                runs.push_back({static_cast<int16_t>(start), static_cast<int16_t>(y),
+                                static_cast<uint16_t>(x - start), 1});
+            }
+            start = x + 1;
+        }
+    }
+    return runs;
+}
+
+} // namespace
+
+Qt::WindowFlags PanelHints::launcherFlags()
+{
+    return floatingFlags | Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus;
+}
+
+Qt::WindowFlags PanelHints::editorFlags()
+{
+    return floatingFlags;
+}
+
+void PanelHints::prepareLauncher(QWidget &panel)
+{
+    if (X11Session *const session = X11Session::current()) {
+        panel.winId();
+        xcb_atom_t type = session->ewmh()._NET_WM_WINDOW_TYPE_UTILITY;
+        xcb_ewmh_set_wm_window_type(&session->ewmh(), X11Session::window(panel), 1, &type);
+    }
+}
+
+void PanelHints::prepareEditor(QWidget &panel)
+{
+    if (X11Session *const session = X11Session::current()) {
+        panel.winId();
+        const xcb_window_t window = X11Session::window(panel);
+        auto states = editorStates(session->ewmh());
+        xcb_ewmh_set_wm_state(&session->ewmh(), window, states.size(), states.data());
+        xcb_ewmh_set_wm_desktop(&session->ewmh(), window, onAllDesktops);
+    }
+}
+
+void PanelHints::afterShowingEditor(QWidget &panel)
+{
+    if (X11Session *const session = X11Session::current()) {
+        const xcb_window_t window = X11Session::window(panel);
+        const auto states = editorStates(session->ewmh());
+        for (std::size_t i = 0; i < states.size(); i += 2) {
+            xcb_ewmh_request_change_wm_state(&session->ewmh(), 0, window, XCB_EWMH_WM_STATE_ADD,
+                                             states.at(i), states.at(i + 1),
+                                             XCB_EWMH_CLIENT_SOURCE_TYPE_NORMAL);
+        }
+        xcb_ewmh_request_change_wm_desktop(&session->ewmh(), 0, window, onAllDesktops,
+                                           XCB_EWMH_CLIENT_SOURCE_TYPE_NORMAL);
+        xcb_flush(session->connection());
+    }
+}
+
+void PanelHints::activate(QWidget &panel)
+{
+    panel.raise();
+    panel.activateWindow();
+    if (X11Session *const session = X11Session::current()) {
+        // As a pager asks: Qt's own request, as an application, gets no keyboard over a full-screen
+        // window on i3.
+        xcb_ewmh_request_change_active_window(&session->ewmh(), 0, X11Session::window(panel),
+                                              XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER,
+                                              session->userTime(), XCB_WINDOW_NONE);
+        xcb_flush(session->connection());
+    }
+}
+
+void PanelHints::correctPosition(QWidget &panel)
+{
+    if (const X11Session *const session = X11Session::current()) {
+        const xcb_window_t window = X11Session::window(panel);
+        const QPoint wanted = nativePosition(panel);
+        const std::optional<QPoint> actual = actualPosition(*session, window);
+        if (actual && *actual != wanted) {
+            moveTo(*session, window, wanted);
+        }
+    }
+}
+
+void PanelHints::cutOut(QWidget &panel, const QImage &rendering)
+{
+    const X11Session *const session = X11Session::current();
+    if (!session) {
+        return;
+    }
+    const xcb_window_t window = X11Session::window(panel);
+    if (rendering.isNull()) {
+        xcb_shape_mask(session->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0,
+                       XCB_PIXMAP_NONE);
+    } else {
+        const std::vector<xcb_rectangle_t> runs = opaqueRuns(rendering);
+        xcb_shape_rectangles(session->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                             XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
+                             static_cast<uint32_t>(runs.size()), runs.data());
+    }
+    xcb_flush(session->connection());
+}

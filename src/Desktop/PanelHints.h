@@ -1,11 +1,30 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Qt>
+
+class QImage;
 class QWidget;
 
-/// What the window manager must know of the two panels. Does nothing on another platform than X11.
-/// docs/ARCHITECTURE.md says why the bubble bypasses the window manager and the editor does not.
+/// What the X server and the window manager must know of the two panels. Does nothing on another
+/// platform than X11. docs/ARCHITECTURE.md says why the bubble bypasses the window manager and the
+/// editor does not.
 namespace PanelHints {
+
+/// Every panel: no frame, above the others, no shadow, which most window managers would draw
+/// around the rectangle and not around the visible shape.
+///
+/// Launcher: it is in no window manager's care (X11BypassWindowManagerHint), which is the only
+/// kind of window that all of them leave above full-screen windows, at its place and without the
+/// keyboard. WindowDoesNotAcceptFocus keeps Qt from asking for the keyboard on a click.
+[[nodiscard]] Qt::WindowFlags launcherFlags();
+
+/// Editor: managed, since some window managers never give the keyboard to a window that is not,
+/// and a Tool, since those are not listed among the user's windows.
+[[nodiscard]] Qt::WindowFlags editorFlags();
+
+/// Window type of the bubble; before show().
+void prepareLauncher(QWidget &panel);
 
 /// Above all windows, on every workspace, in no taskbar or pager. Before every show(), and once
 /// more after it, since some window managers read only one of the two.
@@ -15,10 +34,12 @@ void afterShowingEditor(QWidget &panel);
 /// Takes the keyboard for the panel, as the answer to what the user just did.
 void activate(QWidget &panel);
 
-/// Window type and states of the bubble; before show().
-void prepareLauncher(QWidget &panel);
-
-/// Moves the window to where the widget believes it is, when the window manager put it elsewhere.
+/// Moves the window to where the widget believes it is, when the window manager put it elsewhere:
+/// i3 places its frame there, not the window in it.
 void correctPosition(QWidget &panel);
+
+/// Cuts the window to where the image, a rendering of the panel in device pixels, is more than
+/// half opaque. A null image gives the window its whole rectangle back.
+void cutOut(QWidget &panel, const QImage &rendering);
 
 } // namespace PanelHints

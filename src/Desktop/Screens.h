@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointF>
 #include <QRect>
 #include <optional>
 
@@ -17,8 +18,7 @@ struct Screen {
 };
 
 /// The arrangement of screens. An interface, so that placement is tested without a display.
-class Screens : public QObject
-{
+class Screens : public QObject {
     Q_OBJECT
 
 public:
@@ -40,9 +40,8 @@ Q_SIGNALS:
     void changed();
 };
 
-/// The screens of the running desktop.
-class DesktopScreens final : public Screens
-{
+/// The screens of the running desktop. One rearrangement is one changed(), once it is complete.
+class DesktopScreens final : public Screens {
     Q_OBJECT
 
 public:
@@ -53,4 +52,9 @@ public:
     [[nodiscard]] Rect fromQt(const QRect &rect) const override;
     [[nodiscard]] Point fromQt(QPointF point) const override;
     [[nodiscard]] QRect toQt(const Rect &rect) const override;
+
+private:
+    void announce();
+
+    bool m_isAnnounced = false;
 };

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "SystemAppearance.h"
 
-SystemAppearance::SystemAppearance(QObject *parent) : QObject(parent) {}
+SystemAppearance::SystemAppearance(QObject *parent)
+    : QObject(parent)
+{
+}
 
 void SystemAppearance::setValues(const Values &values)
 {

@@ -10,8 +10,7 @@ enum class ColorScheme { light, dark };
 ///
 /// This class only holds the values and announces their changes; DesktopAppearance keeps them like
 /// the running desktop. On its own it stands for a desktop with the values it is given.
-class SystemAppearance : public QObject
-{
+class SystemAppearance : public QObject {
     Q_OBJECT
 
 public:

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "X11Session.h"
+
+#include <QGuiApplication>
+#include <QInputEvent>
+#include <QPointer>
+#include <QWidget>
+
+namespace {
+
+/// What happens within this time after a key or a click is the answer to it.
+constexpr qint64 answerTime = 1000;
+
+constexpr int screenNumber = 0;
+
+} // namespace
+
+X11Session *X11Session::current()
+{
+    static QPointer<X11Session> session;
+    if (!session && qGuiApp) {
+        if (const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+            session = new X11Session(x11->connection());
+            session->setParent(qGuiApp);
+            qGuiApp->installEventFilter(session);
+        }
+    }
+    return session;
+}
+
+X11Session::X11Session(xcb_connection_t *connection)
+{
+    xcb_ewmh_init_atoms_replies(&m_ewmh, xcb_ewmh_init_atoms(connection, &m_ewmh), nullptr);
+}
+
+X11Session::~X11Session()
+{
+    xcb_ewmh_connection_wipe(&m_ewmh);
+}
+
+xcb_window_t X11Session::root() const noexcept
+{
+    return m_ewmh.screens[screenNumber]->root;
+}
+
+xcb_atom_t X11Session::compositorSelection() const noexcept
+{
+    return m_ewmh._NET_WM_CM_Sn[screenNumber];
+}
+
+xcb_timestamp_t X11Session::userTime() const
+{
+    if (!m_sinceLastInput.isValid() || !m_sinceLastInput.hasExpired(answerTime)) {
+        return m_lastInput;
+    }
+    // Asked for from outside, such as by a second start: the server's clock runs in milliseconds,
+    // so it shows at least this much by now.
+    return m_lastInput + static_cast<xcb_timestamp_t>(m_sinceLastInput.elapsed());
+}
+
+xcb_window_t X11Session::window(const QWidget &widget)
+{
+    return static_cast<xcb_window_t>(widget.effectiveWinId());
+}
+
+bool X11Session::eventFilter(QObject *receiver, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        // Events made by the program itself carry no time.
+        if (const quint64 time = static_cast<QInputEvent *>(event)->timestamp(); time != 0) {
+            m_lastInput = static_cast<xcb_timestamp_t>(time);
+            m_sinceLastInput.start();
+        }
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(receiver, event);
+}

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <xcb/xcb_ewmh.h>
+
+class QWidget;
+
+/// Qt's own connection to the X server with what this layer needs beside it. Internal to Desktop.
+///
+/// Also keeps the time of the last key or button, in the server's clock: window managers allow a
+/// window to take the keyboard only as the answer to something the user did.
+class X11Session final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Null on another platform than X11. Lives as long as the application.
+    [[nodiscard]] static X11Session *current();
+    ~X11Session() override;
+
+    [[nodiscard]] xcb_connection_t *connection() const noexcept { return m_ewmh.connection; }
+    [[nodiscard]] xcb_window_t root() const noexcept;
+    [[nodiscard]] xcb_ewmh_connection_t &ewmh() noexcept { return m_ewmh; }
+
+    /// The selection whose owner is the compositing manager.
+    [[nodiscard]] xcb_atom_t compositorSelection() const noexcept;
+
+    /// The time to give for something that happens now because of the user.
+    [[nodiscard]] xcb_timestamp_t userTime() const;
+
+    /// The X window of a top-level widget.
+    [[nodiscard]] static xcb_window_t window(const QWidget &widget);
+
+    bool eventFilter(QObject *receiver, QEvent *event) override;
+
+private:
+    explicit X11Session(xcb_connection_t *connection);
+
+    xcb_ewmh_connection_t m_ewmh{};
+    xcb_timestamp_t m_lastInput = XCB_CURRENT_TIME;
+    QElapsedTimer m_sinceLastInput;
+};
