@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QColor>
 #include <QRectF>
 
 class QPainter;
@@ -12,7 +13,9 @@ namespace FocusRing {
 /// The keyboard brought the focus here. False after a click, where the hand knows it already.
 [[nodiscard]] bool isWanted(const QWidget *view);
 
-/// Draws the ring just inside the rectangle, when it is wanted.
-void paint(QPainter &painter, const QWidget *view, const QRectF &rect, double radius);
+/// Draws the ring just inside the rectangle when it is wanted: in the accent colour, or in one
+/// that shows on the view.
+void paint(QPainter &painter, const QWidget *view, const QRectF &rect, double radius,
+           const QColor &color = {});
 
 } // namespace FocusRing

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QPixmap>
 #include <QWidget>
 
 class QPainterPath;
@@ -10,8 +9,9 @@ enum class ColorScheme;
 /// The frosted rounded surface under the launcher and the workspace. Fills the space it is given;
 /// put the content into it or over it. Opaque when the environment reduces transparency.
 ///
-/// Behind the tint lies, in place of a live blur, a translucent backdrop: dense enough that every
-/// text of the program can be read over any wallpaper.
+/// Under the tint lies, in place of a live blur, a translucent backdrop: dense enough that every
+/// text of the program can be read over any wallpaper. What the layers give together is one
+/// colour, so that repainting the inside, as at each key stroke, is a plain fill.
 class GlassSurface : public QWidget {
     Q_OBJECT
 
@@ -20,21 +20,19 @@ public:
 
     explicit GlassSurface(QWidget *parent = nullptr);
 
-    /// A rounded rectangle with continuous corners: see ContinuousCorners.h.
+    /// A rounded rectangle with continuous corners.
     [[nodiscard]] static QPainterPath outline(const QRectF &rect, double radius = cornerRadius);
+
+    /// All layers inside the border as one colour.
+    [[nodiscard]] static QColor fill(ColorScheme scheme, bool isOpaque);
+    [[nodiscard]] static QColor border(ColorScheme scheme);
 
     /// Draws a surface anywhere, for views that scale it.
     static void paint(QPainter &painter, const QRectF &rect, ColorScheme scheme, bool isOpaque);
 
-    /// What all layers together leave on the screen inside the border; translucent unless opaque.
-    [[nodiscard]] static QColor fill(ColorScheme scheme, bool isOpaque);
-    [[nodiscard]] static QColor border(ColorScheme scheme);
+    /// The surface of a view: in the scheme of its palette, opaque when its environment says so.
+    static void paint(QPainter &painter, const QRectF &rect, const QWidget *view);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-
-private:
-    /// The surface at the size of its corners; the rest is stretched from its middle.
-    QPixmap m_corners;
-    qint64 m_cornersKey = -1;
 };

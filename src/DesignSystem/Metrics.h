@@ -29,6 +29,7 @@ inline constexpr int bannerRadius = 12;
 inline constexpr double bannerFill = 0.07;
 inline constexpr QMargins footerPadding{panelMargin, 11, panelMargin, 14};
 inline constexpr int footerSpacing = 6;
+inline constexpr QMargins dividerMargins{panelMargin, 0, panelMargin, 0};
 inline constexpr int dividerThickness = 1;
 inline constexpr double dividerOpacity = 0.06;
 inline constexpr int footerDot = 3;
@@ -47,9 +48,22 @@ inline constexpr int actionSpacing = 9;
 
 // The edit screen.
 inline constexpr int editSpacing = 16;
-inline constexpr int backButtonSpacing = 5;
+
+// The question before a note is deleted.
+inline constexpr int alertWidth = 316;
+inline constexpr QMargins alertPadding{24, 22, 24, 20};
+inline constexpr int alertRadius = 20;
+inline constexpr int belowAlertTitle = 8;
+inline constexpr int aboveAlertButtons = 20;
+inline constexpr int alertButtonSpacing = 9;
+inline constexpr QMargins alertButtonPadding{14, 10, 14, 10};
+inline constexpr double alertButtonFill = 0.08;
+inline constexpr double alertButtonPressedFill = 0.16;
+inline constexpr double alertBorder = 0.1;
+inline constexpr double alertDim = 0.35;
 
 // The library.
+inline constexpr QMargins libraryPadding{panelMargin, 0, panelMargin, 0};
 inline constexpr int belowLibraryTitle = 16;
 inline constexpr int belowSearch = 14;
 inline constexpr int searchSpacing = 8;
@@ -73,10 +87,13 @@ inline constexpr int placeholderLeading = 5;
 // Controls.
 inline constexpr QSize quietIconButton{30, 30};
 inline constexpr QSize preferencesButton{25, 28};
+inline constexpr int plainButtonSpacing = 4;
 inline constexpr QMargins primaryButtonPadding{17, 11, 17, 11};
 inline constexpr int primaryButtonSpacing = 7;
 inline constexpr double primaryButtonPressed = 0.72;
 inline constexpr double disabledOpacity = 0.45;
 inline constexpr double focusRingWidth = 2;
+inline constexpr double focusRingRadius = 8;
+inline constexpr int focusRingInset = 2;
 
 } // namespace Metrics

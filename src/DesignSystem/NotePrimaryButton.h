@@ -18,5 +18,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void drawCapsule(QPainter &painter) const;
+
     QString m_symbol;
 };

@@ -1,1 +1,141 @@
 // SPDX-License-Identifier: MIT
+#include "NoteTheme.h"
+
+#include "Metrics.h"
+#include "SystemAppearance.h"
+
+#include <QFontDatabase>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// What differs between light and dark. Warm greys, so that the accent stays the only colour.
+struct Colors {
+    QColor primary;
+    QColor secondary;
+    QColor tertiary;
+    QColor failure;
+    QColor window;
+    QColor base;
+    QColor raised;
+};
+
+Colors colors(ColorScheme scheme)
+{
+    if (scheme == ColorScheme::dark)
+        return {.primary = QColor(245, 242, 238),
+                .secondary = QColor(186, 180, 173),
+                .tertiary = QColor(142, 136, 129),
+                .failure = QColor(255, 138, 122),
+                .window = QColor(38, 36, 34),
+                .base = QColor(28, 27, 25),
+                .raised = QColor(52, 50, 47)};
+    return {.primary = QColor(30, 27, 25),
+            .secondary = QColor(88, 82, 77),
+            .tertiary = QColor(120, 113, 106),
+            .failure = QColor(168, 28, 20),
+            .window = QColor(246, 242, 236),
+            .base = QColor(255, 253, 250),
+            .raised = QColor(233, 228, 221)};
+}
+
+} // namespace
+
+const QColor &NoteTheme::accent()
+{
+    static const QColor color = QColor::fromRgbF(0.77F, 0.34F, 0.19F);
+    return color;
+}
+
+QPalette NoteTheme::palette(ColorScheme scheme)
+{
+    const Colors c = colors(scheme);
+    QPalette palette(c.raised, c.window);
+    for (const auto textRole :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(textRole, c.primary);
+        palette.setColor(QPalette::Disabled, textRole, c.tertiary);
+    }
+    palette.setColor(QPalette::Base, c.base);
+    palette.setColor(QPalette::AlternateBase, c.window);
+    palette.setColor(QPalette::ToolTipBase, c.base);
+    palette.setColor(QPalette::Link, accent());
+    palette.setColor(role(Tone::secondary), c.secondary);
+    palette.setColor(role(Tone::tertiary), c.tertiary);
+    palette.setColor(role(Tone::accent), accent());
+    palette.setColor(role(Tone::failure), c.failure);
+    palette.setColor(role(Tone::onAccent), Qt::white);
+    return palette;
+}
+
+ColorScheme NoteTheme::colorScheme(const QPalette &palette)
+{
+    return palette.color(QPalette::Window).lightness() <
+                   palette.color(QPalette::WindowText).lightness()
+               ? ColorScheme::dark
+               : ColorScheme::light;
+}
+
+QPalette::ColorRole NoteTheme::role(Tone tone)
+{
+    switch (tone) {
+    case Tone::primary:
+        return QPalette::WindowText;
+    case Tone::secondary:
+        return QPalette::LinkVisited;
+    case Tone::tertiary:
+        return QPalette::PlaceholderText;
+    case Tone::accent:
+        return QPalette::Highlight;
+    case Tone::failure:
+        return QPalette::BrightText;
+    case Tone::onAccent:
+        return QPalette::HighlightedText;
+    }
+    Q_UNREACHABLE();
+}
+
+QColor NoteTheme::color(const QPalette &palette, Tone tone)
+{
+    return palette.color(role(tone));
+}
+
+QColor NoteTheme::secondary(const QPalette &palette)
+{
+    return color(palette, Tone::secondary);
+}
+
+QColor NoteTheme::tertiary(const QPalette &palette)
+{
+    return color(palette, Tone::tertiary);
+}
+
+QColor NoteTheme::primary(const QPalette &palette, double opacity)
+{
+    QColor color = NoteTheme::color(palette, Tone::primary);
+    color.setAlphaF(static_cast<float>(opacity));
+    return color;
+}
+
+QColor NoteTheme::failure(const QPalette &palette)
+{
+    return color(palette, Tone::failure);
+}
+
+QFont NoteTheme::font(int pixelSize, QFont::Weight weight)
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPixelSize(pixelSize);
+    font.setWeight(weight);
+    return font;
+}
+
+QFont NoteTheme::serifFont(int pixelSize, QFont::Weight weight)
+{
+    QFont font(u"serif"_s);
+    font.setStyleHint(QFont::Serif);
+    font.setPixelSize(pixelSize);
+    font.setWeight(weight);
+    return font;
+}

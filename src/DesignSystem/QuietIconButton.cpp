@@ -1,1 +1,50 @@
 // SPDX-License-Identifier: MIT
+#include "QuietIconButton.h"
+
+#include "FocusRing.h"
+#include "Metrics.h"
+#include "Symbol.h"
+#include "TextStyle.h"
+
+#include <QPainter>
+
+QuietIconButton::QuietIconButton(const QString &symbol, QWidget *parent)
+    : QuietIconButton(symbol, TextStyles::quietIcon.pixelSize, parent)
+{
+}
+
+QuietIconButton::QuietIconButton(const QString &symbol, int pixelSize, QWidget *parent)
+    : ThemedButton(parent)
+    , m_symbol(symbol)
+    , m_pixelSize(pixelSize)
+{
+}
+
+void QuietIconButton::setSymbol(const QString &symbol)
+{
+    if (m_symbol == symbol)
+        return;
+    m_symbol = symbol;
+    update();
+}
+
+void QuietIconButton::setLabel(const QString &label)
+{
+    setToolTip(label);
+    setAccessibleName(label);
+}
+
+QSize QuietIconButton::sizeHint() const
+{
+    return Metrics::quietIconButton;
+}
+
+void QuietIconButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setOpacity(isEnabled() ? 1 : Metrics::disabledOpacity);
+    Symbol::paint(painter, rect(), m_symbol, m_pixelSize,
+                  NoteTheme::color(palette(), TextStyles::quietIcon.tone),
+                  TextStyles::quietIcon.weight);
+    FocusRing::paint(painter, this, rect(), Metrics::focusRingRadius);
+}

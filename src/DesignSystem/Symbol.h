@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "TextStyle.h"
-
 #include <QColor>
 #include <QFont>
 #include <QIcon>
 #include <QString>
 #include <QStringList>
-#include <QWidget>
 
 class QPainter;
 
 /// The program's symbols, one drawing per name ("plus", "square.and.pencil"), in one grid and one
 /// stroke, coloured where they are used.
+///
+/// The drawings are the files of resources/symbols. The build copies their path data into the
+/// program: rendering them as SVG documents at run time would cost the launcher, which is on the
+/// screen all day, a third of a megabyte for one plus sign.
 namespace Symbol {
 
 /// Every name that can be drawn.
@@ -23,7 +24,7 @@ namespace Symbol {
 [[nodiscard]] int extent(int pixelSize);
 
 /// Draws the symbol centred in the rectangle, as tall as a symbol beside text of that pixel size,
-/// in strokes that suit text of that weight.
+/// in strokes that suit text of that weight. Draws nothing for an unknown name.
 void paint(QPainter &painter, const QRectF &rect, const QString &name, int pixelSize,
            const QColor &color, QFont::Weight weight = QFont::Normal);
 
@@ -31,28 +32,3 @@ void paint(QPainter &painter, const QRectF &rect, const QString &name, int pixel
 [[nodiscard]] QIcon icon(const QString &name, int pixelSize, const QColor &color);
 
 } // namespace Symbol
-
-/// A symbol as a view of its own, in the tone of its style or in a colour of its own.
-class SymbolView final : public QWidget {
-    Q_OBJECT
-
-public:
-    SymbolView(const QString &name, const TextStyle &style, QWidget *parent = nullptr);
-    SymbolView(const QString &name, int pixelSize, QWidget *parent = nullptr);
-
-    void setSymbol(const QString &name);
-    [[nodiscard]] const QString &symbol() const noexcept { return m_name; }
-
-    /// An invalid colour: the palette's colour for the style's tone.
-    void setColor(const QColor &color);
-
-    [[nodiscard]] QSize sizeHint() const override;
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
-
-private:
-    QString m_name;
-    TextStyle m_style;
-    QColor m_color;
-};

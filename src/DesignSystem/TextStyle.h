@@ -37,6 +37,12 @@ inline constexpr TextStyle shortcutHint{11, QFont::Normal, Tone::secondary};
 inline constexpr TextStyle backButton{12, QFont::Medium, Tone::secondary};
 inline constexpr TextStyle noteCount{13, QFont::Medium, Tone::secondary};
 
+// The question before a note is deleted.
+inline constexpr TextStyle alertTitle{15, QFont::DemiBold};
+inline constexpr TextStyle alertMessage{12, QFont::Normal, Tone::secondary};
+inline constexpr TextStyle alertCancel{13, QFont::DemiBold};
+inline constexpr TextStyle alertDelete{13, QFont::DemiBold, Tone::failure};
+
 // The editor.
 inline constexpr TextStyle editor{15};
 inline constexpr TextStyle editorPlaceholder{15, QFont::Normal, Tone::tertiary};

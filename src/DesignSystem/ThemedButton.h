@@ -3,10 +3,8 @@
 
 #include <QAbstractButton>
 
-class QPainter;
-
 /// What all buttons of the program share: a click leaves the keyboard where it is, Tab reaches
-/// them, Space and Return press them, and keyboard focus shows as a ring in the accent colour.
+/// them, Space and Return press them.
 class ThemedButton : public QAbstractButton {
     Q_OBJECT
 
@@ -17,5 +15,4 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void changeEvent(QEvent *event) override;
 };

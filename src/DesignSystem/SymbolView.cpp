@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "SymbolView.h"
+
+#include "Symbol.h"
+
+#include <QPainter>
+
+SymbolView::SymbolView(const QString &name, const TextStyle &style, QWidget *parent)
+    : QWidget(parent)
+    , m_name(name)
+    , m_style(style)
+{
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void SymbolView::setSymbol(const QString &name)
+{
+    if (m_name == name)
+        return;
+    m_name = name;
+    update();
+}
+
+void SymbolView::setColor(const QColor &color)
+{
+    if (m_color == color)
+        return;
+    m_color = color;
+    update();
+}
+
+QSize SymbolView::sizeHint() const
+{
+    const int extent = Symbol::extent(m_style.pixelSize);
+    return {extent, extent};
+}
+
+void SymbolView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    Symbol::paint(painter, rect(), m_name, m_style.pixelSize,
+                  m_color.isValid() ? m_color : NoteTheme::color(palette(), m_style.tone),
+                  m_style.weight);
+}

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "TextStyle.h"
+
+QFont TextStyle::font() const
+{
+    return isSerif ? NoteTheme::serifFont(pixelSize, weight) : NoteTheme::font(pixelSize, weight);
+}
