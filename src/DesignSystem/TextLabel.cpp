@@ -3,6 +3,7 @@
 
 #include <QPainter>
 #include <QStyle>
+#include <QTextOption>
 
 TextLabel::TextLabel(const TextStyle &style, QWidget *parent)
     : QLabel(parent)
@@ -43,6 +44,9 @@ void TextLabel::paintEvent(QPaintEvent *event)
     }
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    painter.drawText(contentsRect(), QStyle::visualAlignment(layoutDirection(), alignment()),
-                     fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()));
+    QTextOption option(QStyle::visualAlignment(layoutDirection(), alignment()));
+    option.setWrapMode(QTextOption::NoWrap);
+    painter.drawText(contentsRect(),
+                     fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()),
+                     option);
 }
