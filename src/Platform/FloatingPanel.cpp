@@ -1,1 +1,152 @@
 // SPDX-License-Identifier: MIT
+#include "FloatingPanel.h"
+
+#include "AccessibleRole.h"
+#include "KeepOnTop.h"
+#include "PanelHints.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QImage>
+#include <QInputMethod>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+FloatingPanel::FloatingPanel(Kind kind, Size contentSize)
+    : QWidget(nullptr,
+              kind == Kind::launcher ? PanelHints::launcherFlags() : PanelHints::editorFlags())
+    , m_kind(kind)
+{
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    // The program is seldom the active one, and its tooltips are for everyone.
+    setAttribute(Qt::WA_AlwaysShowToolTips);
+    setAccessibleRole(this, QAccessible::Window);
+    setWindowTitle(u"Quillmark"_s);
+    setFixedSize(qRound(contentSize.width), qRound(contentSize.height));
+
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+
+    if (kind == Kind::launcher) {
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        new KeepOnTop(*this);
+    } else {
+        connect(qGuiApp, &QGuiApplication::focusObjectChanged, this,
+                &FloatingPanel::watchComposition);
+    }
+}
+
+void FloatingPanel::setContent(QWidget *content)
+{
+    if (m_content) {
+        // It may be what asks: a view that is done deletes itself only once it has returned.
+        m_content->hide();
+        m_content->deleteLater();
+    }
+    m_content = content;
+    if (content)
+        layout()->addWidget(content);
+}
+
+void FloatingPanel::makeKey()
+{
+    show();
+    PanelHints::activate(*this);
+}
+
+void FloatingPanel::setCutOut(bool isCutOut)
+{
+    m_isCutOut = isCutOut;
+    if (isVisible())
+        updateShape();
+}
+
+void FloatingPanel::setVisible(bool visible)
+{
+    if (!visible || isVisible()) {
+        QWidget::setVisible(visible);
+        return;
+    }
+    if (m_kind == Kind::launcher) {
+        PanelHints::prepareLauncher(*this);
+        updateShape();
+        QWidget::setVisible(true);
+        raise();
+    } else {
+        PanelHints::prepareEditor(*this);
+        updateShape();
+        QWidget::setVisible(true);
+        PanelHints::afterShowingEditor(*this);
+    }
+}
+
+bool FloatingPanel::event(QEvent *event)
+{
+    const bool isHandled = QWidget::event(event);
+    // The window manager has placed the editor once it has given it the keyboard.
+    if (event->type() == QEvent::WindowActivate && m_kind == Kind::editor)
+        PanelHints::correctPosition(*this);
+    // The launcher grows under the pointer.
+    if (event->type() == QEvent::UpdateRequest && m_kind == Kind::launcher && m_isCutOut)
+        updateShape();
+    return isHandled;
+}
+
+bool FloatingPanel::eventFilter(QObject *receiver, QEvent *event)
+{
+    if (receiver == m_composer && event->type() == QEvent::InputMethod)
+        m_isComposing = !static_cast<QInputMethodEvent *>(event)->preeditString().isEmpty();
+    return QWidget::eventFilter(receiver, event);
+}
+
+void FloatingPanel::keyPressEvent(QKeyEvent *event)
+{
+    if (!event->matches(QKeySequence::Cancel)) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (event->isAutoRepeat())
+        return;
+    if (m_isComposing)
+        QGuiApplication::inputMethod()->reset();
+    else if (onEscape)
+        onEscape();
+}
+
+void FloatingPanel::closeEvent(QCloseEvent *event)
+{
+    if (isVisible() && onEscape) {
+        onEscape();
+        // What is not safe yet stays on the screen.
+        event->setAccepted(!isVisible());
+    }
+}
+
+void FloatingPanel::watchComposition(QObject *focusObject)
+{
+    if (m_composer)
+        m_composer->removeEventFilter(this);
+    m_isComposing = false;
+
+    auto *const focusWidget = qobject_cast<QWidget *>(focusObject);
+    m_composer = focusWidget && isAncestorOf(focusWidget) ? focusWidget : nullptr;
+    if (m_composer)
+        m_composer->installEventFilter(this);
+}
+
+void FloatingPanel::updateShape()
+{
+    if (!m_isCutOut) {
+        PanelHints::cutOut(*this, {});
+        return;
+    }
+    QImage rendering(size() * devicePixelRatioF(), QImage::Format_ARGB32_Premultiplied);
+    rendering.setDevicePixelRatio(devicePixelRatioF());
+    rendering.fill(Qt::transparent);
+    render(&rendering, {}, {}, DrawChildren);
+    PanelHints::cutOut(*this, rendering);
+}

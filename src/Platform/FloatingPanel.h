@@ -3,14 +3,15 @@
 
 #include "Geometry.h"
 
+#include <QPointer>
 #include <QWidget>
 #include <functional>
 
 /// A borderless, translucent window that floats above all others on every workspace.
 ///
-/// Two exist: the launcher, which never takes the keyboard, and the editor, which does.
-class FloatingPanel final : public QWidget
-{
+/// Two exist: the launcher, which never takes the keyboard, and the editor, which does. Both are
+/// made once, then shown and hidden. show() and hide() tell the window manager all it must know.
+class FloatingPanel final : public QWidget {
     Q_OBJECT
 
 public:
@@ -18,9 +19,36 @@ public:
 
     FloatingPanel(Kind kind, Size contentSize);
 
-    /// Fills the panel, in place of an earlier content, which is deleted.
+    /// Fills the panel, in place of an earlier content, which is deleted; none leaves it empty.
     void setContent(QWidget *content);
 
-    /// Runs on Escape, once a popup or an input method has had it. None: Escape does nothing.
+    /// Shows the panel above all windows and gives it the keyboard, as the answer to what the user
+    /// just did.
+    void makeKey();
+
+    /// Cuts the window to the shape of what it shows: without a compositing manager everything
+    /// else of it would be black.
+    void setCutOut(bool isCutOut);
+
+    void setVisible(bool visible) override;
+
+    /// Runs on Escape, once a popup or an input method has had it, and when the window manager is
+    /// asked to close the window. None: both do nothing.
     std::function<void()> onEscape;
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *receiver, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void watchComposition(QObject *focusObject);
+    void updateShape();
+
+    const Kind m_kind;
+    QPointer<QWidget> m_content;
+    QPointer<QObject> m_composer;
+    bool m_isComposing = false;
+    bool m_isCutOut = false;
 };

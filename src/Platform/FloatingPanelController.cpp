@@ -1,1 +1,204 @@
 // SPDX-License-Identifier: MIT
+#include "FloatingPanelController.h"
+
+#include "AppEnvironment.h"
+#include "AppPreferences.h"
+#include "FileBrowser.h"
+#include "LauncherView.h"
+#include "NoteStore.h"
+#include "NoteTheme.h"
+#include "NoteWorkspaceView.h"
+#include "PanelPlacement.h"
+#include "Screens.h"
+
+#include <QApplication>
+#include <QInputMethod>
+#include <QSettings>
+#include <cmath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// 0 when it is no number.
+double number(const QVariant &value)
+{
+    const double read = value.toDouble();
+    return std::isfinite(read) ? read : 0;
+}
+
+} // namespace
+
+FloatingPanelController::FloatingPanelController(NoteStore &store, AppPreferences &preferences,
+                                                 QSettings &defaults, bool remembersPosition,
+                                                 SystemAppearance &system, Screens &screens,
+                                                 ApplicationFocus &focus, QObject *parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_preferences(preferences)
+    , m_defaults(defaults)
+    , m_remembersPosition(remembersPosition)
+    , m_system(system)
+    , m_screens(screens)
+    , m_focus(focus)
+    , m_launcher(FloatingPanel::Kind::launcher, PanelPlacement::launcherSize)
+    , m_editor(FloatingPanel::Kind::editor, PanelPlacement::editorSize)
+{
+    m_launcher.setContent(makeLauncherContent());
+    m_editor.onEscape = [this] { collapse(); };
+
+    connect(&m_screens, &Screens::changed, this, &FloatingPanelController::followScreens);
+    connect(&m_preferences, &AppPreferences::didChange, this,
+            &FloatingPanelController::applyPreferences);
+    connect(&m_system, &SystemAppearance::changed, this,
+            &FloatingPanelController::applySystemAppearance);
+
+    applyPreferences();
+    restorePosition();
+}
+
+FloatingPanelController::~FloatingPanelController() = default;
+
+void FloatingPanelController::expand()
+{
+    if (m_isExpanded) {
+        m_editor.makeKey();
+        return;
+    }
+    m_previousApplication = m_focus.frontmost();
+    m_isExpanded = true;
+    m_editor.setContent(makeEditorContent());
+    placeEditor();
+    m_launcher.hide();
+    m_editor.makeKey();
+}
+
+void FloatingPanelController::collapse()
+{
+    // What an input method is still composing belongs to the text.
+    QGuiApplication::inputMethod()->commit();
+    if (!m_store.isReadOnly() && !m_store.flush())
+        return;
+
+    m_isExpanded = false;
+    m_editor.hide();
+    m_launcher.show();
+    if (m_previousApplication &&
+        m_previousApplication->processId != QCoreApplication::applicationPid())
+        m_focus.activate(*m_previousApplication);
+
+    // The next expand() makes a fresh workspace: none is kept all day behind the launcher.
+    m_editor.setContent(nullptr);
+}
+
+QWidget *FloatingPanelController::makeLauncherContent()
+{
+    auto *const view = new LauncherView(m_preferences, m_screens);
+    connect(view, &LauncherView::openRequested, this, &FloatingPanelController::expand);
+    connect(view, &LauncherView::moved, this, &FloatingPanelController::moveLauncher);
+    connect(view, &LauncherView::quitRequested, this, &FloatingPanelController::quitRequested);
+
+    auto *const environment = new AppEnvironment(m_preferences, m_system);
+    environment->setContent(view);
+    return environment;
+}
+
+QWidget *FloatingPanelController::makeEditorContent()
+{
+    auto *const workspace = new NoteWorkspaceView(m_store, m_preferences);
+    connect(workspace, &NoteWorkspaceView::collapseRequested, this,
+            &FloatingPanelController::collapse);
+    connect(workspace, &NoteWorkspaceView::showFolderRequested, this, &openInFileBrowser);
+
+    auto *const environment = new AppEnvironment(m_preferences, m_system);
+    environment->setContent(workspace);
+    return environment;
+}
+
+void FloatingPanelController::applyPreferences()
+{
+    applySystemAppearance();
+    m_launcher.setWindowTitle(m_preferences.text(u"Quillmark · Quick capture"_s));
+}
+
+void FloatingPanelController::applySystemAppearance()
+{
+    // Menus, tooltips and alerts are windows of their own, outside the panels' view trees.
+    const ColorScheme scheme =
+        colorScheme(m_preferences.appearance()).value_or(m_system.colorScheme());
+    QApplication::setPalette(NoteTheme::palette(scheme));
+
+    m_launcher.setCutOut(!m_system.isComposited());
+    m_editor.setCutOut(!m_system.isComposited());
+}
+
+void FloatingPanelController::moveLauncher(LauncherInteraction::Translation translation, bool ended)
+{
+    if (!m_dragOrigin) {
+        const Rect frame = launcherFrame();
+        m_dragOrigin = Point{frame.x, frame.y};
+    }
+    const Rect moved{m_dragOrigin->x + translation.width, m_dragOrigin->y - translation.height,
+                     PanelPlacement::launcherSize.width, PanelPlacement::launcherSize.height};
+    if (!ended) {
+        m_launcher.setGeometry(m_screens.toQt(moved));
+        return;
+    }
+    m_dragOrigin.reset();
+    clampLauncher(moved);
+    savePosition();
+}
+
+void FloatingPanelController::followScreens()
+{
+    clampLauncher(launcherFrame());
+    if (m_isExpanded)
+        placeEditor();
+    savePosition();
+}
+
+void FloatingPanelController::restorePosition()
+{
+    const Point origin = rememberedOrigin();
+    clampLauncher({origin.x, origin.y, PanelPlacement::launcherSize.width,
+                   PanelPlacement::launcherSize.height});
+    if (m_isExpanded)
+        placeEditor();
+    savePosition();
+}
+
+void FloatingPanelController::savePosition()
+{
+    if (!m_remembersPosition)
+        return;
+    const Rect frame = launcherFrame();
+    m_defaults.setValue(launcherXKey, frame.minX());
+    m_defaults.setValue(launcherYKey, frame.minY());
+    m_defaults.sync();
+}
+
+Point FloatingPanelController::rememberedOrigin() const
+{
+    if (m_remembersPosition && m_defaults.contains(launcherXKey))
+        return {number(m_defaults.value(launcherXKey)), number(m_defaults.value(launcherYKey))};
+    return PanelPlacement::defaultLauncherOrigin(PanelPlacement::visibleArea(m_screens.main()));
+}
+
+Rect FloatingPanelController::launcherFrame() const
+{
+    return m_screens.fromQt(m_launcher.geometry());
+}
+
+void FloatingPanelController::clampLauncher(const Rect &frame)
+{
+    const Rect area = PanelPlacement::visibleArea(frame, m_screens.all(), m_screens.main());
+    m_launcher.setGeometry(
+        m_screens.toQt(PanelPlacement::clamped(frame, area, PanelPlacement::screenInset)));
+}
+
+void FloatingPanelController::placeEditor()
+{
+    const Rect launcher = launcherFrame();
+    const Rect area = PanelPlacement::visibleArea(launcher, m_screens.all(), m_screens.main());
+    m_editor.setGeometry(m_screens.toQt(PanelPlacement::editorFrame(launcher, area)));
+}

@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ApplicationFocus.h"
 #include "FloatingPanel.h"
 #include "Geometry.h"
+#include "LauncherInteraction.h"
 
 #include <QObject>
 #include <optional>
 
 class AppPreferences;
-class ApplicationFocus;
 class NoteStore;
 class QSettings;
 class Screens;
 class SystemAppearance;
-struct RunningApplication;
 
 /// Owns the two panels: shows one of them, moves the launcher, remembers its place, and gives the
 /// keyboard back to the program that had it.
-class FloatingPanelController final : public QObject
-{
+class FloatingPanelController final : public QObject {
     Q_OBJECT
 
 public:
+    /// The launcher's bottom left corner, as numbers in y-up points.
     static constexpr auto launcherXKey = "launcher.x";
     static constexpr auto launcherYKey = "launcher.y";
 
@@ -31,16 +31,52 @@ public:
                             ApplicationFocus &focus, QObject *parent = nullptr);
     ~FloatingPanelController() override;
 
-    [[nodiscard]] FloatingPanel &launcher() noexcept;
-    [[nodiscard]] FloatingPanel &editor() noexcept;
-    [[nodiscard]] bool isExpanded() const noexcept;
+    [[nodiscard]] FloatingPanel &launcher() noexcept { return m_launcher; }
+    [[nodiscard]] FloatingPanel &editor() noexcept { return m_editor; }
+    [[nodiscard]] bool isExpanded() const noexcept { return m_isExpanded; }
 
-    /// Opens the editor in the launcher's place, with a fresh workspace; brings an open one forward.
+    /// Opens the editor in the launcher's place, with a fresh workspace; brings an open one
+    /// forward.
     void expand();
 
-    /// Writes, and folds the editor back into the launcher when that succeeded.
+    /// Writes, and folds the editor back into the launcher when that succeeded. A read-only store
+    /// has nothing to write.
     void collapse();
 
 Q_SIGNALS:
     void quitRequested();
+
+private:
+    [[nodiscard]] QWidget *makeLauncherContent();
+    [[nodiscard]] QWidget *makeEditorContent();
+
+    void applyPreferences();
+    void applySystemAppearance();
+    void moveLauncher(LauncherInteraction::Translation translation, bool ended);
+    void followScreens();
+
+    void restorePosition();
+    void savePosition();
+    [[nodiscard]] Point rememberedOrigin() const;
+
+    [[nodiscard]] Rect launcherFrame() const;
+    void clampLauncher(const Rect &frame);
+    void placeEditor();
+
+    NoteStore &m_store;
+    AppPreferences &m_preferences;
+    QSettings &m_defaults;
+    const bool m_remembersPosition;
+    SystemAppearance &m_system;
+    Screens &m_screens;
+    ApplicationFocus &m_focus;
+
+    FloatingPanel m_launcher;
+    FloatingPanel m_editor;
+
+    /// Where the launcher was when the present drag began.
+    std::optional<Point> m_dragOrigin;
+    /// Who had the keyboard when the editor last opened.
+    std::optional<RunningApplication> m_previousApplication;
+    bool m_isExpanded = false;
 };

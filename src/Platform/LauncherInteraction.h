@@ -3,31 +3,29 @@
 
 #include "Geometry.h"
 
-#include <QWidget>
 #include <functional>
 
-class AppPreferences;
-class Screens;
-
-/// Tells a click on the launcher from a drag and from a wish for its menu.
+/// Tells a click on the launcher from a drag.
 ///
 /// One press at a time; positions are global and y-up. A press that has once moved 5 points from
-/// its start stays a drag until it ends.
-class LauncherInteraction final
-{
+/// its start stays a drag until it ends. How long it lasts does not matter.
+class LauncherInteraction final {
 public:
+    static constexpr double dragThreshold = 5;
+
     /// Since the start of the press: width to the right, height downwards.
     using Translation = Size;
 
     std::function<void()> onOpen = [] {};
     std::function<void(Translation, bool ended)> onMove = [](Translation, bool) {};
-    std::function<void()> onQuit = [] {};
 
     void press(Point position);
     void drag(Point position);
     void release(Point position);
 
 private:
+    [[nodiscard]] Translation translation(Point position) const noexcept;
+
     Point m_start;
     bool m_didDrag = false;
 };

@@ -1,1 +1,156 @@
 // SPDX-License-Identifier: MIT
+#include "LauncherView.h"
+
+#include "AppPreferences.h"
+#include "GlassSurface.h"
+#include "LauncherHitView.h"
+#include "Metrics.h"
+#include "NoteTheme.h"
+#include "Symbol.h"
+#include "ViewEnvironment.h"
+
+#include <QEasingCurve>
+#include <QEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int plusPixelSize = 23;
+
+constexpr double notHovered = 0;
+constexpr double hovered = 1;
+
+/// A soft shadow within the padding: rings around the disc, each wider and lighter than the last.
+constexpr int shadowRings = 4;
+constexpr float shadowOpacity = 0.035F;
+constexpr double shadowDrop = 1;
+
+QEasingCurve easeOut()
+{
+    QEasingCurve curve(QEasingCurve::BezierSpline);
+    curve.addCubicBezierSegment({0, 0}, {0.58, 1}, {1, 1});
+    return curve;
+}
+
+QColor mixed(const QColor &from, const QColor &to, double progress)
+{
+    const auto channel = [progress](float a, float b) {
+        return a + (b - a) * static_cast<float>(progress);
+    };
+    return QColor::fromRgbF(channel(from.redF(), to.redF()), channel(from.greenF(), to.greenF()),
+                            channel(from.blueF(), to.blueF()), channel(from.alphaF(), to.alphaF()));
+}
+
+void paintShadow(QPainter &painter, const QRectF &disc)
+{
+    for (int ring = 1; ring <= shadowRings; ++ring) {
+        const QRectF reach = disc.adjusted(-ring, -ring, ring, ring).translated(0, shadowDrop);
+        painter.fillPath(GlassSurface::outline(reach, GlassSurface::cornerRadius + ring),
+                         QColor::fromRgbF(0, 0, 0, shadowOpacity));
+    }
+}
+
+} // namespace
+
+LauncherView::LauncherView(const AppPreferences &preferences, const Screens &screens,
+                           QWidget *parent)
+    : QWidget(parent)
+    , m_preferences(preferences)
+    , m_hitView(new LauncherHitView(screens, &preferences, this))
+{
+    m_hover.setStartValue(notHovered);
+    m_hover.setEndValue(notHovered);
+    m_hover.setEasingCurve(easeOut());
+    setFixedSize(Metrics::launcherSize);
+
+    connect(m_hitView, &LauncherHitView::openRequested, this, &LauncherView::openRequested);
+    connect(m_hitView, &LauncherHitView::moved, this, &LauncherView::moved);
+    connect(m_hitView, &LauncherHitView::quitRequested, this, &LauncherView::quitRequested);
+    connect(&m_hover, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &LauncherView::render);
+
+    render();
+}
+
+QRectF LauncherView::disc() const
+{
+    const double growth = reducesMotion() ? 0 : Metrics::launcherHoverScale - 1;
+    const double side = Metrics::launcherDisc * (1 + growth * m_hover.currentValue().toDouble());
+    QRectF disc(0, 0, side, side);
+    disc.moveCenter(QRectF(rect()).center());
+    return disc;
+}
+
+bool LauncherView::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Enter:
+        setHovered(true);
+        break;
+    case QEvent::Leave:
+    case QEvent::Hide:
+        setHovered(false);
+        break;
+    case QEvent::Polish:
+        if (const ViewEnvironment *environment = ViewEnvironment::of(this))
+            connect(environment, &ViewEnvironment::changed, this, qOverload<>(&QWidget::update));
+        break;
+    default:
+        break;
+    }
+    return QWidget::event(event);
+}
+
+void LauncherView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_hitView->setGeometry(rect());
+}
+
+void LauncherView::paintEvent(QPaintEvent * /*event*/)
+{
+    const QRectF disc = this->disc();
+    const double scale = disc.width() / Metrics::launcherDisc;
+    QRectF atRest(0, 0, Metrics::launcherDisc, Metrics::launcherDisc);
+    atRest.moveCenter({});
+
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(disc.center());
+    painter.scale(scale, scale);
+    if (const ViewEnvironment *environment = ViewEnvironment::of(this);
+        !environment || !environment->reduceTransparency())
+        paintShadow(painter, atRest);
+    GlassSurface::paint(painter, atRest, this);
+    Symbol::paint(painter, atRest, u"plus"_s, plusPixelSize,
+                  mixed(NoteTheme::color(palette(), Tone::primary), NoteTheme::accent(),
+                        m_hover.currentValue().toDouble()),
+                  QFont::Light);
+}
+
+void LauncherView::setHovered(bool isHovered)
+{
+    const double target = isHovered ? hovered : notHovered;
+    if (m_hover.endValue().toDouble() == target)
+        return;
+    const double now = m_hover.currentValue().toDouble();
+    m_hover.stop();
+    m_hover.setStartValue(now);
+    m_hover.setEndValue(target);
+    m_hover.setDuration(reducesMotion() || !isVisible() ? 0 : Metrics::launcherHoverMilliseconds);
+    m_hover.start();
+}
+
+bool LauncherView::reducesMotion() const
+{
+    const ViewEnvironment *const environment = ViewEnvironment::of(this);
+    return environment && environment->reduceMotion();
+}
+
+void LauncherView::render()
+{
+    setToolTip(m_preferences.text(u"Click to capture · Drag to move · Right-click to quit"_s));
+}

@@ -3,6 +3,11 @@
 
 #include "Geometry.h"
 
+#include <QList>
+#include <optional>
+
+struct Screen;
+
 /// Where the two panels go: arithmetic on rectangles, without windows.
 namespace PanelPlacement {
 
@@ -18,6 +23,13 @@ inline constexpr Rect fallbackArea{0, 0, 1440, 900};
 /// The rectangle moved, not resized, into the bounds shrunk by the inset. One that is too large
 /// is pinned to the left and bottom edges.
 [[nodiscard]] Rect clamped(const Rect &rect, const Rect &bounds, double inset);
+
+/// What is free on the main screen.
+[[nodiscard]] Rect visibleArea(const std::optional<Screen> &main);
+
+/// What is free on the first screen that holds the launcher's centre, else on the main screen.
+[[nodiscard]] Rect visibleArea(const Rect &launcher, const QList<Screen> &screens,
+                               const std::optional<Screen> &main);
 
 /// The launcher's first place: near the top right corner of the main screen's visible area.
 [[nodiscard]] Point defaultLauncherOrigin(const Rect &visibleArea);

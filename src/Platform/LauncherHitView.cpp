@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#include "LauncherHitView.h"
+
+#include "AppPreferences.h"
+#include "Screens.h"
+
+#include <QAccessibleWidget>
+#include <QAction>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// A button that can be pressed and has a menu.
+class LauncherInterface final : public QAccessibleWidget {
+public:
+    explicit LauncherInterface(LauncherHitView *view)
+        : QAccessibleWidget(view, QAccessible::Button)
+        , m_view(view)
+    {
+    }
+
+    [[nodiscard]] QStringList actionNames() const override
+    {
+        return {pressAction(), showMenuAction()};
+    }
+
+    void doAction(const QString &name) override
+    {
+        if (name == pressAction())
+            Q_EMIT m_view->openRequested();
+        else if (name == showMenuAction())
+            m_view->showMenu();
+    }
+
+private:
+    LauncherHitView *const m_view;
+};
+
+QAccessibleInterface *makeInterface(const QString & /*className*/, QObject *object)
+{
+    auto *const view = qobject_cast<LauncherHitView *>(object);
+    return view ? new LauncherInterface(view) : nullptr;
+}
+
+} // namespace
+
+LauncherHitView::LauncherHitView(const Screens &screens, const AppPreferences *preferences,
+                                 QWidget *parent)
+    : QWidget(parent)
+    , m_screens(screens)
+    , m_preferences(preferences)
+{
+    // Qt keeps each factory once, however often it is installed.
+    QAccessible::installFactory(makeInterface);
+    setObjectName(u"floatingLauncher"_s);
+
+    m_interaction.onOpen = [this] { Q_EMIT openRequested(); };
+    m_interaction.onMove = [this](LauncherInteraction::Translation translation, bool ended) {
+        Q_EMIT moved(translation, ended);
+    };
+    if (m_preferences)
+        connect(m_preferences, &AppPreferences::languageChanged, this, &LauncherHitView::render);
+
+    render();
+}
+
+QMenu *LauncherHitView::makeMenu()
+{
+    auto *const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    connect(menu->addAction(text(u"New note"_s)), &QAction::triggered, this,
+            &LauncherHitView::openRequested);
+    menu->addSeparator();
+    connect(menu->addAction(text(u"Quit Quillmark"_s)), &QAction::triggered, this,
+            &LauncherHitView::quitRequested);
+    return menu;
+}
+
+void LauncherHitView::showMenu()
+{
+    makeMenu()->popup(mapToGlobal(rect().center()));
+}
+
+void LauncherHitView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton) {
+        m_isPressed = true;
+        m_interaction.press(position(*event));
+    }
+}
+
+void LauncherHitView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_isPressed)
+        m_interaction.drag(position(*event));
+}
+
+void LauncherHitView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && std::exchange(m_isPressed, false))
+        m_interaction.release(position(*event));
+}
+
+void LauncherHitView::contextMenuEvent(QContextMenuEvent *event)
+{
+    makeMenu()->popup(event->globalPos());
+}
+
+Point LauncherHitView::position(const QMouseEvent &event) const
+{
+    return m_screens.fromQt(event.globalPosition());
+}
+
+QString LauncherHitView::text(const QString &key) const
+{
+    return m_preferences ? m_preferences->text(key) : key;
+}
+
+void LauncherHitView::render()
+{
+    setAccessibleName(text(u"New note"_s));
+}

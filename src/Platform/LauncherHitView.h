@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "LauncherInteraction.h"
+
+#include <QWidget>
+
+class AppPreferences;
+class QMenu;
+class Screens;
+
+/// The transparent view over the whole launcher that takes every press, drag and right click. To
+/// assistive tools it is the button "New note" and the launcher's only element.
+class LauncherHitView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Without preferences the texts are English.
+    LauncherHitView(const Screens &screens, const AppPreferences *preferences,
+                    QWidget *parent = nullptr);
+
+    /// The context menu, made anew each time it is asked for, so that it is in the current
+    /// language; deletes itself once it has closed.
+    [[nodiscard]] QMenu *makeMenu();
+
+    /// Opens the context menu in the middle of the launcher, for who has no pointer to place it.
+    void showMenu();
+
+Q_SIGNALS:
+    void openRequested();
+    void moved(LauncherInteraction::Translation translation, bool ended);
+    void quitRequested();
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    [[nodiscard]] Point position(const QMouseEvent &event) const;
+    [[nodiscard]] QString text(const QString &key) const;
+    void render();
+
+    const Screens &m_screens;
+    const AppPreferences *const m_preferences;
+    LauncherInteraction m_interaction;
+    bool m_isPressed = false;
+};
