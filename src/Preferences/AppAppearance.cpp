@@ -1,1 +1,52 @@
 // SPDX-License-Identifier: MIT
+#include "AppAppearance.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+QString rawValue(AppAppearance appearance)
+{
+    switch (appearance) {
+    case AppAppearance::system:
+        return u"system"_s;
+    case AppAppearance::light:
+        return u"light"_s;
+    case AppAppearance::dark:
+        return u"dark"_s;
+    }
+    return {};
+}
+
+std::optional<AppAppearance> appAppearance(QStringView stored)
+{
+    for (const AppAppearance appearance : allAppAppearances) {
+        if (rawValue(appearance) == stored)
+            return appearance;
+    }
+    return std::nullopt;
+}
+
+QString label(AppAppearance appearance)
+{
+    switch (appearance) {
+    case AppAppearance::system:
+        return u"Follow system"_s;
+    case AppAppearance::light:
+        return u"Light"_s;
+    case AppAppearance::dark:
+        return u"Dark"_s;
+    }
+    return {};
+}
+
+std::optional<ColorScheme> colorScheme(AppAppearance appearance)
+{
+    switch (appearance) {
+    case AppAppearance::system:
+        return std::nullopt;
+    case AppAppearance::light:
+        return ColorScheme::light;
+    case AppAppearance::dark:
+        return ColorScheme::dark;
+    }
+    return std::nullopt;
+}

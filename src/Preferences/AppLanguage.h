@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 #include <array>
 #include <optional>
@@ -18,3 +19,7 @@ inline constexpr std::array allAppLanguages{AppLanguage::system, AppLanguage::en
 
 /// The choice in the menu, before translation.
 [[nodiscard]] QString label(AppLanguage language);
+
+/// "en" or "zh-Hans". For AppLanguage::system the first of the system's languages decides: every
+/// kind of Chinese gives "zh-Hans", everything else and none gives "en".
+[[nodiscard]] QString resolvedLanguage(AppLanguage language, const QStringList &systemLanguages);

@@ -1,1 +1,103 @@
 // SPDX-License-Identifier: MIT
+#include "AppPreferences.h"
+
+#include <QCoreApplication>
+#include <QSettings>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+QString stored(const QSettings *defaults, const char *key)
+{
+    return defaults ? defaults->value(QLatin1StringView(key)).toString() : QString();
+}
+
+} // namespace
+
+AppPreferences::AppPreferences(QSettings *defaults, std::optional<AppLanguage> language,
+                               std::optional<AppAppearance> appearance, QObject *parent,
+                               const QString &resourcesFolder)
+    : QObject(parent)
+    , m_defaults(defaults)
+    , m_resourcesFolder(resourcesFolder)
+    , m_language(language
+                     ? *language
+                     : appLanguage(stored(defaults, languageKey)).value_or(AppLanguage::system))
+    , m_appearance(
+          appearance
+              ? *appearance
+              : appAppearance(stored(defaults, appearanceKey)).value_or(AppAppearance::system))
+{
+}
+
+QString AppPreferences::defaultResourcesFolder()
+{
+    return QCoreApplication::applicationDirPath() + u"/../share/quillmark"_s;
+}
+
+QString AppPreferences::resolvedLanguage() const
+{
+    return ::resolvedLanguage(m_language, QLocale::system().uiLanguages());
+}
+
+QLocale AppPreferences::locale() const
+{
+    return QLocale(resolvedLanguage());
+}
+
+QString AppPreferences::text(const QString &key) const
+{
+    const QString language = resolvedLanguage();
+    const QTranslator *translations = &table(language);
+    if (translations->isEmpty()) {
+        const QStringList systemLanguages = QLocale::system().uiLanguages();
+        translations = &table(::resolvedLanguage(AppLanguage::system, systemLanguages));
+    }
+    const QString translation = translations->translate("Localizable", key.toUtf8().constData());
+    return translation.isNull() ? key : translation;
+}
+
+QString AppPreferences::format(const QString &key, const QList<FormatArgument> &arguments) const
+{
+    return formatted(text(key), arguments);
+}
+
+void AppPreferences::setLanguage(AppLanguage language)
+{
+    if (m_language != language) {
+        m_language = language;
+        Q_EMIT languageChanged();
+    }
+    persist();
+}
+
+void AppPreferences::setAppearance(AppAppearance appearance)
+{
+    if (m_appearance != appearance) {
+        m_appearance = appearance;
+        Q_EMIT appearanceChanged();
+    }
+    persist();
+}
+
+void AppPreferences::persist()
+{
+    if (m_defaults) {
+        m_defaults->setValue(QLatin1StringView(languageKey), rawValue(m_language));
+        m_defaults->setValue(QLatin1StringView(appearanceKey), rawValue(m_appearance));
+    }
+    Q_EMIT didChange();
+}
+
+const QTranslator &AppPreferences::table(const QString &language) const
+{
+    const auto known = m_tables.find(language);
+    if (known != m_tables.end())
+        return known->second;
+    QTranslator &table = m_tables[language];
+    // A missing table stays empty, and every text is then shown as written.
+    [[maybe_unused]] const bool isRead =
+        table.load(m_resourcesFolder + u'/' + language + u".lproj/Localizable.qm"_s);
+    return table;
+}

@@ -7,18 +7,18 @@
 
 #include <QLocale>
 #include <QObject>
-#include <QStringList>
-#include <memory>
+#include <QTranslator>
+#include <map>
 #include <optional>
 
 class QSettings;
-class QTranslator;
 
 /// The user's two choices, and the translation of every text of the program.
 ///
-/// The English text is the key. A text without a translation is shown as written.
-class AppPreferences final : public QObject
-{
+/// The English text is the key. A text without a translation is shown as written. The tables are
+/// "en.lproj/Localizable.qm" and "zh-Hans.lproj/Localizable.qm" in the resources folder; each is
+/// read when its first text is asked for.
+class AppPreferences final : public QObject {
     Q_OBJECT
 
 public:
@@ -29,8 +29,11 @@ public:
     /// used instead of the stored one and is not stored. Nothing is written here.
     explicit AppPreferences(QSettings *defaults, std::optional<AppLanguage> language = std::nullopt,
                             std::optional<AppAppearance> appearance = std::nullopt,
-                            QObject *parent = nullptr);
-    ~AppPreferences() override;
+                            QObject *parent = nullptr,
+                            const QString &resourcesFolder = defaultResourcesFolder());
+
+    /// "share/quillmark" beside the folder of the program, so that an installed tree can be moved.
+    [[nodiscard]] static QString defaultResourcesFolder();
 
     [[nodiscard]] AppLanguage language() const noexcept { return m_language; }
     [[nodiscard]] AppAppearance appearance() const noexcept { return m_appearance; }
@@ -61,8 +64,11 @@ Q_SIGNALS:
 
 private:
     void persist();
+    [[nodiscard]] const QTranslator &table(const QString &language) const;
 
     QSettings *const m_defaults;
+    const QString m_resourcesFolder;
+    mutable std::map<QString, QTranslator> m_tables;
     AppLanguage m_language;
     AppAppearance m_appearance;
 };

@@ -1,0 +1,326 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!-- SPDX-License-Identifier: MIT -->
+<!DOCTYPE TS>
+<TS version="2.1" sourcelanguage="en" language="en">
+<context>
+    <name>Localizable</name>
+    <!-- The preferences menu -->
+    <message>
+        <source>Preferences</source>
+        <translation>Preferences</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
+    <message>
+        <source>Appearance</source>
+        <translation>Appearance</translation>
+    </message>
+    <message>
+        <source>Follow system</source>
+        <translation>Follow system</translation>
+    </message>
+    <message>
+        <source>English</source>
+        <translation>English</translation>
+    </message>
+    <message>
+        <source>简体中文</source>
+        <translation>简体中文</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Light</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Dark</translation>
+    </message>
+    <message>
+        <source>Show Markdown files</source>
+        <translation>Show Markdown files</translation>
+    </message>
+    <!-- The launcher -->
+    <message>
+        <source>New note</source>
+        <translation>New note</translation>
+    </message>
+    <message>
+        <source>Quit Quillmark</source>
+        <translation>Quit Quillmark</translation>
+    </message>
+    <message>
+        <source>Quillmark · Quick capture</source>
+        <translation>Quillmark · Quick capture</translation>
+    </message>
+    <message>
+        <source>Click to capture · Drag to move · Right-click to quit</source>
+        <translation>Click to capture · Drag to move · Right-click to quit</translation>
+    </message>
+    <!-- The workspace -->
+    <message>
+        <source>Capture</source>
+        <translation>Capture</translation>
+    </message>
+    <message>
+        <source>Notes</source>
+        <translation>Notes</translation>
+    </message>
+    <message>
+        <source>Close · Esc</source>
+        <translation>Close · Esc</translation>
+    </message>
+    <message>
+        <source>Retry</source>
+        <translation>Retry</translation>
+    </message>
+    <message>
+        <source>Markdown · local</source>
+        <translation>Markdown · local</translation>
+    </message>
+    <message>
+        <source>1 note</source>
+        <translation>1 note</translation>
+    </message>
+    <message>
+        <source>%d notes</source>
+        <translation>%d notes</translation>
+    </message>
+    <message>
+        <source>Capture now. Think later.</source>
+        <translation>Capture now. Think later.</translation>
+    </message>
+    <!-- The capture screen -->
+    <message>
+        <source>· NOW</source>
+        <translation>· NOW</translation>
+    </message>
+    <message>
+        <source>What’s on your mind?</source>
+        <translation>What’s on your mind?</translation>
+    </message>
+    <message>
+        <source>Catch the idea. Keep your flow.</source>
+        <translation>Catch the idea. Keep your flow.</translation>
+    </message>
+    <message>
+        <source>A sentence. A thought.
+Get it down before it goes.</source>
+        <translation>A sentence. A thought.
+Get it down before it goes.</translation>
+    </message>
+    <message>
+        <source>1 character</source>
+        <translation>1 character</translation>
+    </message>
+    <message>
+        <source>%d characters</source>
+        <translation>%d characters</translation>
+    </message>
+    <message>
+        <source>⌘ ↵ Save &amp; close</source>
+        <translation>⌘ ↵ Save &amp; close</translation>
+    </message>
+    <message>
+        <source>Save this thought</source>
+        <translation>Save this thought</translation>
+    </message>
+    <!-- The library -->
+    <message>
+        <source>Thoughts, kept.</source>
+        <translation>Thoughts, kept.</translation>
+    </message>
+    <message>
+        <source>Find a thought…</source>
+        <translation>Find a thought…</translation>
+    </message>
+    <message>
+        <source>Clear search</source>
+        <translation>Clear search</translation>
+    </message>
+    <message>
+        <source>No matching thoughts yet.</source>
+        <translation>No matching thoughts yet.</translation>
+    </message>
+    <message>
+        <source>Try another keyword.</source>
+        <translation>Try another keyword.</translation>
+    </message>
+    <message>
+        <source>Every good idea starts
+with a quick note.</source>
+        <translation>Every good idea starts
+with a quick note.</translation>
+    </message>
+    <message>
+        <source>Open Capture to write your first one.</source>
+        <translation>Open Capture to write your first one.</translation>
+    </message>
+    <message>
+        <source>Untitled idea</source>
+        <translation>Untitled idea</translation>
+    </message>
+    <message>
+        <source>· Editing draft</source>
+        <translation>· Editing draft</translation>
+    </message>
+    <message>
+        <source>Open note: %@</source>
+        <translation>Open note: %@</translation>
+    </message>
+    <!-- The edit screen -->
+    <message>
+        <source>All notes</source>
+        <translation>All notes</translation>
+    </message>
+    <message>
+        <source>Copy text</source>
+        <translation>Copy text</translation>
+    </message>
+    <message>
+        <source>Delete note</source>
+        <translation>Delete note</translation>
+    </message>
+    <message>
+        <source>Note text</source>
+        <translation>Note text</translation>
+    </message>
+    <message>
+        <source>Save changes</source>
+        <translation>Save changes</translation>
+    </message>
+    <message>
+        <source>Delete this note?</source>
+        <translation>Delete this note?</translation>
+    </message>
+    <message>
+        <source>This removes the note and its editing draft from this Mac. You cannot undo this in the app.</source>
+        <translation>This removes the note and its editing draft from this Mac. You cannot undo this in the app.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Delete</translation>
+    </message>
+    <!-- The state of the saving -->
+    <message>
+        <source>Saved on this Mac</source>
+        <translation>Saved on this Mac</translation>
+    </message>
+    <message>
+        <source>Saving draft…</source>
+        <translation>Saving draft…</translation>
+    </message>
+    <message>
+        <source>Not saved · Retry</source>
+        <translation>Not saved · Retry</translation>
+    </message>
+    <message>
+        <source>Could not read your notes. Original files were protected.</source>
+        <translation>Could not read your notes. Original files were protected.</translation>
+    </message>
+    <message>
+        <source>Could not save. Your text is still in this window.</source>
+        <translation>Could not save. Your text is still in this window.</translation>
+    </message>
+    <!-- Quitting -->
+    <message>
+        <source>Some changes could not be saved</source>
+        <translation>Some changes could not be saved</translation>
+    </message>
+    <message>
+        <source>Return and retry, or copy your text first. Quitting now will lose changes that could not be written.</source>
+        <translation>Return and retry, or copy your text first. Quitting now will lose changes that could not be written.</translation>
+    </message>
+    <message>
+        <source>Return to notes</source>
+        <translation>Return to notes</translation>
+    </message>
+    <message>
+        <source>Quit anyway</source>
+        <translation>Quit anyway</translation>
+    </message>
+    <!-- Why the notes folder was refused -->
+    <message>
+        <source>Unsupported note version: %d. Original files were left untouched.</source>
+        <translation>Unsupported note version: %d. Original files were left untouched.</translation>
+    </message>
+    <message>
+        <source>A Markdown file has invalid metadata. Original files were left untouched.</source>
+        <translation>A Markdown file has invalid metadata. Original files were left untouched.</translation>
+    </message>
+    <message>
+        <source>Notes changed outside Quillmark. Copy your pending text and reopen the app to reload the files.</source>
+        <translation>Notes changed outside Quillmark. Copy your pending text and reopen the app to reload the files.</translation>
+    </message>
+    <message>
+        <source>A recovery copy needs attention. Original files were preserved in the data folder.</source>
+        <translation>A recovery copy needs attention. Original files were preserved in the data folder.</translation>
+    </message>
+    <!-- Why a file could not be read or written -->
+    <message>
+        <source>“%@” is not UTF-8 text. Convert it or move it away, then reopen the app.</source>
+        <translation>“%@” is not UTF-8 text. Convert it or move it away, then reopen the app.</translation>
+    </message>
+    <message>
+        <source>“%@” is not an ordinary file. Move it away, then reopen the app.</source>
+        <translation>“%@” is not an ordinary file. Move it away, then reopen the app.</translation>
+    </message>
+    <message>
+        <source>“%@” is not a folder of its own. Move it away, then reopen the app.</source>
+        <translation>“%@” is not a folder of its own. Move it away, then reopen the app.</translation>
+    </message>
+    <message>
+        <source>“%@” belongs to another disk. Unmount it, then try again.</source>
+        <translation>“%@” belongs to another disk. Unmount it, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” is too large for a note. Shorten it or move it away, then try again.</source>
+        <translation>“%@” is too large for a note. Shorten it or move it away, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” was not written: its text holds a broken character. Remove it, then try again.</source>
+        <translation>“%@” was not written: its text holds a broken character. Remove it, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” was not written: the disk is full. Free some space, then try again.</source>
+        <translation>“%@” was not written: the disk is full. Free some space, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” was not written: your disk quota is used up. Delete other files, then try again.</source>
+        <translation>“%@” was not written: your disk quota is used up. Delete other files, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” may not be used. Check its permissions and its owner, then try again.</source>
+        <translation>“%@” may not be used. Check its permissions and its owner, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” is on a read-only disk. Make the disk writable, then try again.</source>
+        <translation>“%@” is on a read-only disk. Make the disk writable, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” was not opened: too many files are open. Close some programs, then try again.</source>
+        <translation>“%@” was not opened: too many files are open. Close some programs, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” is missing. Put it back, then reopen the app.</source>
+        <translation>“%@” is missing. Put it back, then reopen the app.</translation>
+    </message>
+    <message>
+        <source>“%@” could not be used: the disk reports an error. Check the disk, then try again.</source>
+        <translation>“%@” could not be used: the disk reports an error. Check the disk, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” could not be used: %@. Mend that, then try again.</source>
+        <translation>“%@” could not be used: %@. Mend that, then try again.</translation>
+    </message>
+    <message>
+        <source>The older notes file “notes.json” cannot be read: %@. Mend it or move it away, then reopen the app.</source>
+        <translation>The older notes file “notes.json” cannot be read: %@. Mend it or move it away, then reopen the app.</translation>
+    </message>
+</context>
+</TS>

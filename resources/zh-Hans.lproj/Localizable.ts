@@ -1,0 +1,326 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!-- SPDX-License-Identifier: MIT -->
+<!DOCTYPE TS>
+<TS version="2.1" sourcelanguage="en" language="zh_CN">
+<context>
+    <name>Localizable</name>
+    <!-- The preferences menu -->
+    <message>
+        <source>Preferences</source>
+        <translation>偏好设置</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
+    <message>
+        <source>Appearance</source>
+        <translation>外观</translation>
+    </message>
+    <message>
+        <source>Follow system</source>
+        <translation>跟随系统</translation>
+    </message>
+    <message>
+        <source>English</source>
+        <translation>English</translation>
+    </message>
+    <message>
+        <source>简体中文</source>
+        <translation>简体中文</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>浅色</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>深色</translation>
+    </message>
+    <message>
+        <source>Show Markdown files</source>
+        <translation>显示 Markdown 文件</translation>
+    </message>
+    <!-- The launcher -->
+    <message>
+        <source>New note</source>
+        <translation>新建笔记</translation>
+    </message>
+    <message>
+        <source>Quit Quillmark</source>
+        <translation>退出 Quillmark</translation>
+    </message>
+    <message>
+        <source>Quillmark · Quick capture</source>
+        <translation>Quillmark · 快速记录</translation>
+    </message>
+    <message>
+        <source>Click to capture · Drag to move · Right-click to quit</source>
+        <translation>单击记录 · 拖动移位 · 右键退出</translation>
+    </message>
+    <!-- The workspace -->
+    <message>
+        <source>Capture</source>
+        <translation>记录</translation>
+    </message>
+    <message>
+        <source>Notes</source>
+        <translation>笔记</translation>
+    </message>
+    <message>
+        <source>Close · Esc</source>
+        <translation>关闭 · Esc</translation>
+    </message>
+    <message>
+        <source>Retry</source>
+        <translation>重试</translation>
+    </message>
+    <message>
+        <source>Markdown · local</source>
+        <translation>Markdown · 本地</translation>
+    </message>
+    <message>
+        <source>1 note</source>
+        <translation>1 条笔记</translation>
+    </message>
+    <message>
+        <source>%d notes</source>
+        <translation>%d 条笔记</translation>
+    </message>
+    <message>
+        <source>Capture now. Think later.</source>
+        <translation>先记下，再细想。</translation>
+    </message>
+    <!-- The capture screen -->
+    <message>
+        <source>· NOW</source>
+        <translation>· 此刻</translation>
+    </message>
+    <message>
+        <source>What’s on your mind?</source>
+        <translation>在想什么？</translation>
+    </message>
+    <message>
+        <source>Catch the idea. Keep your flow.</source>
+        <translation>抓住灵感，不断思路。</translation>
+    </message>
+    <message>
+        <source>A sentence. A thought.
+Get it down before it goes.</source>
+        <translation>一句话，一个念头。
+趁它溜走之前，先记下来。</translation>
+    </message>
+    <message>
+        <source>1 character</source>
+        <translation>1 个字符</translation>
+    </message>
+    <message>
+        <source>%d characters</source>
+        <translation>%d 个字符</translation>
+    </message>
+    <message>
+        <source>⌘ ↵ Save &amp; close</source>
+        <translation>⌘ ↵ 保存并关闭</translation>
+    </message>
+    <message>
+        <source>Save this thought</source>
+        <translation>保存这个想法</translation>
+    </message>
+    <!-- The library -->
+    <message>
+        <source>Thoughts, kept.</source>
+        <translation>想法，都在这里。</translation>
+    </message>
+    <message>
+        <source>Find a thought…</source>
+        <translation>查找想法…</translation>
+    </message>
+    <message>
+        <source>Clear search</source>
+        <translation>清除搜索</translation>
+    </message>
+    <message>
+        <source>No matching thoughts yet.</source>
+        <translation>还没有匹配的想法。</translation>
+    </message>
+    <message>
+        <source>Try another keyword.</source>
+        <translation>换个关键词试试。</translation>
+    </message>
+    <message>
+        <source>Every good idea starts
+with a quick note.</source>
+        <translation>每个好点子，
+都始于随手一记。</translation>
+    </message>
+    <message>
+        <source>Open Capture to write your first one.</source>
+        <translation>打开“记录”，写下第一条。</translation>
+    </message>
+    <message>
+        <source>Untitled idea</source>
+        <translation>未命名的想法</translation>
+    </message>
+    <message>
+        <source>· Editing draft</source>
+        <translation>· 编辑草稿</translation>
+    </message>
+    <message>
+        <source>Open note: %@</source>
+        <translation>打开笔记：%@</translation>
+    </message>
+    <!-- The edit screen -->
+    <message>
+        <source>All notes</source>
+        <translation>所有笔记</translation>
+    </message>
+    <message>
+        <source>Copy text</source>
+        <translation>复制文字</translation>
+    </message>
+    <message>
+        <source>Delete note</source>
+        <translation>删除笔记</translation>
+    </message>
+    <message>
+        <source>Note text</source>
+        <translation>笔记内容</translation>
+    </message>
+    <message>
+        <source>Save changes</source>
+        <translation>保存更改</translation>
+    </message>
+    <message>
+        <source>Delete this note?</source>
+        <translation>删除这条笔记？</translation>
+    </message>
+    <message>
+        <source>This removes the note and its editing draft from this Mac. You cannot undo this in the app.</source>
+        <translation>这会从本机移除这条笔记及其编辑草稿。此操作无法在应用内撤销。</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <!-- The state of the saving -->
+    <message>
+        <source>Saved on this Mac</source>
+        <translation>已保存在本机</translation>
+    </message>
+    <message>
+        <source>Saving draft…</source>
+        <translation>正在保存草稿…</translation>
+    </message>
+    <message>
+        <source>Not saved · Retry</source>
+        <translation>未保存 · 请重试</translation>
+    </message>
+    <message>
+        <source>Could not read your notes. Original files were protected.</source>
+        <translation>无法读取你的笔记。原始文件已受到保护。</translation>
+    </message>
+    <message>
+        <source>Could not save. Your text is still in this window.</source>
+        <translation>无法保存。你的文字仍在此窗口中。</translation>
+    </message>
+    <!-- Quitting -->
+    <message>
+        <source>Some changes could not be saved</source>
+        <translation>部分更改未能保存</translation>
+    </message>
+    <message>
+        <source>Return and retry, or copy your text first. Quitting now will lose changes that could not be written.</source>
+        <translation>请返回重试，或先复制你的文字。现在退出将丢失未能写入的更改。</translation>
+    </message>
+    <message>
+        <source>Return to notes</source>
+        <translation>返回笔记</translation>
+    </message>
+    <message>
+        <source>Quit anyway</source>
+        <translation>仍要退出</translation>
+    </message>
+    <!-- Why the notes folder was refused -->
+    <message>
+        <source>Unsupported note version: %d. Original files were left untouched.</source>
+        <translation>不支持的笔记版本：%d。原始文件未作改动。</translation>
+    </message>
+    <message>
+        <source>A Markdown file has invalid metadata. Original files were left untouched.</source>
+        <translation>有 Markdown 文件的元数据无效。原始文件未作改动。</translation>
+    </message>
+    <message>
+        <source>Notes changed outside Quillmark. Copy your pending text and reopen the app to reload the files.</source>
+        <translation>笔记已在 Quillmark 之外被更改。请先复制尚未保存的文字，再重新打开应用以载入文件。</translation>
+    </message>
+    <message>
+        <source>A recovery copy needs attention. Original files were preserved in the data folder.</source>
+        <translation>有一份恢复副本需要处理。原始文件已保留在数据文件夹中。</translation>
+    </message>
+    <!-- Why a file could not be read or written -->
+    <message>
+        <source>“%@” is not UTF-8 text. Convert it or move it away, then reopen the app.</source>
+        <translation>“%@”不是 UTF-8 文本。请转换或移走它，然后重新打开应用。</translation>
+    </message>
+    <message>
+        <source>“%@” is not an ordinary file. Move it away, then reopen the app.</source>
+        <translation>“%@”不是普通文件。请将它移走，然后重新打开应用。</translation>
+    </message>
+    <message>
+        <source>“%@” is not a folder of its own. Move it away, then reopen the app.</source>
+        <translation>“%@”不是独立的文件夹。请将它移走，然后重新打开应用。</translation>
+    </message>
+    <message>
+        <source>“%@” belongs to another disk. Unmount it, then try again.</source>
+        <translation>“%@”属于另一块磁盘。请将它卸载，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” is too large for a note. Shorten it or move it away, then try again.</source>
+        <translation>“%@”过大，不能用作笔记。请缩短或移走它，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” was not written: its text holds a broken character. Remove it, then try again.</source>
+        <translation>“%@”未写入：文字中有损坏的字符。请删除该字符，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” was not written: the disk is full. Free some space, then try again.</source>
+        <translation>“%@”未写入：磁盘已满。请腾出一些空间，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” was not written: your disk quota is used up. Delete other files, then try again.</source>
+        <translation>“%@”未写入：磁盘配额已用完。请删除其他文件，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” may not be used. Check its permissions and its owner, then try again.</source>
+        <translation>没有使用“%@”的权限。请检查它的权限和所有者，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” is on a read-only disk. Make the disk writable, then try again.</source>
+        <translation>“%@”位于只读磁盘上。请将磁盘改为可写，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” was not opened: too many files are open. Close some programs, then try again.</source>
+        <translation>“%@”未打开：打开的文件过多。请关闭一些程序，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” is missing. Put it back, then reopen the app.</source>
+        <translation>“%@”不见了。请将它放回原处，然后重新打开应用。</translation>
+    </message>
+    <message>
+        <source>“%@” could not be used: the disk reports an error. Check the disk, then try again.</source>
+        <translation>“%@”无法使用：磁盘报告错误。请检查磁盘，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” could not be used: %@. Mend that, then try again.</source>
+        <translation>“%@”无法使用：%@。请排除此问题，然后重试。</translation>
+    </message>
+    <message>
+        <source>The older notes file “notes.json” cannot be read: %@. Mend it or move it away, then reopen the app.</source>
+        <translation>旧版笔记文件“notes.json”无法读取：%@。请修复或移走它，然后重新打开应用。</translation>
+    </message>
+</context>
+</TS>
