@@ -3,6 +3,7 @@
 
 #include <QAccessibleWidget>
 #include <QVariant>
+#include <QWidget>
 
 namespace {
 

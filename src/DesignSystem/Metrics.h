@@ -77,12 +77,21 @@ inline constexpr int rowRadius = 15;
 inline constexpr double rowFill = 0.035;
 inline constexpr double rowHoverFill = 0.075;
 inline constexpr double rowArrowOpacity = 0.35;
+inline constexpr int scrollStep = 24;
 inline constexpr int emptyStateSpacing = 14;
 
 // The editor.
 inline constexpr int editorLineSpacing = 7;
 inline constexpr int placeholderTop = 9;
 inline constexpr int placeholderLeading = 5;
+
+inline constexpr int editorTabSpaces = 4;
+inline constexpr int caretWidth = 2;
+inline constexpr int scrollBarWidth = 8;
+inline constexpr int scrollThumbMinimum = 28;
+inline constexpr double scrollThumbInset = 2;
+inline constexpr double scrollThumbOpacity = 0.22;
+inline constexpr double scrollThumbHeldOpacity = 0.45;
 
 // Controls.
 inline constexpr QSize quietIconButton{30, 30};

@@ -46,3 +46,10 @@ QString Note::excerpt() const
     }
     return excerpt;
 }
+
+bool Note::hasExcerpt() const noexcept
+{
+    QStringView rest(body);
+    takeLine(rest);
+    return !takeLine(rest).isEmpty();
+}

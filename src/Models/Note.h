@@ -22,6 +22,9 @@ struct Note {
     /// The non-empty lines after the title, joined with single spaces.
     [[nodiscard]] QString excerpt() const;
 
+    /// Whether excerpt() is not empty, without making it.
+    [[nodiscard]] bool hasExcerpt() const noexcept;
+
     friend bool operator==(const Note &, const Note &) = default;
 };
 

@@ -13,6 +13,7 @@ private Q_SLOTS:
     void passesOverEmptyLinesForTitleAndExcerpt();
     void takesALineOfSpacesAsTheTitleUntrimmed();
     void hasNoExcerptWhenTheBodyIsOneLine();
+    void saysWhetherThereIsAnExcerptWithoutMakingIt();
     void endsALineAtEachKindOfLineBreak_data();
     void endsALineAtEachKindOfLineBreak();
     void differsWhenAnyFieldDiffers();
@@ -56,6 +57,14 @@ void NoteTest::hasNoExcerptWhenTheBodyIsOneLine()
 {
     QCOMPARE(noteOf(u"alone"_s).excerpt(), QString());
     QCOMPARE(noteOf(u"alone\n"_s).excerpt(), QString());
+}
+
+void NoteTest::saysWhetherThereIsAnExcerptWithoutMakingIt()
+{
+    QVERIFY(!noteOf(u""_s).hasExcerpt());
+    QVERIFY(!noteOf(u"\r\nalone\r\n\u2029"_s).hasExcerpt());
+    QVERIFY(noteOf(u"first\r\n\n "_s).hasExcerpt());
+    QVERIFY(noteOf(u"first\nsecond"_s).hasExcerpt());
 }
 
 void NoteTest::endsALineAtEachKindOfLineBreak_data()

@@ -1,1 +1,136 @@
 // SPDX-License-Identifier: MIT
+#include "CaptureView.h"
+
+#include "AppPreferences.h"
+#include "DateText.h"
+#include "Dot.h"
+#include "Layouts.h"
+#include "Metrics.h"
+#include "NotePrimaryButton.h"
+#include "NoteTextEditor.h"
+#include "SaveAction.h"
+#include "SymbolView.h"
+#include "TextLabel.h"
+#include "UserText.h"
+
+#include <QAction>
+#include <QDateTime>
+#include <chrono>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// How long the date on screen may be wrong after the clock was set or the machine slept.
+constexpr std::chrono::milliseconds longestDateWait = 1min;
+
+TextLabel *makeLabel(QWidget *parent, const TextStyle &style, const QString &name)
+{
+    auto *label = new TextLabel(style, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+NotePrimaryButton *makeSaveButton(QWidget *parent)
+{
+    auto *button = new NotePrimaryButton(u"arrow.up.right"_s, parent);
+    button->setObjectName(u"saveNote"_s);
+    return button;
+}
+
+std::chrono::milliseconds untilTomorrow(Timestamp time)
+{
+    const auto now =
+        QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(time.millisecondsSince1970()));
+    return std::chrono::milliseconds(now.msecsTo(now.date().addDays(1).startOfDay()));
+}
+
+} // namespace
+
+CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QWidget *parent,
+                         NoteStore::Clock clock)
+    : QWidget(parent)
+    , m_store(store)
+    , m_preferences(preferences)
+    , m_clock(std::move(clock))
+    , m_date(makeLabel(this, TextStyles::captureDate, u"captureDate"_s))
+    , m_title(makeLabel(this, TextStyles::screenTitle, u"captureTitle"_s))
+    , m_subtitle(makeLabel(this, TextStyles::subtitle, u"captureSubtitle"_s))
+    , m_editor(new NoteTextEditor(preferences,
+                                  u"A sentence. A thought.\nGet it down before it goes."_s, this))
+    , m_statusSymbol(new SymbolView(u"checkmark.circle"_s, TextStyles::status, this))
+    , m_status(makeLabel(this, TextStyles::status, u"captureStatus"_s))
+    , m_count(makeLabel(this, TextStyles::status, u"characterCount"_s))
+    , m_hint(makeLabel(this, TextStyles::shortcutHint, u"saveHint"_s))
+    , m_save(makeSaveButton(this))
+    , m_saveAction(makeSaveAction(this))
+{
+    m_statusSymbol->setObjectName(u"captureStatusSymbol"_s);
+    m_midnight.setSingleShot(true);
+
+    auto *dot = new Dot(Metrics::captureDot, Tone::accent, this);
+    column(this,
+           {row({dot, m_date, stretch()}, {Metrics::captureDateSpacing, {}}),
+            gap(Metrics::belowCaptureDate), m_title, gap(Metrics::aboveSubtitle), m_subtitle,
+            gap(Metrics::belowSubtitle), filling(m_editor), gap(Metrics::aboveStatus),
+            row({m_statusSymbol, m_status, stretch(), m_count}, {Metrics::statusSpacing, {}}),
+            gap(Metrics::aboveActions),
+            row({m_hint, stretch(), m_save}, {Metrics::actionSpacing, {}})},
+           {0, Metrics::screenPadding});
+
+    setFocusProxy(m_editor);
+
+    connect(&m_store, &NoteStore::snapshotChanged, this, &CaptureView::render);
+    connect(&m_store, &NoteStore::errorMessageChanged, this, &CaptureView::render);
+    connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &CaptureView::render);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &CaptureView::render);
+    connect(m_editor, &NoteTextEditor::textEdited, &m_store, &NoteStore::setDraft);
+    connect(m_save, &QAbstractButton::clicked, this, &CaptureView::save);
+    connect(m_saveAction, &QAction::triggered, this, &CaptureView::save);
+    connect(&m_midnight, &QTimer::timeout, this, &CaptureView::renderDate);
+
+    render();
+}
+
+bool CaptureView::canSave() const
+{
+    return !m_store.isReadOnly() && !isBlank(m_store.draft());
+}
+
+void CaptureView::save()
+{
+    m_editor->commitComposition();
+    if (m_store.saveCapture())
+        Q_EMIT saved();
+}
+
+void CaptureView::render()
+{
+    renderDate();
+    m_title->setText(m_preferences.text(u"What’s on your mind?"_s));
+    m_subtitle->setText(m_preferences.text(u"Catch the idea. Keep your flow."_s));
+
+    m_editor->setNoteText(m_store.draft());
+    m_editor->setEnabled(!m_store.isReadOnly());
+
+    m_statusSymbol->setSymbol(m_store.failure() ? u"exclamationmark.circle"_s
+                                                : u"checkmark.circle"_s);
+    m_status->setText(m_preferences.text(m_store.status()));
+    const qsizetype count = characterCount(m_store.draft());
+    m_count->setText(count == 1 ? m_preferences.text(u"1 character"_s)
+                                : m_preferences.format(u"%d characters"_s, {qint64(count)}));
+
+    m_hint->setText(m_preferences.text(u"⌘ ↵ Save & close"_s));
+    m_save->setText(m_preferences.text(u"Save this thought"_s));
+    m_save->setEnabled(canSave());
+    m_saveAction->setEnabled(canSave());
+}
+
+void CaptureView::renderDate()
+{
+    const Timestamp now = m_clock();
+    m_date->setText(dateText(now, DateStyle::monthAndDay, m_preferences.resolvedLanguage()) + u' ' +
+                    m_preferences.text(u"· NOW"_s));
+    m_midnight.start(std::min(untilTomorrow(now), longestDateWait));
+}

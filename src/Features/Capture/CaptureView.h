@@ -1,20 +1,50 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "NoteStore.h"
+
+#include <QTimer>
 #include <QWidget>
 
 class AppPreferences;
-class NoteStore;
+class NotePrimaryButton;
+class NoteTextEditor;
+class SymbolView;
+class TextLabel;
+class QAction;
 
 /// The screen for a new thought. Its text lives in the store as the capture draft.
-class CaptureView final : public QWidget
-{
+class CaptureView final : public QWidget {
     Q_OBJECT
 
 public:
-    CaptureView(NoteStore &store, const AppPreferences &preferences, QWidget *parent = nullptr);
+    /// The clock gives the date on screen, which changes at midnight.
+    CaptureView(NoteStore &store, const AppPreferences &preferences, QWidget *parent = nullptr,
+                NoteStore::Clock clock = &Timestamp::now);
 
 Q_SIGNALS:
     /// The thought is a note on the disk.
     void saved();
+
+private:
+    [[nodiscard]] bool canSave() const;
+    void save();
+    void render();
+    void renderDate();
+
+    NoteStore &m_store;
+    const AppPreferences &m_preferences;
+    NoteStore::Clock m_clock;
+    QTimer m_midnight;
+
+    TextLabel *const m_date;
+    TextLabel *const m_title;
+    TextLabel *const m_subtitle;
+    NoteTextEditor *const m_editor;
+    SymbolView *const m_statusSymbol;
+    TextLabel *const m_status;
+    TextLabel *const m_count;
+    TextLabel *const m_hint;
+    NotePrimaryButton *const m_save;
+    QAction *const m_saveAction;
 };

@@ -1,1 +1,139 @@
 // SPDX-License-Identifier: MIT
+#include "EditNoteView.h"
+
+#include "AppPreferences.h"
+#include "DateText.h"
+#include "DeleteAlert.h"
+#include "Layouts.h"
+#include "Metrics.h"
+#include "NotePrimaryButton.h"
+#include "NoteStore.h"
+#include "NoteTextEditor.h"
+#include "PlainButton.h"
+#include "QuietIconButton.h"
+#include "SaveAction.h"
+#include "TextLabel.h"
+#include "UserText.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+template <typename Widget>
+Widget *named(const QString &name, Widget *widget)
+{
+    widget->setObjectName(name);
+    return widget;
+}
+
+} // namespace
+
+EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, Note note,
+                           QWidget *parent)
+    : QWidget(parent)
+    , m_store(store)
+    , m_preferences(preferences)
+    , m_note(std::move(note))
+    , m_back(named(u"allNotes"_s, new PlainButton(TextStyles::backButton, u"chevron.left"_s, this)))
+    , m_copy(named(u"copyText"_s,
+                   new QuietIconButton(u"doc.on.doc"_s, TextStyles::copyIcon.pixelSize, this)))
+    , m_delete(named(u"deleteNote"_s, new QuietIconButton(u"trash"_s, this)))
+    , m_date(named(u"noteDate"_s, new TextLabel(TextStyles::noteDate, this)))
+    , m_editor(new NoteTextEditor(preferences,
+                                  u"A sentence. A thought.\nGet it down before it goes."_s, this))
+    , m_status(named(u"editStatus"_s, new TextLabel(TextStyles::status, this)))
+    , m_save(named(u"saveEdit"_s, new NotePrimaryButton({}, this)))
+    , m_saveAction(makeSaveAction(this))
+{
+    column(this,
+           {row({m_back, stretch(), m_copy, m_delete}), m_date, filling(m_editor),
+            row({m_status, stretch(), m_save})},
+           {Metrics::editSpacing, Metrics::screenPadding});
+
+    setFocusProxy(m_editor);
+
+    connect(&m_store, &NoteStore::snapshotChanged, this, &EditNoteView::render);
+    connect(&m_store, &NoteStore::errorMessageChanged, this, &EditNoteView::render);
+    connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &EditNoteView::render);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &EditNoteView::render);
+    connect(m_back, &QAbstractButton::clicked, this, &EditNoteView::backRequested);
+    connect(m_copy, &QAbstractButton::clicked, this, &EditNoteView::copy);
+    connect(m_delete, &QAbstractButton::clicked, this, &EditNoteView::confirmDelete);
+    connect(m_editor, &NoteTextEditor::textEdited, this,
+            [this](const QString &text) { m_store.updateDraft(m_note, text); });
+    connect(m_save, &QAbstractButton::clicked, this, &EditNoteView::save);
+    connect(m_saveAction, &QAction::triggered, this, &EditNoteView::save);
+
+    render();
+}
+
+EditNoteView::~EditNoteView()
+{
+    delete m_alert;
+}
+
+bool EditNoteView::canSave() const
+{
+    return !m_store.isReadOnly() && !isBlank(m_store.text(m_note));
+}
+
+void EditNoteView::copy()
+{
+    m_editor->commitComposition();
+    const QString text = m_store.text(m_note);
+    QClipboard *const clipboard = QGuiApplication::clipboard();
+    clipboard->setText(text);
+    // Another program may hold on to the clipboard, and Qt does not say so.
+    m_isCopied = clipboard->text() == text;
+    render();
+}
+
+void EditNoteView::confirmDelete()
+{
+    if (m_alert)
+        return;
+    m_alert = new DeleteAlert(m_preferences, window());
+    connect(m_alert, &DeleteAlert::dismissed, this, [this] {
+        m_alert = nullptr;
+        render();
+    });
+    connect(m_alert, &DeleteAlert::confirmed, this, &EditNoteView::deleteNote);
+    render();
+}
+
+void EditNoteView::deleteNote()
+{
+    if (m_store.deleteNote(m_note))
+        Q_EMIT backRequested();
+}
+
+void EditNoteView::save()
+{
+    m_editor->commitComposition();
+    if (m_store.saveEdit(m_note))
+        Q_EMIT backRequested();
+}
+
+void EditNoteView::render()
+{
+    m_back->setText(m_preferences.text(u"All notes"_s));
+    m_copy->setSymbol(m_isCopied ? u"checkmark"_s : u"doc.on.doc"_s);
+    m_copy->setLabel(m_preferences.text(u"Copy text"_s));
+    m_delete->setLabel(m_preferences.text(u"Delete note"_s));
+    m_delete->setEnabled(!m_store.isReadOnly());
+
+    m_date->setText(dateText(m_note.createdAt, DateStyle::yearMonthDayAndTime,
+                             m_preferences.resolvedLanguage()));
+    m_editor->setNoteText(m_store.text(m_note));
+    m_editor->setEnabled(!m_store.isReadOnly());
+
+    m_status->setText(m_preferences.text(m_store.status()));
+    m_save->setText(m_preferences.text(u"Save changes"_s));
+    m_save->setEnabled(canSave());
+    // The save button lies under the alert, but its keys reach everywhere.
+    m_saveAction->setEnabled(canSave() && !m_alert);
+}

@@ -1,1 +1,163 @@
 // SPDX-License-Identifier: MIT
+#include "NoteLibraryView.h"
+
+#include "AppPreferences.h"
+#include "Layouts.h"
+#include "Metrics.h"
+#include "NoteListModel.h"
+#include "NoteListView.h"
+#include "NoteStore.h"
+#include "PlainButton.h"
+#include "PlainTextField.h"
+#include "SymbolView.h"
+#include "TextLabel.h"
+#include "TintedFrame.h"
+
+#include <QShortcut>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+TextLabel *makeLabel(QWidget *parent, const TextStyle &style, const QString &name)
+{
+    auto *label = new TextLabel(style, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+TextLabel *makeCentredLabel(QWidget *parent, const TextStyle &style, const QString &name)
+{
+    TextLabel *const label = makeLabel(parent, style, name);
+    label->setAlignment(Qt::AlignCenter);
+    return label;
+}
+
+/// The count of the title row, on the title's baseline when both are aligned at the bottom.
+TextLabel *makeCount(QWidget *parent, const TextLabel &title)
+{
+    TextLabel *const count = makeLabel(parent, TextStyles::noteCount, u"libraryCount"_s);
+    const int lift = title.fontMetrics().descent() - count->fontMetrics().descent();
+    count->setContentsMargins(0, 0, 0, lift);
+    return count;
+}
+
+PlainTextField *makeSearchField(QWidget *parent)
+{
+    auto *field = new PlainTextField(TextStyles::search, parent);
+    field->setObjectName(u"searchNotes"_s);
+    return field;
+}
+
+PlainButton *makeClearButton(QWidget *parent)
+{
+    auto *button = new PlainButton(TextStyles::clearSearch, u"xmark.circle.fill"_s, parent);
+    button->setObjectName(u"clearSearch"_s);
+    return button;
+}
+
+} // namespace
+
+NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &preferences,
+                                 QWidget *parent)
+    : QWidget(parent)
+    , m_store(store)
+    , m_preferences(preferences)
+    , m_title(makeLabel(this, TextStyles::screenTitle, u"libraryTitle"_s))
+    , m_count(makeCount(this, *m_title))
+    , m_search(makeSearchField(this))
+    , m_clear(makeClearButton(this))
+    , m_model(new NoteListModel(store, preferences, this))
+    , m_list(new NoteListView(m_model, this))
+    , m_empty(new QWidget(this))
+    , m_emptySymbol(new SymbolView(u"sparkle"_s, TextStyles::emptySymbol, m_empty))
+    , m_emptyHeading(makeCentredLabel(m_empty, TextStyles::emptyHeading, u"emptyHeading"_s))
+    , m_emptyHint(makeCentredLabel(m_empty, TextStyles::emptyHint, u"emptyHint"_s))
+{
+    m_list->setObjectName(u"noteList"_s);
+    m_empty->setObjectName(u"emptyState"_s);
+    m_emptySymbol->setObjectName(u"emptySymbol"_s);
+    setFocusProxy(m_search);
+
+    auto *field = new TintedFrame(Tone::primary, Metrics::searchFill, Metrics::searchRadius, this);
+    auto *glass = new SymbolView(u"magnifyingglass"_s, TextStyles::searchSymbol, field);
+    row(field, {glass, filling(m_search), m_clear},
+        {Metrics::searchSpacing, Metrics::searchPadding});
+    column(m_empty,
+           {stretch(), aligned(Qt::AlignHCenter, m_emptySymbol), m_emptyHeading, m_emptyHint,
+            stretch()},
+           {Metrics::emptyStateSpacing, {}});
+    column(this,
+           {row({aligned(Qt::AlignBottom, m_title), stretch(), aligned(Qt::AlignBottom, m_count)}),
+            gap(Metrics::belowLibraryTitle), field, gap(Metrics::belowSearch), filling(m_list),
+            filling(m_empty)},
+           {0, Metrics::libraryPadding});
+
+    connect(&m_store, &NoteStore::snapshotChanged, this, &NoteLibraryView::render);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteLibraryView::render);
+    connect(m_search, &QLineEdit::textChanged, this, &NoteLibraryView::search);
+    connect(m_clear, &QAbstractButton::clicked, this, [this] {
+        m_search->clear();
+        m_search->setFocus(Qt::OtherFocusReason);
+    });
+    connect(new QShortcut(Qt::Key_Down, m_search, nullptr, nullptr, Qt::WidgetShortcut),
+            &QShortcut::activated, this, &NoteLibraryView::enterList);
+    connect(m_list, &NoteListView::opened, this,
+            [this](const QModelIndex &row) { Q_EMIT noteChosen(Note(m_model->note(row))); });
+    connect(m_list, &NoteListView::leftUpwards, m_search,
+            [this] { m_search->setFocus(Qt::BacktabFocusReason); });
+    connect(m_list, &NoteListView::typed, this, [this](const QString &text) {
+        m_search->setFocus(Qt::OtherFocusReason);
+        m_search->insert(text);
+    });
+
+    render();
+}
+
+void NoteLibraryView::select(const Note &note)
+{
+    const QModelIndex index = m_model->indexNear(note);
+    if (!index.isValid())
+        return;
+    m_list->setCurrentIndex(index);
+    m_list->scrollTo(index);
+    m_list->setFocus(Qt::OtherFocusReason);
+}
+
+void NoteLibraryView::search()
+{
+    m_list->setCurrentIndex({});
+    m_list->scrollToTop();
+    render();
+}
+
+void NoteLibraryView::enterList()
+{
+    if (m_model->rowCount() > 0)
+        m_list->setFocus(Qt::TabFocusReason);
+}
+
+void NoteLibraryView::render()
+{
+    const QString query = m_search->text();
+    m_title->setText(m_preferences.text(u"Thoughts, kept."_s));
+    m_count->setText(m_preferences.format(u"%02d"_s, {qint64(m_store.snapshot().notes.size())}));
+
+    m_search->setPlaceholderText(m_preferences.text(u"Find a thought…"_s));
+    m_search->setAccessibleName(m_search->placeholderText());
+    m_clear->setVisible(!query.isEmpty());
+    m_clear->setAccessibleName(m_preferences.text(u"Clear search"_s));
+    m_clear->setToolTip(m_clear->accessibleName());
+
+    m_model->show(m_store.matching(query));
+    m_list->setVisible(m_model->rowCount() > 0);
+    m_list->setAccessibleName(m_preferences.text(u"Notes"_s));
+
+    m_empty->setVisible(m_model->rowCount() == 0);
+    m_emptySymbol->setSymbol(query.isEmpty() ? u"sparkle"_s : u"magnifyingglass"_s);
+    m_emptyHeading->setText(m_preferences.text(query.isEmpty()
+                                                   ? u"Every good idea starts\nwith a quick note."_s
+                                                   : u"No matching thoughts yet."_s));
+    m_emptyHint->setText(m_preferences.text(
+        query.isEmpty() ? u"Open Capture to write your first one."_s : u"Try another keyword."_s));
+}

@@ -4,17 +4,47 @@
 #include <QWidget>
 
 class AppPreferences;
+class NoteListModel;
+class NoteListView;
 class NoteStore;
+class PlainButton;
+class PlainTextField;
+class SymbolView;
+class TextLabel;
 struct Note;
 
 /// The screen of earlier notes: a search field over the list of what matches.
-class NoteLibraryView final : public QWidget
-{
+///
+/// Opens with the keyboard in the search field. Down goes to the list, Up from its first row back;
+/// typing in the list goes on searching; Ctrl+U empties the field.
+class NoteLibraryView final : public QWidget {
     Q_OBJECT
 
 public:
     NoteLibraryView(NoteStore &store, const AppPreferences &preferences, QWidget *parent = nullptr);
 
+    /// Puts the keyboard on the note, or where it would be if it is gone.
+    void select(const Note &note);
+
 Q_SIGNALS:
     void noteChosen(const Note &note);
+
+private:
+    void search();
+    void enterList();
+    void render();
+
+    NoteStore &m_store;
+    const AppPreferences &m_preferences;
+
+    TextLabel *const m_title;
+    TextLabel *const m_count;
+    PlainTextField *const m_search;
+    PlainButton *const m_clear;
+    NoteListModel *const m_model;
+    NoteListView *const m_list;
+    QWidget *const m_empty;
+    SymbolView *const m_emptySymbol;
+    TextLabel *const m_emptyHeading;
+    TextLabel *const m_emptyHint;
 };

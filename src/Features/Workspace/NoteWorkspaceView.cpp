@@ -1,1 +1,198 @@
 // SPDX-License-Identifier: MIT
+#include "NoteWorkspaceView.h"
+
+#include "AppPreferences.h"
+#include "CaptureView.h"
+#include "Divider.h"
+#include "Dot.h"
+#include "EditNoteView.h"
+#include "ErrorBanner.h"
+#include "Layouts.h"
+#include "Metrics.h"
+#include "NoteLibraryView.h"
+#include "NoteStore.h"
+#include "PlainButton.h"
+#include "PreferencesMenu.h"
+#include "QuietIconButton.h"
+#include "SymbolView.h"
+#include "TextLabel.h"
+
+#include <QLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+PlainButton *makeTab(WorkspaceTab tab, QWidget *parent)
+{
+    auto *button = PlainButton::makeTab(parent);
+    button->setObjectName(identifier(tab));
+    return button;
+}
+
+TextLabel *makeFooterText(QWidget *parent, const QString &name)
+{
+    auto *label = new TextLabel(TextStyles::footer, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+QuietIconButton *makeCollapseButton(QWidget *parent)
+{
+    auto *button = new QuietIconButton(u"minus"_s, parent);
+    button->setObjectName(u"collapse"_s);
+    return button;
+}
+
+} // namespace
+
+NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferences, QWidget *parent)
+    : GlassSurface(parent)
+    , m_store(store)
+    , m_preferences(preferences)
+    , m_tabs{makeTab(WorkspaceTab::capture, this), makeTab(WorkspaceTab::library, this)}
+    , m_collapse(makeCollapseButton(this))
+    , m_banner(new ErrorBanner(this))
+    , m_content(new QWidget(this))
+    , m_storage(makeFooterText(this, u"storage"_s))
+    , m_count(makeFooterText(this, u"noteCount"_s))
+    , m_tagline(makeFooterText(this, u"tagline"_s))
+{
+    setObjectName(u"noteWorkspace"_s);
+    setFixedSize(Metrics::panelSize);
+
+    auto *menu = new PreferencesMenu(
+        m_preferences, [this] { return m_store.notesFolderURL(); }, this);
+    auto *mark = new SymbolView(u"square.and.pencil"_s, TextStyles::productMark, this);
+    auto *title = new TextLabel(TextStyles::productTitle, u"Quillmark"_s, this);
+    auto *drive = new SymbolView(u"internaldrive"_s, TextStyles::footer, this);
+    auto *dot = new Dot(Metrics::footerDot, Tone::secondary, this);
+    column(m_content, {});
+    column(this,
+           {row({mark, title, stretch(), row({m_tabs[0], m_tabs[1]}, {Metrics::tabSpacing, {}}),
+                 menu, m_collapse},
+                {Metrics::headerSpacing, Metrics::headerPadding}),
+            m_banner, filling(m_content), row({new Divider(this)}, {0, Metrics::dividerMargins}),
+            row({drive, m_storage, stretch(), m_count, dot, m_tagline},
+                {Metrics::footerSpacing, Metrics::footerPadding})});
+    setTabOrder(m_tabs[1], menu);
+    setTabOrder(menu, m_collapse);
+
+    connect(&m_store, &NoteStore::snapshotChanged, this, &NoteWorkspaceView::render);
+    connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteWorkspaceView::render);
+    connect(&m_store, &NoteStore::errorContextChanged, this, &NoteWorkspaceView::render);
+    connect(&m_store, &NoteStore::repositoryErrorChanged, this, &NoteWorkspaceView::render);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteWorkspaceView::render);
+    for (const WorkspaceTab tab : allWorkspaceTabs)
+        connect(m_tabs[static_cast<size_t>(tab)], &QAbstractButton::clicked, this,
+                [this, tab] { chooseTab(tab); });
+    connect(menu, &PreferencesMenu::showFolderRequested, this,
+            &NoteWorkspaceView::showFolderRequested);
+    connect(m_collapse, &QAbstractButton::clicked, this, &NoteWorkspaceView::collapseRequested);
+    connect(m_banner, &ErrorBanner::retryRequested, this, &NoteWorkspaceView::retry);
+
+    showScreen();
+    render();
+}
+
+void NoteWorkspaceView::chooseTab(WorkspaceTab tab)
+{
+    const bool isShown = tab == m_tab && !m_selectedNote;
+    m_selectedNote.reset();
+    m_tab = tab;
+    if (!isShown)
+        showScreen();
+    render();
+}
+
+void NoteWorkspaceView::open(const Note &note)
+{
+    m_selectedNote = note;
+    showScreen();
+}
+
+void NoteWorkspaceView::closeNote()
+{
+    const std::optional<Note> note = std::exchange(m_selectedNote, std::nullopt);
+    showScreen();
+    if (auto *library = qobject_cast<NoteLibraryView *>(m_screen); library && note)
+        library->select(*note);
+}
+
+void NoteWorkspaceView::retry()
+{
+    if (!m_store.isReadOnly())
+        m_store.flush();
+}
+
+QWidget *NoteWorkspaceView::makeScreen()
+{
+    if (m_selectedNote) {
+        auto *edit = new EditNoteView(m_store, m_preferences, *m_selectedNote, m_content);
+        connect(edit, &EditNoteView::backRequested, this, &NoteWorkspaceView::closeNote);
+        return edit;
+    }
+    switch (m_tab) {
+    case WorkspaceTab::capture: {
+        auto *capture = new CaptureView(m_store, m_preferences, m_content);
+        connect(capture, &CaptureView::saved, this, &NoteWorkspaceView::collapseRequested);
+        return capture;
+    }
+    case WorkspaceTab::library: {
+        auto *library = new NoteLibraryView(m_store, m_preferences, m_content);
+        connect(library, &NoteLibraryView::noteChosen, this, &NoteWorkspaceView::open);
+        return library;
+    }
+    }
+    Q_UNREACHABLE();
+}
+
+void NoteWorkspaceView::showScreen()
+{
+    // The old screen may be the one that asked, so it goes once it has returned.
+    if (m_screen) {
+        m_screen->hide();
+        m_content->layout()->removeWidget(m_screen);
+        m_screen->deleteLater();
+    }
+    m_screen = makeScreen();
+    m_content->layout()->addWidget(m_screen);
+    m_screen->show();
+    m_screen->setFocus(Qt::OtherFocusReason);
+}
+
+QString NoteWorkspaceView::failureText() const
+{
+    const auto &failure = m_store.failure();
+    if (!failure)
+        return {};
+    const auto &error = m_store.repositoryError();
+    const bool isUnsupported = error && error->kind() == RepositoryError::Kind::unsupportedVersion;
+    const QString what =
+        isUnsupported ? m_preferences.format(
+                            u"Unsupported note version: %d. Original files were left untouched."_s,
+                            {error->version()})
+                      : m_preferences.text(*failure);
+    const auto &context = m_store.errorContext();
+    return context ? m_preferences.text(*context) + u'\n' + what : what;
+}
+
+void NoteWorkspaceView::render()
+{
+    for (const WorkspaceTab tab : allWorkspaceTabs) {
+        PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
+        button->setText(m_preferences.text(rawValue(tab)));
+        button->setChecked(tab == m_tab);
+    }
+    m_collapse->setLabel(m_preferences.text(u"Close · Esc"_s));
+
+    m_banner->setMessage(failureText());
+    m_banner->setRetryText(m_preferences.text(u"Retry"_s));
+    m_banner->setRetryEnabled(!m_store.isReadOnly());
+
+    m_storage->setText(m_preferences.text(u"Markdown · local"_s));
+    const qsizetype count = m_store.snapshot().notes.size();
+    m_count->setText(count == 1 ? m_preferences.text(u"1 note"_s)
+                                : m_preferences.format(u"%d notes"_s, {qint64(count)}));
+    m_tagline->setText(m_preferences.text(u"Capture now. Think later."_s));
+}

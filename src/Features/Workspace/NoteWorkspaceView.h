@@ -2,14 +2,25 @@
 #pragma once
 
 #include "GlassSurface.h"
+#include "Note.h"
+#include "WorkspaceTab.h"
+
+#include <optional>
 
 class AppPreferences;
+class ErrorBanner;
 class NoteStore;
+class PlainButton;
+class PreferencesMenu;
 class QUrl;
+class QuietIconButton;
+class TextLabel;
 
 /// The content of the editor panel: header, error banner, one of three screens, footer.
-class NoteWorkspaceView final : public GlassSurface
-{
+///
+/// Knows which tab is chosen and which note is open, and nothing else of its own. A screen lives
+/// while it is shown: going elsewhere and back makes a fresh one.
+class NoteWorkspaceView final : public GlassSurface {
     Q_OBJECT
 
 public:
@@ -19,4 +30,30 @@ Q_SIGNALS:
     /// By the button, or because the thought is saved.
     void collapseRequested();
     void showFolderRequested(const QUrl &folder);
+
+private:
+    void chooseTab(WorkspaceTab tab);
+    void open(const Note &note);
+    void closeNote();
+    void retry();
+
+    [[nodiscard]] QWidget *makeScreen();
+    void showScreen();
+
+    [[nodiscard]] QString failureText() const;
+    void render();
+
+    NoteStore &m_store;
+    AppPreferences &m_preferences;
+    WorkspaceTab m_tab = WorkspaceTab::capture;
+    std::optional<Note> m_selectedNote;
+
+    std::array<PlainButton *, allWorkspaceTabs.size()> m_tabs{};
+    QuietIconButton *const m_collapse;
+    ErrorBanner *const m_banner;
+    QWidget *const m_content;
+    QWidget *m_screen = nullptr;
+    TextLabel *const m_storage;
+    TextLabel *const m_count;
+    TextLabel *const m_tagline;
 };

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#include "DeleteAlert.h"
+
+#include "AccessibleRole.h"
+#include "AlertButton.h"
+#include "AppPreferences.h"
+#include "GlassSurface.h"
+#include "Layouts.h"
+#include "Metrics.h"
+#include "TextLabel.h"
+
+#include <QAccessible>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+AlertButton *makeButton(QWidget *parent, const TextStyle &style, const QString &name)
+{
+    auto *button = new AlertButton(style, parent);
+    button->setObjectName(name);
+    return button;
+}
+
+TextLabel *makeText(QWidget *parent, const TextStyle &style)
+{
+    auto *label = new TextLabel(style, parent);
+    label->setAlignment(Qt::AlignHCenter);
+    label->setWraps(true);
+    return label;
+}
+
+} // namespace
+
+DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
+    : QWidget(window)
+    , m_preferences(preferences)
+    , m_hadFocus(window->focusWidget())
+    , m_card(new QWidget(this))
+    , m_title(makeText(m_card, TextStyles::alertTitle))
+    , m_message(makeText(m_card, TextStyles::alertMessage))
+    , m_cancel(makeButton(m_card, TextStyles::alertCancel, u"cancelDelete"_s))
+    , m_delete(makeButton(m_card, TextStyles::alertDelete, u"confirmDelete"_s))
+{
+    setObjectName(u"deleteAlert"_s);
+    setAccessibleRole(this, QAccessible::AlertMessage);
+
+    m_card->setFixedWidth(Metrics::alertWidth);
+    column(m_card,
+           {m_title, gap(Metrics::belowAlertTitle), m_message, gap(Metrics::aboveAlertButtons),
+            row({filling(m_cancel), filling(m_delete)}, {Metrics::alertButtonSpacing, {}})},
+           {0, Metrics::alertPadding});
+    column(this, {stretch(), aligned(Qt::AlignHCenter, m_card), stretch()});
+
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &DeleteAlert::render);
+    connect(m_cancel, &QAbstractButton::clicked, this, &DeleteAlert::dismiss);
+    connect(m_delete, &QAbstractButton::clicked, this, [this] {
+        dismiss();
+        Q_EMIT confirmed();
+    });
+    window->installEventFilter(this);
+
+    render();
+    setGeometry(window->rect());
+    show();
+    m_cancel->setFocus(Qt::TabFocusReason);
+    QAccessibleEvent announcement(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}
+
+bool DeleteAlert::event(QEvent *event)
+{
+    // Every key is the alert's, so that no shortcut of the window answers in its place.
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+bool DeleteAlert::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Resize)
+        setGeometry(parentWidget()->rect());
+    return QWidget::eventFilter(watched, event);
+}
+
+bool DeleteAlert::focusNextPrevChild(bool)
+{
+    AlertButton *const other = m_cancel->hasFocus() ? m_delete : m_cancel;
+    other->setFocus(Qt::TabFocusReason);
+    return true;
+}
+
+void DeleteAlert::keyPressEvent(QKeyEvent *event)
+{
+    event->accept();
+    switch (event->key()) {
+    case Qt::Key_Escape:
+        dismiss();
+        break;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        focusNextPrevChild(event->key() == Qt::Key_Right);
+        break;
+    default:
+        break;
+    }
+}
+
+void DeleteAlert::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+}
+
+void DeleteAlert::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    QColor dim(Qt::black);
+    dim.setAlphaF(static_cast<float>(Metrics::alertDim));
+    painter.setBrush(dim);
+    painter.drawPath(GlassSurface::outline(rect()));
+
+    painter.setPen(NoteTheme::primary(palette(), Metrics::alertBorder));
+    painter.setBrush(palette().window());
+    painter.drawPath(GlassSurface::outline(m_card->geometry(), Metrics::alertRadius));
+}
+
+void DeleteAlert::dismiss()
+{
+    parentWidget()->removeEventFilter(this);
+    hide();
+    if (m_hadFocus)
+        m_hadFocus->setFocus(Qt::OtherFocusReason);
+    deleteLater();
+    Q_EMIT dismissed();
+}
+
+void DeleteAlert::render()
+{
+    m_title->setText(m_preferences.text(u"Delete this note?"_s));
+    m_message->setText(m_preferences.text(
+        u"This removes the note and its editing draft from this Mac. You cannot undo this in the app."_s));
+    m_cancel->setText(m_preferences.text(u"Cancel"_s));
+    m_delete->setText(m_preferences.text(u"Delete"_s));
+    setAccessibleName(m_title->text());
+    setAccessibleDescription(m_message->text());
+}

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include "NoteListView.h"
+
+#include "Metrics.h"
+#include "NoteListModel.h"
+#include "NoteRow.h"
+
+#include <QHoverEvent>
+#include <QKeyEvent>
+#include <QScrollBar>
+
+namespace {
+
+constexpr Qt::KeyboardModifiers commandModifiers =
+    Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+
+bool isText(const QKeyEvent &event)
+{
+    return !event.text().isEmpty() && event.text().front().isPrint() &&
+           !(event.modifiers() & commandModifiers);
+}
+
+} // namespace
+
+NoteListView::NoteListView(NoteListModel *model, QWidget *parent)
+    : QListView(parent)
+    , m_model(model)
+{
+    setFrameShape(QFrame::NoFrame);
+    viewport()->setAutoFillBackground(false);
+    viewport()->setAttribute(Qt::WA_Hover);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(ScrollPerPixel);
+    verticalScrollBar()->setSingleStep(Metrics::scrollStep);
+    setSelectionMode(NoSelection);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false);
+    setItemDelegate(new NoteRow(this));
+
+    // Before setModel(), so that the place is kept before the view forgets it.
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &NoteListView::keepPlace);
+    setModel(model);
+    connect(this, &QAbstractItemView::clicked, this, &NoteListView::opened);
+}
+
+QModelIndex NoteListView::indexAt(const QPoint &point) const
+{
+    const QModelIndex index = QListView::indexAt(point);
+    return NoteRow::surface(visualRect(index)).contains(point) ? index : QModelIndex();
+}
+
+void NoteListView::reset()
+{
+    QListView::reset();
+    returnToPlace();
+}
+
+void NoteListView::focusInEvent(QFocusEvent *event)
+{
+    if (!currentIndex().isValid()) {
+        const QModelIndex top = QListView::indexAt({0, 0});
+        setCurrentIndex(top.isValid() ? top : m_model->index(0));
+    }
+    QListView::focusInEvent(event);
+}
+
+void NoteListView::keyPressEvent(QKeyEvent *event)
+{
+    const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier);
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        if (isPlain && currentIndex().isValid() && !event->isAutoRepeat()) {
+            Q_EMIT opened(currentIndex());
+            return;
+        }
+        event->ignore();
+        return;
+    case Qt::Key_Up:
+        if (isPlain && currentIndex().row() <= 0) {
+            Q_EMIT leftUpwards();
+            return;
+        }
+        break;
+    default:
+        if (isText(*event)) {
+            Q_EMIT typed(event->text());
+            return;
+        }
+    }
+    // The keyboard is at work here: the row that it is on shows its ring.
+    window()->setAttribute(Qt::WA_KeyboardFocusChange);
+    QListView::keyPressEvent(event);
+}
+
+void NoteListView::scrollContentsBy(int dx, int dy)
+{
+    QListView::scrollContentsBy(dx, dy);
+    if (!viewport()->underMouse())
+        return;
+    // Another row has come under the pointer, which did not move.
+    const QPointF pointer = QCursor::pos();
+    const QPointF here = viewport()->mapFromGlobal(pointer);
+    QHoverEvent hover(QEvent::HoverMove, here, pointer, here);
+    viewportEvent(&hover);
+}
+
+void NoteListView::keepPlace()
+{
+    const QModelIndex current = currentIndex();
+    const QModelIndex top = QListView::indexAt({0, 0});
+    m_place = {};
+    m_place.scrollPosition = verticalScrollBar()->value();
+    if (current.isValid())
+        m_place.current = m_model->note(current).id;
+    if (top.isValid()) {
+        m_place.top = m_model->note(top).id;
+        m_place.topOffset = visualRect(top).top();
+    }
+}
+
+void NoteListView::returnToPlace()
+{
+    if (!m_place.current.isNull())
+        setCurrentIndex(m_model->indexOf(m_place.current));
+    if (m_place.scrollPosition == 0) {
+        scrollToTop();
+        return;
+    }
+    executeDelayedItemsLayout();
+    const QModelIndex top = m_model->indexOf(m_place.top);
+    verticalScrollBar()->setValue(top.isValid()
+                                      ? verticalOffset() + visualRect(top).top() - m_place.topOffset
+                                      : m_place.scrollPosition);
+}

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QListView>
+#include <QUuid>
+
+class NoteListModel;
+
+/// The list of notes that scrolls, without bars. Each row is a button: a click or Return opens it.
+///
+/// With the keyboard: arrows, Home, End and the page keys move; Up on the first row leaves the list
+/// upwards; what is typed is for the search. When other notes are shown, the row that had the
+/// keyboard keeps it and the rows stay where they were, as far as they are still there.
+class NoteListView final : public QListView {
+    Q_OBJECT
+
+public:
+    explicit NoteListView(NoteListModel *model, QWidget *parent = nullptr);
+
+    /// Nothing in the gaps between the rows.
+    [[nodiscard]] QModelIndex indexAt(const QPoint &point) const override;
+
+    void reset() override;
+
+Q_SIGNALS:
+    void opened(const QModelIndex &row);
+    void leftUpwards();
+    void typed(const QString &text);
+
+protected:
+    void focusInEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+
+private:
+    /// What is on screen, by notes and not by rows.
+    struct Place {
+        QUuid current;
+        QUuid top;
+        int topOffset = 0;
+        int scrollPosition = 0;
+    };
+
+    void keepPlace();
+    void returnToPlace();
+
+    NoteListModel *const m_model;
+    Place m_place;
+};

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include "ErrorBanner.h"
+
+#include "AccessibleRole.h"
+#include "Layouts.h"
+#include "Metrics.h"
+#include "PlainButton.h"
+#include "SymbolView.h"
+#include "TextLabel.h"
+#include "TintedFrame.h"
+
+#include <QAccessible>
+
+using namespace Qt::Literals::StringLiterals;
+
+ErrorBanner::ErrorBanner(QWidget *parent)
+    : QWidget(parent)
+    , m_message(new TextLabel(TextStyles::banner, this))
+    , m_retry(new PlainButton(TextStyles::bannerAction, {}, this))
+{
+    setObjectName(u"errorBanner"_s);
+    m_message->setObjectName(u"errorMessage"_s);
+    m_message->setWraps(true);
+    m_retry->setObjectName(u"retry"_s);
+    setAccessibleRole(this, QAccessible::AlertMessage);
+
+    auto *frame = new TintedFrame(Tone::failure, Metrics::bannerFill, Metrics::bannerRadius, this);
+    auto *symbol = new SymbolView(u"exclamationmark.triangle"_s, TextStyles::banner, frame);
+    row(frame,
+        {aligned(Qt::AlignTop, symbol), {m_message, Qt::AlignTop}, aligned(Qt::AlignTop, m_retry)},
+        {Metrics::bannerSpacing, Metrics::bannerPadding});
+    column(this, {frame}, {0, Metrics::bannerMargins});
+
+    connect(m_retry, &QAbstractButton::clicked, this, &ErrorBanner::retryRequested);
+    hide();
+}
+
+void ErrorBanner::setMessage(const QString &message)
+{
+    const bool isNews = !message.isEmpty() && (message != m_message->text() || isHidden());
+    m_message->setText(message);
+    setAccessibleName(message);
+    setHidden(message.isEmpty());
+    if (isNews) {
+        QAccessibleEvent announcement(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&announcement);
+    }
+}
+
+void ErrorBanner::setRetryText(const QString &text)
+{
+    m_retry->setText(text);
+}
+
+void ErrorBanner::setRetryEnabled(bool enabled)
+{
+    m_retry->setEnabled(enabled);
+}
