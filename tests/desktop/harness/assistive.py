@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """A program as a screen reader meets it (AT-SPI)."""
 
+import warnings
+
 import gi
 
 gi.require_version("Atspi", "2.0")
@@ -54,17 +56,22 @@ class Element:
 
     def text(self):
         """The content of a text."""
-        interface = self._accessible.get_text_iface()
-        return Atspi.Text.get_text(interface, 0, -1) if interface else self.name()
+        if "Text" not in self._accessible.get_interfaces():
+            return self.name()
+        return Atspi.Text.get_text(self._accessible, 0, -1)
 
     def actions(self):
-        interface = self._accessible.get_action_iface()
-        count = Atspi.Action.get_n_actions(interface) if interface else 0
-        return [Atspi.Action.get_action_name(interface, index) for index in range(count)]
+        if "Action" not in self._accessible.get_interfaces():
+            return []
+        count = Atspi.Action.get_n_actions(self._accessible)
+        with warnings.catch_warnings():
+            # Its replacement, get_name, is hidden by the object's own.
+            warnings.simplefilter("ignore", DeprecationWarning)
+            return [Atspi.Action.get_action_name(self._accessible, index)
+                    for index in range(count)]
 
     def perform(self, action):
-        interface = self._accessible.get_action_iface()
-        return Atspi.Action.do_action(interface, self.actions().index(action))
+        return Atspi.Action.do_action(self._accessible, self.actions().index(action))
 
     def children(self):
         count = self._accessible.get_child_count()

@@ -198,6 +198,15 @@ class Desktop:
         return subprocess.run(arguments, env=self.environment, check=True, text=True,
                               stdout=subprocess.PIPE, timeout=30).stdout
 
+    def switch_workspace(self, number):
+        """Shows the workspace with this number, counted from 0."""
+        if self.window_manager == "i3":
+            # i3 makes workspaces when they are first gone to, and only by its own command.
+            self.run(["i3-msg", "workspace", str(number + 1)])
+        else:
+            self.windows.switch_workspace(number)
+        until(lambda: self.windows.workspace() == number, f"workspace {number} is shown")
+
     def open_text_window(self, title="Another program", focused=True, **geometry):
         """Another program's window that takes text; focused when the call returns."""
         window = TextWindow(self.environment["DISPLAY"], title, **geometry)
@@ -208,6 +217,24 @@ class Desktop:
             until(lambda: self.windows.active() == window.id, f"“{title}” is active")
             until(lambda: self.windows.has_input(window.id), f"“{title}” has the keyboard")
         return window
+
+    def open_terminal(self, file):
+        """A terminal that shows a text file; its window's number, once it has the keyboard."""
+        before = set(self.windows.managed())
+        self.spawn(["xterm", "-geometry", "96x38+60+60", "-fa", "DejaVu Sans Mono", "-fs", "10",
+                    "-bg", "#fbfaf7", "-fg", "#33383d", "+sb", "-T", file.name,
+                    "-e", "sh", "-c", 'fold -s -w 94 "$0" | head -n 36; exec cat', str(file)])
+        def opened():
+            return set(self.windows.managed()) - before
+        number = until(opened, "the terminal is open").pop()
+        until(lambda: self.windows.has_input(number), "the terminal has the keyboard")
+        return number
+
+    def paint_wallpaper(self, colour):
+        root = self.display.screen().root
+        root.change_attributes(background_pixel=colour)
+        root.clear_area()
+        self.display.sync()
 
     def start_quillmark(self, program, home, *arguments, **variables):
         """Starts the program with data and settings below the home folder; does not wait."""

@@ -1,0 +1,151 @@
+# SPDX-License-Identifier: MIT
+"""A data folder that cannot be read is shown as such, and not one byte of it is changed."""
+
+import os
+import socket
+
+from harness import DesktopTest, main, until
+
+INVALID = "A Markdown file has invalid metadata. Original files were left untouched."
+RECOVERY = ("A recovery copy needs attention. "
+            "Original files were preserved in the data folder.")
+NAME = "11111111-2222-3333-4444-555555555555.md"
+
+
+class DamagedFolder(DesktopTest):
+    def setUp(self):
+        super().setUp()
+        self.data.create()
+        self.data.add_note("a good note", number=1)
+
+    def expect_protected(self, message=None):
+        """Starts, tries to write in every way, ends, and compares the folder."""
+        before = self.data.state()
+        quillmark = self.start()
+        quillmark.open_editor()
+        quillmark.element(name="Retry")
+        quillmark.element(name="Not saved · Retry")
+        texts = quillmark.texts()
+        if message is not None:
+            self.assertIn(message, texts)
+        self.assertFalse(quillmark.element("text", "Note text").has("editable"))
+        self.assertFalse(quillmark.element(name="Save this thought").has("enabled"))
+
+        self.keyboard.type("not to be written")
+        self.keyboard.press("ctrl+Return")
+        quillmark.element(name="Retry").perform("Press")
+        self.keyboard.press("Escape")
+        quillmark.launcher()
+        quillmark.stop()
+
+        self.assertEqual(quillmark.wait_until_ended(), 0)
+        self.assertEqual(self.data.state(), before)
+        return texts
+
+    def expect_file_named(self, name):
+        """The message says which file it is, so that a person can act on it."""
+        texts = self.expect_protected()
+        self.assertTrue(any(name in text for text in texts), f"{name} is not in {texts}")
+
+    def test_a_format_of_another_kind(self):
+        (self.data.markdown / ".format").write_bytes(b"Something else 1\n")
+        self.expect_protected(INVALID)
+
+    def test_a_format_of_a_later_time(self):
+        (self.data.markdown / ".format").write_bytes(b"Quillmark Markdown 2\n")
+        self.expect_protected(INVALID)
+
+    def test_a_format_that_is_missing(self):
+        (self.data.markdown / ".format").unlink()
+        self.expect_file_named(".format")
+
+    def test_a_note_without_a_header(self):
+        (self.data.notes / NAME).write_bytes(b"no header here\n")
+        self.expect_protected(INVALID)
+
+    def test_a_note_of_a_later_version(self):
+        file = self.data.add_note("later", number=2)
+        file.write_bytes(file.read_bytes().replace(b"quillmark: 1", b"quillmark: 2"))
+        self.expect_protected(INVALID)
+
+    def test_a_note_under_a_foreign_name(self):
+        self.data.add_note("moved", number=2).rename(self.data.notes / NAME)
+        self.expect_protected(INVALID)
+
+    def test_a_note_that_is_not_utf8(self):
+        file = self.data.add_note("bytes", number=2)
+        file.write_bytes(file.read_bytes() + b"\xff\xfe")
+        self.expect_file_named(file.name)
+
+    def test_a_draft_of_no_note(self):
+        (self.data.drafts / NAME).write_bytes(b"orphan")
+        self.expect_protected(INVALID)
+
+    def test_a_recovery_copy(self):
+        (self.data.path / ".quillmark-recovery-8A0C").mkdir()
+        self.expect_protected(RECOVERY)
+
+    def test_older_notes_of_a_later_version(self):
+        self.data.markdown.rename(self.data.path / "put aside")
+        (self.data.path / "notes.json").write_text(
+            '{"version": 2, "notes": [], "captureDraft": "", "editingDrafts": {}}')
+        self.expect_protected("Unsupported note version: 2. Original files were left untouched.")
+
+    def test_a_pipe_in_place_of_a_note(self):
+        os.mkfifo(self.data.notes / NAME)
+        self.expect_file_named(NAME)
+
+    def test_a_folder_in_place_of_a_note(self):
+        (self.data.notes / NAME).mkdir()
+        self.expect_file_named(NAME)
+
+    def test_a_link_in_place_of_a_note(self):
+        (self.data.notes / NAME).symlink_to("/etc/hostname")
+        self.expect_file_named(NAME)
+
+    def test_a_link_to_nothing_in_place_of_a_note(self):
+        (self.data.notes / NAME).symlink_to("nowhere")
+        self.expect_file_named(NAME)
+
+    def test_a_socket_in_place_of_a_note(self):
+        # The path of a socket may be no longer than 107 bytes, so it is made from inside.
+        with socket.socket(socket.AF_UNIX) as listener:
+            here = os.getcwd()
+            os.chdir(self.data.notes)
+            try:
+                listener.bind(NAME)
+            finally:
+                os.chdir(here)
+            self.expect_file_named(NAME)
+
+    def test_a_name_that_is_not_utf8(self):
+        with open(os.fsencode(self.data.notes) + b"/\xff\xfe.md", "wb") as file:
+            file.write(b"whose name is no text")
+        self.expect_protected()
+
+    def test_a_note_of_two_gigabytes(self):
+        with open(self.data.notes / NAME, "wb") as file:
+            file.truncate(2 << 30)
+        self.expect_file_named(NAME)
+
+    def test_a_change_by_another_program_stops_saving_and_keeps_the_text(self):
+        quillmark = self.start()
+        quillmark.open_editor()
+        self.keyboard.type("mine")
+        until(lambda: self.data.draft() == "mine", "the draft is on the disk")
+        self.data.add_note("theirs", number=2)
+        before = self.data.state()
+
+        self.keyboard.type(" and more")
+
+        quillmark.element(name="Notes changed outside Quillmark. Copy your pending text and "
+                               "reopen the app to reload the files.")
+        self.keyboard.press("Escape")
+        quillmark.element(name="Not saved · Retry")
+        self.assertIsNotNone(quillmark.shows_editor())
+        self.assertEqual(quillmark.element("text", "Note text").text(), "mine and more")
+        self.assertEqual(self.data.state(), before)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,175 @@
+# SPDX-License-Identifier: MIT
+"""How the program starts, with which arguments, and how it ends."""
+
+import os
+import subprocess
+
+from harness import DesktopTest, main, until
+from harness.input import Mouse
+from harness.translations import chinese
+from harness.waiting import holds_for
+
+
+class Starting(DesktopTest):
+    def quit_from_menu(self, quillmark):
+        self.mouse.click(quillmark.launcher().centre(), Mouse.RIGHT)
+        x, y, width, height = until(quillmark.popup, "the menu is open").rectangle()
+        self.mouse.click((x + width // 2, y + height * 3 // 4))
+
+    def brightness(self, window):
+        x, y, width, height = window.rectangle()
+        picture = self.desktop.picture(x, y, width, height)
+        points = [picture.colour(column, row) for row in range(40, height - 40, 20)
+                  for column in range(20, width - 20, 20)]
+        return sum(sum(point) for point in points) / (3 * len(points))
+
+    def test_nothing_is_written_before_there_is_something_to_write(self):
+        quillmark = self.start()
+
+        quillmark.launcher()
+
+        self.assertFalse(self.data.path.exists())
+
+    def test_show_editor_opens_the_editor_at_once(self):
+        quillmark = self.start("--show-editor")
+
+        quillmark.editor()
+
+        self.keyboard.type("at once")
+        until(lambda: self.data.draft() == "at once", "it gets the keys")
+
+    def test_interface_tests_see_and_leave_nothing(self):
+        self.data.create()
+        self.data.add_note("a real note")
+        self.write_settings({"ui.language": "zh-Hans", "ui.appearance": "dark",
+                             "launcher.x": 100, "launcher.y": 100})
+        before = self.data.state(), self.settings_file.read_bytes()
+
+        quillmark = self.start("--ui-testing")
+
+        self.assertEqual(quillmark.launcher().rectangle(), (1352, 44, 64, 64))
+        editor = quillmark.open_editor()
+        quillmark.element(name="0 notes")
+        self.assertGreater(self.brightness(editor), 128)
+        self.keyboard.type("only in memory")
+        self.keyboard.press("ctrl+Return")
+        quillmark.open_editor()
+        quillmark.element(name="1 note")
+        self.keyboard.press("Escape")
+        self.mouse.drag(quillmark.launcher().centre(), (500, 500))
+        until(lambda: quillmark.launcher().rectangle() == (468, 468, 64, 64), "it was dragged")
+        self.quit_from_menu(quillmark)
+        self.assertEqual(quillmark.wait_until_ended(), 0)
+        self.assertEqual((self.data.state(), self.settings_file.read_bytes()), before)
+
+    def test_interface_tests_choose_language_and_appearance(self):
+        quillmark = self.start("--ui-testing", "--language=zh-Hans", "--appearance=dark",
+                               "--show-editor")
+
+        editor = quillmark.editor()
+
+        quillmark.element(name=chinese("Save this thought"))
+        until(lambda: self.brightness(editor) < 100, "the editor is dark")
+
+    def test_language_and_appearance_are_not_chosen_otherwise(self):
+        quillmark = self.start("--language=zh-Hans", "--appearance=dark", "--show-editor")
+
+        editor = quillmark.editor()
+
+        quillmark.element(name="Save this thought")
+        self.assertGreater(self.brightness(editor), 128)
+
+    def test_stored_language_and_appearance_are_used(self):
+        self.write_settings({"ui.language": "zh-Hans", "ui.appearance": "dark"})
+
+        quillmark = self.start("--show-editor")
+
+        editor = quillmark.editor()
+        quillmark.element(name=chinese("Save this thought"))
+        until(lambda: self.brightness(editor) < 100, "the editor is dark")
+
+    def test_an_unknown_stored_language_follows_the_system(self):
+        self.write_settings({"ui.language": "fr"})
+
+        quillmark = self.start("--show-editor", LANGUAGE="zh_TW", LANG="zh_TW.UTF-8")
+
+        quillmark.editor()
+        quillmark.element(name=chinese("Save this thought"))
+
+    def test_the_host_of_previews_shows_and_writes_nothing(self):
+        quillmark = self.start("--show-editor", XCODE_RUNNING_FOR_PREVIEWS="1")
+        reference = self.start("--ui-testing", XCODE_RUNNING_FOR_PREVIEWS="0")
+
+        reference.launcher()
+
+        holds_for(0.5, lambda: not any(window.is_viewable() for window in quillmark.windows()),
+                  "it shows no window")
+        self.assertFalse(self.data.path.exists())
+        self.assertFalse(self.settings_file.exists())
+        quillmark.stop()
+        self.assertEqual(quillmark.wait_until_ended(), 0)
+
+    def test_a_second_start_opens_the_editor_of_the_first(self):
+        first = self.start()
+        first.launcher()
+
+        second = self.start()
+
+        self.assertEqual(second.wait_until_ended(), 0)
+        first.editor()
+        self.keyboard.type("one program")
+        until(lambda: self.data.draft() == "one program", "the editor gets the keys")
+        third = self.start()
+        self.assertEqual(third.wait_until_ended(), 0)
+        self.assertEqual(first.element("text", "Note text").text(), "one program")
+
+    def test_a_failed_write_at_the_end_asks_first(self):
+        quillmark = self.start("--show-editor")
+        quillmark.editor()
+        self.keyboard.type("first")
+        self.keyboard.press("Escape")
+        quillmark.launcher()
+        self.data.add_note("by another program")
+        before = self.data.state()
+
+        self.quit_from_menu(quillmark)
+        quillmark.element(name="Some changes could not be saved")
+        quillmark.element(name="Return to notes").perform("Press")
+        until(lambda: not quillmark.has_element(name="Return to notes"), "the question is gone")
+        self.assertTrue(quillmark.is_running())
+        self.quit_from_menu(quillmark)
+        quillmark.element(name="Quit anyway").perform("Press")
+
+        self.assertEqual(quillmark.wait_until_ended(), 0)
+        self.assertEqual(self.data.state(), before)
+
+    def test_without_a_display_it_says_so_and_ends(self):
+        for display in (None, ":4711"):
+            with self.subTest(display=display):
+                environment = self.desktop.environment_for(self.home)
+                environment.pop("DISPLAY")
+                if display:
+                    environment["DISPLAY"] = display
+
+                ended = subprocess.run([self.program], env=environment, text=True, timeout=20,
+                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+                self.assertEqual(ended.returncode, 1)
+                self.assertEqual(ended.stdout, "")
+                self.assertIn("display", ended.stderr)
+                self.assertEqual(len(ended.stderr.strip().splitlines()), 1, ended.stderr)
+                self.assertFalse(os.path.exists(self.data.path))
+
+    def test_it_runs_without_a_session_bus(self):
+        quillmark = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
+
+        quillmark.open_editor()
+        self.keyboard.type("alone")
+        self.keyboard.press("ctrl+Return")
+
+        quillmark.launcher()
+        self.assertEqual([note.body for note in self.data.read_notes()], ["alone"])
+
+
+if __name__ == "__main__":
+    main()
