@@ -1,1 +1,280 @@
 // SPDX-License-Identifier: MIT
+#include "NoteTextEditor.h"
+
+#include "AppPreferences.h"
+#include "Metrics.h"
+#include "SlimScrollBar.h"
+#include "TextStyle.h"
+#include "ThemedMenu.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QInputMethodEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QSignalBlocker>
+#include <QTextBlock>
+#include <QTextDocumentFragment>
+#include <QTextFrame>
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Insets and line distance. New blocks take them over from the block that they are split from, so
+/// that once is enough for whatever is typed, pasted or undone later.
+void setFormats(QTextDocument &document)
+{
+    QTextFrameFormat frame = document.rootFrame()->frameFormat();
+    frame.setTopMargin(Metrics::placeholderTop);
+    frame.setBottomMargin(Metrics::placeholderTop);
+    frame.setLeftMargin(Metrics::placeholderLeading);
+    frame.setRightMargin(Metrics::placeholderLeading);
+    document.rootFrame()->setFrameFormat(frame);
+
+    QTextBlockFormat lines;
+    lines.setLineHeight(Metrics::editorLineSpacing, QTextBlockFormat::LineDistanceHeight);
+    QTextCursor cursor(&document);
+    cursor.select(QTextCursor::Document);
+    cursor.mergeBlockFormat(lines);
+}
+
+/// Not an edit: leaves nothing to undo.
+void replaceText(QTextDocument &document, const QString &text)
+{
+    document.setUndoRedoEnabled(false);
+    QTextCursor cursor(&document);
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(text);
+    setFormats(document);
+    document.setUndoRedoEnabled(true);
+}
+
+/// The line end of a text in which all are alike; LF when there are none or several kinds.
+QString uniformLineEnd(QStringView text)
+{
+    const auto lineEndAt = [&](qsizetype at) -> QStringView {
+        const QChar c = text[at];
+        if (c == u'\r')
+            return text.mid(at, at + 1 < text.size() && text[at + 1] == u'\n' ? 2 : 1);
+        return c == u'\n' || c == QChar::ParagraphSeparator ? text.mid(at, 1) : QStringView();
+    };
+    QStringView first;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const QStringView found = lineEndAt(at);
+        if (found.isEmpty())
+            continue;
+        if (!first.isEmpty() && found != first)
+            return u"\n"_s;
+        first = found;
+        at += found.size() - 1;
+    }
+    return first.isEmpty() ? u"\n"_s : first.toString();
+}
+
+QString plainText(const QMimeData &data)
+{
+    if (data.hasText() || !data.hasHtml())
+        return data.text();
+    return QTextDocumentFragment::fromHtml(data.html()).toPlainText();
+}
+
+} // namespace
+
+NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString &placeholder,
+                               QWidget *parent)
+    : QTextEdit(parent)
+    , m_preferences(preferences)
+    , m_placeholderKey(placeholder)
+    , m_lineEnd(u"\n"_s)
+{
+    setObjectName(u"noteEditor"_s);
+    setAcceptRichText(false);
+    setTabChangesFocus(true);
+    setFrameStyle(QFrame::NoFrame);
+    viewport()->setAutoFillBackground(false);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // Always there, but drawn only when there is something to scroll: lines keep their width.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBar(new SlimScrollBar(this));
+
+    const QFont font = TextStyles::editor.font();
+    setFont(font);
+    setCursorWidth(Metrics::caretWidth);
+    setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
+    m_placeholder.setDefaultFont(font);
+    replaceText(*document(), {});
+
+    connect(this, &QTextEdit::textChanged, this, &NoteTextEditor::announceEdit);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteTextEditor::translate);
+    translate();
+}
+
+void NoteTextEditor::setNoteText(const QString &text)
+{
+    if (text == m_text)
+        return;
+    const QSignalBlocker notTheUser(this);
+    replaceText(*document(), text);
+    m_lineEnd = uniformLineEnd(text);
+    m_text = text;
+    m_readText = readDocument();
+    moveCursor(QTextCursor::End);
+    viewport()->update();
+}
+
+void NoteTextEditor::commitComposition()
+{
+    if (!isComposing())
+        return;
+    QGuiApplication::inputMethod()->commit();
+    if (!isComposing())
+        return;
+    // Not every input method answers at once. The text on screen is what the user means.
+    QInputMethodEvent event;
+    event.setCommitString(m_preedit);
+    QCoreApplication::sendEvent(this, &event);
+    QGuiApplication::inputMethod()->reset();
+}
+
+/// QTextDocument::toPlainText() would turn no-break spaces into spaces and U+2028 into LF.
+QString NoteTextEditor::readDocument() const
+{
+    QString text = document()->toRawText();
+    text.replace(QChar(QChar::ParagraphSeparator), m_lineEnd);
+    return text;
+}
+
+void NoteTextEditor::announceEdit()
+{
+    QString text = readDocument();
+    if (text == m_readText)
+        return;
+    m_readText = text;
+    m_text = text;
+    Q_EMIT textEdited(text);
+}
+
+bool NoteTextEditor::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && isComposing() &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
+        event->accept();
+        return true;
+    }
+    return QTextEdit::event(event);
+}
+
+void NoteTextEditor::showEvent(QShowEvent *event)
+{
+    QTextEdit::showEvent(event);
+    if (std::exchange(m_wasShown, true))
+        return;
+    setFocus(Qt::OtherFocusReason);
+    ensureCursorVisible();
+}
+
+void NoteTextEditor::keyPressEvent(QKeyEvent *event)
+{
+    if (isComposing() && event->key() == Qt::Key_Escape) {
+        event->accept();
+    } else if (event->matches(QKeySequence::InsertLineSeparator)) {
+        // Shift+Return is a plain new line: U+2028 means nothing in a Markdown file.
+        QKeyEvent plain(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s);
+        QTextEdit::keyPressEvent(&plain);
+        event->accept();
+    } else {
+        QTextEdit::keyPressEvent(event);
+    }
+}
+
+void NoteTextEditor::inputMethodEvent(QInputMethodEvent *event)
+{
+    // First, so that whoever hears of committed text finds the composition over.
+    m_preedit = event->preeditString();
+    QTextEdit::inputMethodEvent(event);
+    viewport()->update();
+}
+
+bool NoteTextEditor::showsPlaceholder() const
+{
+    return document()->isEmpty() && !isComposing();
+}
+
+void NoteTextEditor::paintEvent(QPaintEvent *event)
+{
+    if (showsPlaceholder())
+        paintPlaceholder();
+    QTextEdit::paintEvent(event);
+}
+
+void NoteTextEditor::paintPlaceholder()
+{
+    QPainter painter(viewport());
+    QAbstractTextDocumentLayout::PaintContext context;
+    context.palette.setColor(QPalette::Text,
+                             NoteTheme::color(palette(), TextStyles::editorPlaceholder.tone));
+    m_placeholder.setTextWidth(viewport()->width());
+    m_placeholder.documentLayout()->draw(&painter, context);
+}
+
+void NoteTextEditor::translate()
+{
+    const QString placeholder = m_preferences.text(m_placeholderKey);
+    setAccessibleName(m_preferences.text(u"Note text"_s));
+    setAccessibleDescription(placeholder);
+    replaceText(m_placeholder, placeholder);
+    viewport()->update();
+}
+
+void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
+{
+    auto *menu = new ThemedMenu(this);
+    menu->setObjectName(u"noteEditorMenu"_s);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const auto add = [&](const QString &key, QKeySequence::StandardKey shortcut, bool isPossible,
+                         void (QTextEdit::*perform)()) {
+        const QString shown = QKeySequence(shortcut).toString(QKeySequence::NativeText);
+        QAction *action = menu->addAction(m_preferences.text(key) + u'\t' + shown);
+        action->setEnabled(isPossible);
+        connect(action, &QAction::triggered, this, perform);
+    };
+    const bool hasSelection = textCursor().hasSelection();
+    add(u"Undo"_s, QKeySequence::Undo, document()->isUndoAvailable(), &QTextEdit::undo);
+    add(u"Redo"_s, QKeySequence::Redo, document()->isRedoAvailable(), &QTextEdit::redo);
+    menu->addSeparator();
+    add(u"Cut"_s, QKeySequence::Cut, hasSelection, &QTextEdit::cut);
+    add(u"Copy"_s, QKeySequence::Copy, hasSelection, &QTextEdit::copy);
+    add(u"Paste"_s, QKeySequence::Paste, canPaste(), &QTextEdit::paste);
+    menu->addSeparator();
+    add(u"Select all"_s, QKeySequence::SelectAll, !document()->isEmpty(), &QTextEdit::selectAll);
+
+    const bool isByKeyboard = event->reason() == QContextMenuEvent::Keyboard;
+    menu->popup(isByKeyboard ? viewport()->mapToGlobal(cursorRect().bottomLeft())
+                             : event->globalPos());
+    event->accept();
+}
+
+QMimeData *NoteTextEditor::createMimeDataFromSelection() const
+{
+    QString text = textCursor().selectedText();
+    text.replace(QChar(QChar::ParagraphSeparator), u'\n');
+    auto *copied = new QMimeData;
+    copied->setText(text);
+    return copied;
+}
+
+bool NoteTextEditor::canInsertFromMimeData(const QMimeData *source) const
+{
+    return source->hasText() || source->hasHtml();
+}
+
+void NoteTextEditor::insertFromMimeData(const QMimeData *source)
+{
+    textCursor().insertText(plainText(*source));
+    ensureCursorVisible();
+}
