@@ -1,1 +1,83 @@
 // SPDX-License-Identifier: MIT
+#include "FileError.h"
+
+#include <QLatin1StringView>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Every sentence names the file first and then says what to do. Each is a translation key.
+QString sentence(FileError::Reason reason)
+{
+    switch (reason) {
+    case FileError::Reason::system:
+        break;
+    case FileError::Reason::notUtf8:
+        return u"“%@” is not UTF-8 text. Convert it or move it away, then reopen the app."_s;
+    case FileError::Reason::notRegularFile:
+        return u"“%@” is not an ordinary file. Move it away, then reopen the app."_s;
+    case FileError::Reason::notFolder:
+        return u"“%@” is not a folder of its own. Move it away, then reopen the app."_s;
+    case FileError::Reason::mountPoint:
+        return u"“%@” belongs to another disk. Unmount it, then try again."_s;
+    case FileError::Reason::tooLarge:
+        return u"“%@” is too large for a note. Shorten it or move it away, then try again."_s;
+    case FileError::Reason::notUnicode:
+        return u"“%@” was not written: its text holds a broken character. Remove it, then try again."_s;
+    }
+    return {};
+}
+
+/// Empty for an errno that has no sentence of its own.
+QString sentence(int systemError)
+{
+    switch (systemError) {
+    case ENOSPC:
+        return u"“%@” was not written: the disk is full. Free some space, then try again."_s;
+    case EDQUOT:
+        return u"“%@” was not written: your disk quota is used up. Delete other files, then try again."_s;
+    case EACCES:
+    case EPERM:
+        return u"“%@” may not be used. Check its permissions and its owner, then try again."_s;
+    case EROFS:
+        return u"“%@” is on a read-only disk. Make the disk writable, then try again."_s;
+    case EMFILE:
+    case ENFILE:
+        return u"“%@” was not opened: too many files are open. Close some programs, then try again."_s;
+    case ENOENT:
+        return u"“%@” is missing. Put it back, then reopen the app."_s;
+    case EIO:
+        return u"“%@” could not be used: the disk reports an error. Check the disk, then try again."_s;
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+FileError::FileError(std::filesystem::path path, int systemError)
+    : m_path(std::move(path))
+    , m_systemError(systemError)
+{
+}
+
+FileError::FileError(std::filesystem::path path, Reason reason)
+    : m_path(std::move(path))
+    , m_reason(reason)
+{
+}
+
+Message FileError::message() const
+{
+    const QString file = QString::fromUtf8(m_path.native());
+    if (m_reason != Reason::system)
+        return {sentence(m_reason), {file}};
+    if (const QString known = sentence(m_systemError); !known.isEmpty())
+        return {known, {file}};
+    return {u"“%@” could not be used: %@. Mend that, then try again."_s,
+            {file, QString::fromLocal8Bit(std::strerror(m_systemError))}};
+}

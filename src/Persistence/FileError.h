@@ -6,11 +6,18 @@
 #include <filesystem>
 
 /// A failure that the platform reported for one file or folder.
-class FileError final : public StorageError
-{
+class FileError final : public StorageError {
 public:
     /// What went wrong where errno does not say it.
-    enum class Reason { system, notUtf8, notRegularFile, tooLarge };
+    enum class Reason {
+        system,         ///< systemError() says it.
+        notUtf8,        ///< The file's bytes are not UTF-8.
+        notRegularFile, ///< A folder, link, pipe, socket or device stands where a file must be.
+        notFolder,      ///< A link or a file stands where a folder must be.
+        mountPoint,     ///< Another file system is mounted inside the notes.
+        tooLarge,       ///< More bytes than a file may have.
+        notUnicode,     ///< The text to be written holds half a surrogate pair.
+    };
 
     FileError(std::filesystem::path path, int systemError);
     FileError(std::filesystem::path path, Reason reason);

@@ -4,8 +4,7 @@
 #include "StorageError.h"
 
 /// The older notes file is not what it must be: not JSON, a missing key, or a wrong value.
-class JsonError final : public StorageError
-{
+class JsonError final : public StorageError {
 public:
     /// What is wrong and where, in English, for example "notes[3].id is not an identifier".
     explicit JsonError(QString detail);

@@ -1,1 +1,125 @@
 // SPDX-License-Identifier: MIT
+#include "LocalNoteRepository.h"
+
+#include "LegacySnapshot.h"
+#include "MarkdownTransaction.h"
+#include "RepositoryError.h"
+#include "SavePlan.h"
+#include "SnapshotReader.h"
+
+#include <QDir>
+#include <QFile>
+#include <cstdlib>
+
+namespace {
+
+/// The older file holds all notes at once.
+constexpr std::size_t largestLegacyFile = 4 * NoteFolder::largestFile;
+
+std::filesystem::path userDataFolder()
+{
+    // By the XDG rules a relative path is no path at all.
+    const char *given = std::getenv("XDG_DATA_HOME");
+    if (given && std::filesystem::path(given).is_absolute())
+        return given;
+    return std::filesystem::path(QFile::encodeName(QDir::homePath()).toStdString()) /
+           ".local/share";
+}
+
+} // namespace
+
+LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL)
+    : m_fileURL(std::filesystem::absolute(fileURL).lexically_normal())
+{
+}
+
+std::filesystem::path LocalNoteRepository::defaultFileURL()
+{
+    return userDataFolder() / "Penwick" / "notes.json";
+}
+
+std::optional<QUrl> LocalNoteRepository::notesFolderURL() const
+{
+    const std::filesystem::path folder = collectionURL() / NoteFolder::sectionName(Section::notes);
+    return QUrl::fromLocalFile(QFile::decodeName(folder.c_str()));
+}
+
+NoteSnapshot LocalNoteRepository::load()
+{
+    MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
+    NoteSnapshot snapshot;
+    if (const auto folder = NoteFolder::openIfExists(m_fileURL.parent_path())) {
+        SnapshotReader reader(collectionURL());
+        reader.read(*folder);
+        snapshot = reader.takeSnapshot();
+        m_state = reader.takeState();
+    } else if (std::optional<NoteSnapshot> legacy = readLegacySnapshot()) {
+        write(*legacy);
+        snapshot = std::move(*legacy);
+    } else {
+        m_state.reset();
+    }
+    m_isLoaded = true;
+    return snapshot;
+}
+
+void LocalNoteRepository::save(const NoteSnapshot &snapshot)
+{
+    if (snapshot.version != NoteSnapshot::currentVersion)
+        throw RepositoryError::unsupportedVersion(snapshot.version);
+    if (!m_isLoaded)
+        static_cast<void>(load());
+    write(snapshot);
+}
+
+std::optional<NoteSnapshot> LocalNoteRepository::readLegacySnapshot() const
+{
+    const auto folder = Directory::openIfExists(m_fileURL.parent_path());
+    if (!folder || !folder->status(m_fileURL.filename().c_str()))
+        return std::nullopt;
+    std::string bytes;
+    folder->readFile(m_fileURL.filename().c_str(), largestLegacyFile, bytes);
+    return decodeLegacySnapshot(
+        QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
+}
+
+void LocalNoteRepository::write(const NoteSnapshot &snapshot)
+{
+    SavePlan plan(snapshot, m_state ? &*m_state : nullptr, collectionURL());
+    if (m_state && plan.isEmpty()) {
+        // The folder that the exchange would put in place is the one that is there.
+        MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
+        refuseExternalChange();
+        return;
+    }
+    MarkdownTransaction::replace(
+        collectionURL(), [&](const std::filesystem::path &stage) { plan.apply(stage); },
+        [this] { refuseExternalChange(); },
+        [&](const std::filesystem::path &displaced) { plan.checkReplaced(displaced); });
+    m_state = plan.takeState();
+}
+
+void LocalNoteRepository::refuseExternalChange() const
+{
+    const std::optional<Sha256::Digest> known =
+        m_state ? std::optional(m_state->fingerprint) : std::nullopt;
+    if (fingerprint() != known)
+        throw RepositoryError::externalChange();
+}
+
+std::optional<Sha256::Digest> LocalNoteRepository::fingerprint() const
+{
+    const std::optional<NoteFolder> folder = NoteFolder::openIfExists(m_fileURL.parent_path());
+    if (!folder)
+        return std::nullopt;
+    FolderFingerprint sum(collectionURL());
+    folder->visit([&](Section section, std::string_view name, std::string_view bytes) {
+        sum.add(section, name, bytes);
+    });
+    return sum.finish();
+}
+
+std::filesystem::path LocalNoteRepository::collectionURL() const
+{
+    return m_fileURL.parent_path() / NoteFolder::folderName;
+}

@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "NoteFolder.h"
 #include "NoteRepository.h"
 
-#include <QByteArray>
 #include <filesystem>
 #include <optional>
 
 /// The notes as a folder of Markdown files; docs/FORMAT.md describes it whole.
 ///
-/// Refuses to overwrite what another program changed since the last load or save.
-class LocalNoteRepository final : public NoteRepository
-{
+/// Lives on one thread. Refuses to overwrite what another program changed since the last load or
+/// save, and goes on refusing until load() is called again.
+class LocalNoteRepository final : public NoteRepository {
 public:
     /// The folder that holds the file is the data folder. Touches no file.
-    explicit LocalNoteRepository(std::filesystem::path fileURL = defaultFileURL());
+    explicit LocalNoteRepository(const std::filesystem::path &fileURL = defaultFileURL());
 
-    /// "Penwick/notes.json" in the user's data folder (XDG_DATA_HOME).
+    /// "Penwick/notes.json" in the user's data folder (XDG_DATA_HOME, when it is absolute).
     [[nodiscard]] static std::filesystem::path defaultFileURL();
 
     [[nodiscard]] std::optional<QUrl> notesFolderURL() const override;
@@ -24,4 +24,17 @@ public:
     /// Reads the Markdown folder, or migrates the older JSON file, or finds nothing.
     [[nodiscard]] NoteSnapshot load() override;
     void save(const NoteSnapshot &snapshot) override;
+
+private:
+    [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot() const;
+    void write(const NoteSnapshot &snapshot);
+    void refuseExternalChange() const;
+    [[nodiscard]] std::optional<Sha256::Digest> fingerprint() const;
+    [[nodiscard]] std::filesystem::path collectionURL() const;
+
+    const std::filesystem::path m_fileURL;
+    bool m_isLoaded = false;
+
+    /// Absent while there is no Markdown folder.
+    std::optional<FolderState> m_state;
 };

@@ -4,6 +4,7 @@
 #include "Note.h"
 
 #include <QString>
+#include <QStringView>
 
 /// The format of one note file, and its only definition. Every line ends with a single LF:
 ///
@@ -17,11 +18,15 @@
 ///
 /// The header's keys may come in any order, unknown keys are ignored, none may come twice.
 /// The first line that is exactly "---" ends the header; the body may hold more of them.
+///
+/// A text is read as user-perceived characters. CR LF is one of them and not a line end here, and
+/// a colon with a combining mark on it is no colon.
 namespace NoteMarkdownCodec {
 
+/// Times need a text form (Timestamp::hasTextForm()).
 [[nodiscard]] QString encode(const Note &note);
 
 /// Throws RepositoryError::invalidMarkdown for everything that deviates from the format.
-[[nodiscard]] Note decode(const QString &text);
+[[nodiscard]] Note decode(QStringView text);
 
 } // namespace NoteMarkdownCodec

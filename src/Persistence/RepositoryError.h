@@ -4,8 +4,7 @@
 #include "StorageError.h"
 
 /// Why the notes folder was refused. Whatever the kind, the files on disk were not touched.
-class RepositoryError final : public StorageError
-{
+class RepositoryError final : public StorageError {
 public:
     enum class Kind { unsupportedVersion, invalidMarkdown, externalChange, recoveryRequired };
 
@@ -27,7 +26,11 @@ public:
     }
 
 private:
-    RepositoryError(Kind kind, qint64 version) noexcept : m_kind(kind), m_version(version) {}
+    RepositoryError(Kind kind, qint64 version) noexcept
+        : m_kind(kind)
+        , m_version(version)
+    {
+    }
 
     Kind m_kind;
     qint64 m_version;

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Descriptor.h"
+#include "DirectoryListing.h"
+#include "FileError.h"
+
+#include <dirent.h>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+
+/// An open folder. Everything in it is reached by name from the open folder itself, so what it is
+/// called, and what else takes its place on the disk meanwhile, does not matter.
+///
+/// No call follows a symbolic link: neither to read, nor to write, nor to descend. What is made is
+/// for the user alone (folders 0700, files 0600). Calls throw a FileError that names the entry.
+class Directory {
+public:
+    /// Opens a folder by its path. Here alone links count: the user may keep the folder elsewhere.
+    [[nodiscard]] static Directory open(const std::filesystem::path &path);
+    [[nodiscard]] static std::optional<Directory> openIfExists(const std::filesystem::path &path);
+
+    /// Opens a folder and makes it first where it is missing, with the folders above it. What was
+    /// made is on the disk.
+    [[nodiscard]] static Directory openOrMake(const std::filesystem::path &path);
+
+    /// Where the folder was found. Only errors show it.
+    [[nodiscard]] const std::filesystem::path &path() const noexcept { return m_path; }
+    void showAs(std::filesystem::path path) { m_path = std::move(path); }
+
+    [[nodiscard]] DirectoryListing list() const;
+
+    /// Nothing, with errno set, when the folder cannot be read.
+    [[nodiscard]] std::optional<DirectoryListing> tryList() const;
+
+    /// Nothing when there is no such entry.
+    [[nodiscard]] std::optional<struct stat> status(const char *name) const;
+    [[nodiscard]] struct stat ownStatus() const;
+
+    [[nodiscard]] Directory openFolder(const char *name) const;
+    [[nodiscard]] Directory makeFolder(const char *name) const;
+    [[nodiscard]] Directory openOrMakeFolder(const char *name) const;
+
+    /// Reads a whole regular file; anything else is refused at once, without waiting on it.
+    void readFile(const char *name, std::size_t limit, std::string &bytes) const;
+
+    /// Writes a new file under the name. What the name stood for before is only unlinked: its
+    /// content stays as it is under its other names.
+    void replaceFile(const char *name, std::string_view bytes) const;
+
+    /// False, with errno set, when the file system refuses the link.
+    [[nodiscard]] bool tryLink(const char *name, const Directory &into) const noexcept;
+
+    /// Copies a regular file's content, permissions and modification time.
+    void copyFile(const char *name, const Directory &into) const;
+    void copySymbolicLink(const char *name, const Directory &into) const;
+
+    void remove(const char *name) const;
+    [[nodiscard]] bool tryRemove(const char *name, DirectoryListing::Kind kind) const noexcept;
+
+    void rename(const char *from, const char *to) const;
+
+    /// Renames within the folder, with the flags of renameat2. False, with errno set, on failure.
+    [[nodiscard]] bool tryRename(const char *from, const char *to,
+                                 unsigned flags = 0) const noexcept;
+
+    /// Puts the folder's own entries on the disk; not the content of its files.
+    void sync() const;
+    [[nodiscard]] bool trySync() const noexcept;
+    void syncFile(const char *name) const;
+
+    /// Puts everything on the disk that was written to the whole file system.
+    void syncFileSystem() const;
+
+    /// True when another file system, or another part of this one, is mounted here.
+    [[nodiscard]] bool isMountPoint() const;
+
+    void setMode(mode_t mode) const;
+    [[nodiscard]] bool trySetMode(mode_t mode) const noexcept;
+
+    /// What errno says about an entry, ready to be thrown.
+    [[nodiscard]] FileError error(const char *name) const;
+    [[nodiscard]] FileError error(const char *name, FileError::Reason reason) const;
+
+    /// Like openFolder(), but nothing where that would throw.
+    [[nodiscard]] std::optional<Directory> tryOpenFolder(const char *name) const;
+
+private:
+    Directory(Descriptor descriptor, std::filesystem::path path)
+        : m_descriptor(std::move(descriptor))
+        , m_path(std::move(path))
+    {
+    }
+
+    [[nodiscard]] DirectoryListing::Kind kind(const dirent64 &entry) const noexcept;
+    [[nodiscard]] bool statusOf(const char *name, struct stat &found) const noexcept;
+    [[nodiscard]] Descriptor openEntry(const char *name, int flags) const noexcept;
+    [[nodiscard]] Descriptor openRegularFile(const char *name, struct stat &status) const;
+    [[nodiscard]] Descriptor makeFile(const char *name) const;
+
+    Descriptor m_descriptor;
+    std::filesystem::path m_path;
+};

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "NoteFolder.h"
+
+std::optional<NoteFolder> NoteFolder::openIfExists(const std::filesystem::path &data)
+{
+    const std::optional<Directory> parent = Directory::openIfExists(data);
+    if (!parent || !parent->status(folderName))
+        return std::nullopt;
+    return NoteFolder(parent->openFolder(folderName));
+}
+
+const char *NoteFolder::sectionName(Section section) noexcept
+{
+    switch (section) {
+    case Section::marker:
+        return "";
+    case Section::notes:
+        return "Notes";
+    case Section::drafts:
+        return "Drafts";
+    }
+    Q_UNREACHABLE();
+}
+
+void NoteFolder::visit(const Visitor &visitor) const
+{
+    std::string bytes;
+    m_directory.readFile(markerName, largestFile, bytes);
+    visitor(Section::marker, markerName, bytes);
+    for (const Section section : {Section::notes, Section::drafts}) {
+        const Directory folder = m_directory.openFolder(sectionName(section));
+        DirectoryListing files = markdownFiles(folder);
+        files.sort();
+        for (const DirectoryListing::Entry &file : files.entries()) {
+            folder.readFile(files.name(file), largestFile, bytes);
+            visitor(section, files.name(file), bytes);
+        }
+    }
+}
+
+DirectoryListing NoteFolder::markdownFiles(const Directory &section)
+{
+    DirectoryListing listing = section.list();
+    listing.keepIf([&](const DirectoryListing::Entry &entry) {
+        if (!isMarkdownName(listing.name(entry)))
+            return false;
+        if (entry.kind != DirectoryListing::Kind::file)
+            throw section.error(listing.name(entry), FileError::Reason::notRegularFile);
+        return true;
+    });
+    return listing;
+}
+
+FolderFingerprint::FolderFingerprint(const std::filesystem::path &folder)
+    : m_prefixes{folder / "", folder / "Notes" / "", folder / "Drafts" / ""}
+{
+}
+
+void FolderFingerprint::add(Section section, std::string_view name, std::string_view bytes)
+{
+    m_sha256.add(m_prefixes[static_cast<std::size_t>(section)]);
+    m_sha256.add(name);
+    m_sha256.add(bytes);
+}

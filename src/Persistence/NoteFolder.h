@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Directory.h"
+#include "NoteFile.h"
+
+#include <functional>
+
+/// The Markdown folder on the disk, open for reading.
+class NoteFolder {
+public:
+    static constexpr const char *folderName = "Markdown";
+    static constexpr const char *markerName = ".format";
+    static constexpr std::string_view marker = "Quillmark Markdown 1\n";
+    static constexpr std::string_view captureName = "capture.md";
+    static constexpr std::string_view captureStem = "capture";
+
+    /// A larger file is refused, when it is read and when it would be written.
+    static constexpr std::size_t largestFile = 64 * 1024 * 1024;
+
+    /// Nothing when the data folder or its Markdown folder does not exist.
+    [[nodiscard]] static std::optional<NoteFolder> openIfExists(const std::filesystem::path &data);
+
+    explicit NoteFolder(Directory directory)
+        : m_directory(std::move(directory))
+    {
+    }
+
+    [[nodiscard]] static const char *sectionName(Section section) noexcept;
+
+    using Visitor =
+        std::function<void(Section section, std::string_view name, std::string_view bytes)>;
+
+    /// Reads the marker, then each Markdown file of "Notes", then of "Drafts", by ascending name:
+    /// each once, and each in whole before the next. Both views live as long as one visit.
+    void visit(const Visitor &visitor) const;
+
+    /// The Markdown files of one section, as listed. Throws when one is not a regular file.
+    [[nodiscard]] static DirectoryListing markdownFiles(const Directory &section);
+
+private:
+    Directory m_directory;
+};
+
+/// The SHA-256 over the full path and the content of every file that NoteFolder::visit() names, in
+/// its order. Tells whether the folder is still what it was.
+class FolderFingerprint {
+public:
+    explicit FolderFingerprint(const std::filesystem::path &folder);
+
+    void add(Section section, std::string_view name, std::string_view bytes);
+    [[nodiscard]] Sha256::Digest finish() { return m_sha256.finish(); }
+
+private:
+    std::array<std::string, 3> m_prefixes;
+    Sha256 m_sha256;
+};
+
+/// What a repository remembers of the folder as it last read or wrote it.
+struct FolderState {
+    Sha256::Digest fingerprint;
+
+    /// Ordered by their places.
+    std::vector<NoteFile> files;
+};

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Note.h"
+#include "NoteFolder.h"
+#include "Utf8.h"
+
+#include <QSet>
+
+/// Builds the snapshot that a Markdown folder holds, and what is to be remembered of its files.
+///
+/// Throws RepositoryError::invalidMarkdown and FileErrors; the first file that is wrong ends the
+/// whole reading.
+class SnapshotReader {
+public:
+    /// The path names the folder in the fingerprint and in errors.
+    explicit SnapshotReader(std::filesystem::path path);
+
+    /// May be called once.
+    void read(const NoteFolder &folder);
+
+    [[nodiscard]] NoteSnapshot takeSnapshot() { return std::move(m_snapshot); }
+    [[nodiscard]] FolderState takeState() { return std::move(m_state); }
+
+private:
+    void readFile(Section section, std::string_view name, std::string_view bytes);
+    void readNote(std::string_view name, QStringView text);
+    void readDraft(std::string_view name, QStringView text);
+
+    const std::filesystem::path m_path;
+    NoteSnapshot m_snapshot;
+    FolderState m_state;
+    QSet<QUuid> m_ids;
+    FolderFingerprint m_fingerprint;
+    Sha256 m_sha256;
+    Utf8Decoder m_decoder;
+};
