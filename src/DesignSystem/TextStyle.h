@@ -59,8 +59,10 @@ inline constexpr TextStyle emptyHeading{15};
 inline constexpr TextStyle emptyHint{11, QFont::Normal, Tone::secondary};
 
 // Controls.
+inline constexpr TextStyle environment{13};
 inline constexpr TextStyle primaryButton{13, QFont::DemiBold, Tone::onAccent};
 inline constexpr TextStyle quietIcon{13, QFont::Medium, Tone::secondary};
+inline constexpr TextStyle preferencesIcon{13, QFont::Normal, Tone::secondary};
 inline constexpr TextStyle copyIcon{12, QFont::Medium, Tone::secondary};
 inline constexpr TextStyle launcherPlus{23, QFont::Light};
 

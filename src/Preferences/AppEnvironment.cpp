@@ -1,1 +1,70 @@
 // SPDX-License-Identifier: MIT
+#include "AppEnvironment.h"
+
+#include "AppPreferences.h"
+#include "NoteTheme.h"
+#include "TextStyle.h"
+
+#include <QToolTip>
+#include <QVBoxLayout>
+
+AppEnvironment::AppEnvironment(AppPreferences &preferences, SystemAppearance &system,
+                               QWidget *parent)
+    : ViewEnvironment(parent)
+    , m_preferences(preferences)
+    , m_system(system)
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    setFont(TextStyles::environment.font());
+
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &AppEnvironment::announce);
+    connect(&m_preferences, &AppPreferences::appearanceChanged, this, &AppEnvironment::announce);
+    connect(&m_system, &SystemAppearance::changed, this, &AppEnvironment::announce);
+
+    apply();
+}
+
+void AppEnvironment::setContent(QWidget *content)
+{
+    if (m_content) {
+        m_content->hide();
+        layout()->removeWidget(m_content);
+        m_content->deleteLater();
+    }
+    m_content = content;
+    if (m_content)
+        layout()->addWidget(m_content);
+}
+
+ColorScheme AppEnvironment::colorScheme() const
+{
+    return ::colorScheme(m_preferences.appearance()).value_or(m_system.colorScheme());
+}
+
+bool AppEnvironment::reduceMotion() const
+{
+    return m_system.reduceMotion();
+}
+
+bool AppEnvironment::reduceTransparency() const
+{
+    return m_system.reduceTransparency();
+}
+
+void AppEnvironment::apply()
+{
+    const QPalette palette = NoteTheme::palette(colorScheme());
+    setLocale(m_preferences.locale());
+    setPalette(palette);
+    // Tooltips are windows of their own, with one palette for the whole program.
+    QToolTip::setPalette(palette);
+    // Surfaces also look at what no palette carries.
+    update();
+}
+
+void AppEnvironment::announce()
+{
+    apply();
+    Q_EMIT changed();
+}

@@ -5,25 +5,32 @@
 
 class AppPreferences;
 
-/// Hands the preferences to a view tree: locale and palette through Qt, the preferences object
-/// through preferences(). A change of language or appearance reaches open views at once.
-class AppEnvironment final : public ViewEnvironment
-{
+/// Hands the preferences to a view tree: locale, palette and font through Qt, the preferences
+/// object through preferences(). A change of language or appearance, by the user or by the system,
+/// reaches open views at once; they keep what they show.
+class AppEnvironment final : public ViewEnvironment {
     Q_OBJECT
 
 public:
-    AppEnvironment(AppPreferences &preferences, SystemAppearance &system, QWidget *parent = nullptr);
+    AppEnvironment(AppPreferences &preferences, SystemAppearance &system,
+                   QWidget *parent = nullptr);
 
-    /// Fills the environment with the view, in place of an earlier one, which is deleted.
+    /// Fills the environment with the view, in place of an earlier one, which is deleted as soon
+    /// as its own code has returned.
     void setContent(QWidget *content);
 
     [[nodiscard]] AppPreferences &preferences() const noexcept { return m_preferences; }
 
+    /// The user's choice, or the system's where the user leaves it to the system.
     [[nodiscard]] ColorScheme colorScheme() const override;
     [[nodiscard]] bool reduceMotion() const override;
     [[nodiscard]] bool reduceTransparency() const override;
 
 private:
+    void apply();
+    void announce();
+
     AppPreferences &m_preferences;
     SystemAppearance &m_system;
+    QWidget *m_content = nullptr;
 };
