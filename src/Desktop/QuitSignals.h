@@ -3,11 +3,13 @@
 
 #include <QObject>
 
-/// SIGTERM, SIGINT and SIGHUP as a Qt signal. They cannot be asked to wait for a question.
+/// SIGTERM, SIGINT and SIGHUP as a Qt signal. Whoever sends them does not wait for an answer to a
+/// question.
 ///
-/// Blocks them for the whole process: construct it before any thread is started.
-class QuitSignals final : public QObject
-{
+/// From its construction on they no longer end the process: construct it before anything starts a
+/// thread, since only later threads inherit that, and so before the application object. Signals
+/// that arrive before the event loop runs are kept for it.
+class QuitSignals final : public QObject {
     Q_OBJECT
 
 public:
@@ -16,4 +18,10 @@ public:
 
 Q_SIGNALS:
     void quitRequested();
+
+private:
+    void listen();
+    void readSignal();
+
+    int m_descriptor = -1;
 };

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include "ApplicationAdaptor.h"
+
+#include "SingleInstance.h"
+
+ApplicationAdaptor::ApplicationAdaptor(SingleInstance &instance)
+    : QDBusAbstractAdaptor(&instance)
+    , m_instance(instance)
+{
+}
+
+void ApplicationAdaptor::Activate(const QVariantMap & /*startupData*/)
+{
+    Q_EMIT m_instance.activated();
+}
+
+void ApplicationAdaptor::Open(const QStringList & /*files*/, const QVariantMap & /*startupData*/)
+{
+    Q_EMIT m_instance.activated();
+}
+
+void ApplicationAdaptor::ActivateAction(const QString & /*action*/,
+                                        const QVariantList & /*parameters*/,
+                                        const QVariantMap & /*startupData*/)
+{
+    Q_EMIT m_instance.activated();
+}

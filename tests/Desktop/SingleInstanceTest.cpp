@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "SingleInstance.h"
+
+#include "PrivateBus.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QMutex>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Stands for the program that was started first. Lives on a thread of its own, since a second
+/// start waits until it has answered.
+class FirstInstance : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    [[nodiscard]] QList<QVariantMap> activations() const
+    {
+        const QMutexLocker lock(&m_mutex);
+        return m_activations;
+    }
+
+public Q_SLOTS:
+    void Activate(const QVariantMap &startupData)
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_activations << startupData;
+    }
+
+private:
+    mutable QMutex m_mutex;
+    QList<QVariantMap> m_activations;
+};
+
+class SingleInstanceTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void ownsTheNameWhenItIsTheOnlyOne();
+    void isActivatedByEveryCallOfTheInterface_data();
+    void isActivatedByEveryCallOfTheInterface();
+    void asksTheFirstInstanceWithTheStartupData();
+    void runsAloneWithoutABus();
+
+private:
+    PrivateBus m_bus;
+};
+
+namespace {
+
+const QString busName = QLatin1StringView(SingleInstance::busName);
+const QString objectPath = QLatin1StringView(SingleInstance::objectPath);
+
+QDBusMessage call(const QString &method)
+{
+    return QDBusMessage::createMethodCall(busName, objectPath, u"org.freedesktop.Application"_s,
+                                          method);
+}
+
+} // namespace
+
+void SingleInstanceTest::initTestCase()
+{
+    if (qEnvironmentVariableIsSet("QUILLMARK_TEST_WITHOUT_BUS"))
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    else
+        QVERIFY(m_bus.isRunning());
+}
+
+void SingleInstanceTest::ownsTheNameWhenItIsTheOnlyOne()
+{
+    SingleInstance instance;
+
+    QVERIFY(instance.claim());
+
+    const QDBusConnection session = QDBusConnection::sessionBus();
+    QCOMPARE(session.interface()->serviceOwner(busName).value(), session.baseService());
+    QVERIFY(session.interface()->unregisterService(busName).isValid());
+}
+
+void SingleInstanceTest::isActivatedByEveryCallOfTheInterface_data()
+{
+    QTest::addColumn<QDBusMessage>("message");
+
+    QTest::newRow("Activate") << (call(u"Activate"_s) << QVariantMap());
+    QTest::newRow("Open") << (call(u"Open"_s) << QStringList{u"file:///tmp"_s} << QVariantMap());
+    QTest::newRow("ActivateAction")
+        << (call(u"ActivateAction"_s) << u"new-note"_s << QVariantList() << QVariantMap());
+}
+
+void SingleInstanceTest::isActivatedByEveryCallOfTheInterface()
+{
+    QFETCH(const QDBusMessage, message);
+    SingleInstance instance;
+    QVERIFY(instance.claim());
+    QSignalSpy activated(&instance, &SingleInstance::activated);
+    const QDBusConnection desktop = m_bus.connectAs(u"desktop"_s);
+
+    const QDBusPendingCall answer = desktop.asyncCall(message);
+
+    QVERIFY(activated.wait());
+    QCOMPARE(activated.count(), 1);
+    QTRY_VERIFY(answer.isFinished());
+    QVERIFY2(!answer.isError(), qUtf8Printable(answer.error().message()));
+    QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
+}
+
+void SingleInstanceTest::asksTheFirstInstanceWithTheStartupData()
+{
+    QThread thread;
+    FirstInstance first;
+    first.moveToThread(&thread);
+    thread.start();
+    QDBusConnection other = m_bus.connectAs(u"first"_s);
+    QVERIFY(other.registerObject(objectPath, &first, QDBusConnection::ExportAllSlots));
+    QVERIFY(other.registerService(busName));
+    qputenv("DESKTOP_STARTUP_ID", "start_TIME17");
+    qputenv("XDG_ACTIVATION_TOKEN", "token");
+    SingleInstance second;
+    qunsetenv("DESKTOP_STARTUP_ID");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+
+    const bool isTheOne = second.claim();
+
+    QVERIFY(!isTheOne);
+    QCOMPARE(first.activations(), QList<QVariantMap>({{{u"desktop-startup-id"_s, u"start_TIME17"_s},
+                                                       {u"activation-token"_s, u"token"_s}}}));
+    other.unregisterService(busName);
+    thread.quit();
+    thread.wait();
+}
+
+void SingleInstanceTest::runsAloneWithoutABus()
+{
+    // The connection to the bus is made once in a process, so this needs one of its own.
+    if (qEnvironmentVariableIsSet("QUILLMARK_TEST_WITHOUT_BUS")) {
+        QVERIFY(SingleInstance().claim());
+        QVERIFY(!QDBusConnection::sessionBus().isConnected());
+        return;
+    }
+    QProcess alone;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"QUILLMARK_TEST_WITHOUT_BUS"_s, u"1"_s);
+    alone.setProcessEnvironment(environment);
+    alone.start(QCoreApplication::applicationFilePath(), {u"runsAloneWithoutABus"_s});
+
+    QVERIFY(alone.waitForFinished());
+    QCOMPARE(alone.exitStatus(), QProcess::NormalExit);
+    QVERIFY2(alone.exitCode() == 0, alone.readAllStandardOutput().constData());
+}
+
+QTEST_GUILESS_MAIN(SingleInstanceTest)
+#include "SingleInstanceTest.moc"
