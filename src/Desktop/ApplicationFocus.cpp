@@ -28,15 +28,13 @@ bool exists(X11Session &session, xcb_window_t window)
 std::optional<RunningApplication> X11ApplicationFocus::frontmost() const
 {
     X11Session *const session = X11Session::current();
-    if (!session) {
+    if (!session)
         return std::nullopt;
-    }
     xcb_window_t window = XCB_WINDOW_NONE;
     const auto request = xcb_ewmh_get_active_window(&session->ewmh(), 0);
     if (!xcb_ewmh_get_active_window_reply(&session->ewmh(), request, &window, nullptr) ||
-        window == XCB_WINDOW_NONE) {
+        window == XCB_WINDOW_NONE)
         return std::nullopt;
-    }
     return RunningApplication{window, processId(*session, window)};
 }
 
@@ -46,9 +44,8 @@ void X11ApplicationFocus::activate(const RunningApplication &application)
     // The server gives the numbers of closed windows to new ones: another process may have it now.
     if (!session || application.window == XCB_WINDOW_NONE ||
         !exists(*session, application.window) ||
-        processId(*session, application.window) != application.processId) {
+        processId(*session, application.window) != application.processId)
         return;
-    }
     xcb_ewmh_request_change_active_window(&session->ewmh(), 0, application.window,
                                           XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER, session->userTime(),
                                           XCB_WINDOW_NONE);

@@ -26,9 +26,8 @@ CompositorWatch::CompositorWatch(QObject *parent)
     : QObject(parent)
 {
     const X11Session *const session = X11Session::current();
-    if (!session) {
+    if (!session)
         return;
-    }
     m_isComposited = hasOwner(*session, session->compositorSelection());
 
     // Qt has agreed on a version of the extension with the server already.
@@ -46,18 +45,16 @@ CompositorWatch::CompositorWatch(QObject *parent)
 
 CompositorWatch::~CompositorWatch()
 {
-    if (qGuiApp) {
+    if (qGuiApp)
         qGuiApp->removeNativeEventFilter(this);
-    }
 }
 
 bool CompositorWatch::nativeEventFilter(const QByteArray & /*eventType*/, void *message,
                                         qintptr * /*result*/)
 {
     const auto *const event = static_cast<xcb_generic_event_t *>(message);
-    if ((event->response_type & eventTypeMask) != m_selectionEvent) {
+    if ((event->response_type & eventTypeMask) != m_selectionEvent)
         return false;
-    }
     const auto *const selection =
         reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event);
     if (const X11Session *const session = X11Session::current();

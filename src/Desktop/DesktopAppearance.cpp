@@ -93,9 +93,10 @@ void DesktopAppearance::takeSetting(const QString &group, const QString &key,
 void DesktopAppearance::askPortal()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
+    if (!bus.isConnected())
         return;
-    }
+    // A slot is connected by the names of its types, which must be known by then.
+    qRegisterMetaType<QDBusVariant>();
     bus.connect(portalService, portalPath, portalInterface, u"SettingChanged"_s, this,
                 SLOT(takeSetting(QString, QString, QDBusVariant)));
 
@@ -106,9 +107,8 @@ void DesktopAppearance::askPortal()
     auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
-        if (answer->isError()) {
+        if (answer->isError())
             return;
-        }
         const auto groups =
             qdbus_cast<SettingGroups>(answer->reply().arguments().value(0).value<QDBusArgument>());
         Values now = values();
@@ -116,9 +116,8 @@ void DesktopAppearance::askPortal()
         for (const QString &group :
              {QString(kde), QString(gnomeAccess), QString(gnome), QString(common)}) {
             const QVariantMap settings = groups.value(group);
-            for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting) {
+            for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
                 now = applying(now, group, setting.key(), setting.value());
-            }
         }
         setValues(now);
     });

@@ -12,9 +12,8 @@ constexpr uint8_t eventTypeMask = 0x7f;
 
 bool tellsOfOtherWindows(X11Session &session, const xcb_generic_event_t &event)
 {
-    if ((event.response_type & eventTypeMask) != XCB_PROPERTY_NOTIFY) {
+    if ((event.response_type & eventTypeMask) != XCB_PROPERTY_NOTIFY)
         return false;
-    }
     const auto &change = reinterpret_cast<const xcb_property_notify_event_t &>(event);
     return change.window == session.root() &&
            (change.atom == session.ewmh()._NET_ACTIVE_WINDOW ||
@@ -27,16 +26,14 @@ KeepOnTop::KeepOnTop(QWidget &window)
     : QObject(&window)
     , m_window(window)
 {
-    if (X11Session::current()) {
+    if (X11Session::current())
         qApp->installNativeEventFilter(this);
-    }
 }
 
 KeepOnTop::~KeepOnTop()
 {
-    if (qApp) {
+    if (qApp)
         qApp->removeNativeEventFilter(this);
-    }
 }
 
 bool KeepOnTop::nativeEventFilter(const QByteArray & /*eventType*/, void *message,
@@ -45,8 +42,7 @@ bool KeepOnTop::nativeEventFilter(const QByteArray & /*eventType*/, void *messag
     X11Session *const session = X11Session::current();
     // A menu or tooltip of the program itself lies above the window and stays there.
     if (session && m_window.isVisible() && !QApplication::activePopupWidget() &&
-        tellsOfOtherWindows(*session, *static_cast<xcb_generic_event_t *>(message))) {
+        tellsOfOtherWindows(*session, *static_cast<xcb_generic_event_t *>(message)))
         m_window.raise();
-    }
     return false;
 }

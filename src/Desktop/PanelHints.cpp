@@ -43,9 +43,8 @@ std::optional<QPoint> actualPosition(const X11Session &session, xcb_window_t win
     const auto request =
         xcb_translate_coordinates(session.connection(), window, session.root(), 0, 0);
     auto *const reply = xcb_translate_coordinates_reply(session.connection(), request, nullptr);
-    if (!reply) {
+    if (!reply)
         return std::nullopt;
-    }
     const QPoint position(reply->dst_x, reply->dst_y);
     std::free(reply);
     return position;
@@ -66,9 +65,8 @@ std::vector<xcb_rectangle_t> opaqueRuns(const QImage &rendering)
     for (int y = 0; y < rendering.height(); ++y) {
         int start = 0;
         for (int x = 0; x <= rendering.width(); ++x) {
-            if (x < rendering.width() && qAlpha(rendering.pixel(x, y)) >= leastAlpha) {
+            if (x < rendering.width() && qAlpha(rendering.pixel(x, y)) >= leastAlpha)
                 continue;
-            }
             if (x > start) {
                 runs.push_back({static_cast<int16_t>(start), static_cast<int16_t>(y),
                                 static_cast<uint16_t>(x - start), 1});
@@ -147,18 +145,16 @@ void PanelHints::correctPosition(QWidget &panel)
         const xcb_window_t window = X11Session::window(panel);
         const QPoint wanted = nativePosition(panel);
         const std::optional<QPoint> actual = actualPosition(*session, window);
-        if (actual && *actual != wanted) {
+        if (actual && *actual != wanted)
             moveTo(*session, window, wanted);
-        }
     }
 }
 
 void PanelHints::cutOut(QWidget &panel, const QImage &rendering)
 {
     const X11Session *const session = X11Session::current();
-    if (!session) {
+    if (!session)
         return;
-    }
     const xcb_window_t window = X11Session::window(panel);
     if (rendering.isNull()) {
         xcb_shape_mask(session->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0,

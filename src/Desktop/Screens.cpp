@@ -23,9 +23,8 @@ DesktopScreens::DesktopScreens(QObject *parent)
         connect(screen, &QScreen::availableGeometryChanged, this, &DesktopScreens::announce);
     };
     const QList<QScreen *> screens = QGuiApplication::screens();
-    for (const QScreen *screen : screens) {
+    for (const QScreen *screen : screens)
         follow(screen);
-    }
     connect(qGuiApp, &QGuiApplication::screenAdded, this, [this, follow](const QScreen *screen) {
         follow(screen);
         announce();
@@ -47,9 +46,8 @@ QList<Screen> DesktopScreens::all() const
 std::optional<Screen> DesktopScreens::main() const
 {
     const QScreen *const primary = QGuiApplication::primaryScreen();
-    if (!primary) {
+    if (!primary)
         return std::nullopt;
-    }
     return Screen{fromQt(primary->geometry()), fromQt(primary->availableGeometry())};
 }
 

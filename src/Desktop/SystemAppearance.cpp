@@ -8,9 +8,8 @@ SystemAppearance::SystemAppearance(QObject *parent)
 
 void SystemAppearance::setValues(const Values &values)
 {
-    if (values == m_values) {
+    if (values == m_values)
         return;
-    }
     m_values = values;
     Q_EMIT changed();
 }

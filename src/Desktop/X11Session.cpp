@@ -18,12 +18,14 @@ constexpr int screenNumber = 0;
 X11Session *X11Session::current()
 {
     static QPointer<X11Session> session;
-    if (!session && qGuiApp) {
-        if (const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
-            session = new X11Session(x11->connection());
-            session->setParent(qGuiApp);
-            qGuiApp->installEventFilter(session);
-        }
+    if (session || !qGuiApp)
+        return session;
+    // The offscreen platform offers the interface too, without a connection behind it.
+    const auto *const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (x11 && x11->connection()) {
+        session = new X11Session(x11->connection());
+        session->setParent(qGuiApp);
+        qGuiApp->installEventFilter(session);
     }
     return session;
 }
@@ -50,9 +52,8 @@ xcb_atom_t X11Session::compositorSelection() const noexcept
 
 xcb_timestamp_t X11Session::userTime() const
 {
-    if (!m_sinceLastInput.isValid() || !m_sinceLastInput.hasExpired(answerTime)) {
+    if (!m_sinceLastInput.isValid() || !m_sinceLastInput.hasExpired(answerTime))
         return m_lastInput;
-    }
     // Asked for from outside, such as by a second start: the server's clock runs in milliseconds,
     // so it shows at least this much by now.
     return m_lastInput + static_cast<xcb_timestamp_t>(m_sinceLastInput.elapsed());

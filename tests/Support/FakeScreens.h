@@ -6,8 +6,6 @@
 /// Screens that a test puts together. The first one is the main one; Qt's coordinates hang from
 /// its top, as on a real display.
 class FakeScreens final : public Screens {
-    Q_OBJECT
-
 public:
     using Screens::Screens;
 

@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+#include "DesktopAppearance.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusVariant>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+using SettingGroups = QMap<QString, QVariantMap>;
+Q_DECLARE_METATYPE(SettingGroups)
+
+namespace {
+
+const QString common = u"org.freedesktop.appearance"_s;
+const QString gnome = u"org.gnome.desktop.interface"_s;
+const QString kde = u"org.kde.kdeglobals.KDE"_s;
+
+constexpr uint noPreference = 0;
+constexpr uint dark = 1;
+constexpr uint light = 2;
+
+/// A bus of the test's own.
+class SessionBus final {
+public:
+    SessionBus()
+    {
+        m_daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
+        if (m_daemon.waitForStarted() && m_daemon.waitForReadyRead())
+            m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+    }
+    ~SessionBus()
+    {
+        m_daemon.kill();
+        m_daemon.waitForFinished();
+    }
+
+    [[nodiscard]] QString address() const { return m_address; }
+
+private:
+    QProcess m_daemon;
+    QString m_address;
+};
+
+/// The settings portal, with the settings of a test.
+class FakePortal final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    explicit FakePortal(const QString &address)
+        : m_bus(QDBusConnection::connectToBus(address, u"portal"_s))
+    {
+        m_bus.registerObject(u"/org/freedesktop/portal/desktop"_s, this,
+                             QDBusConnection::ExportAllSlots);
+    }
+    ~FakePortal() override
+    {
+        m_bus = QDBusConnection(QString());
+        QDBusConnection::disconnectFromBus(u"portal"_s);
+    }
+
+    [[nodiscard]] bool start()
+    {
+        return m_bus.registerService(u"org.freedesktop.portal.Desktop"_s);
+    }
+
+    [[nodiscard]] bool announce(const QString &group, const QString &key, const QVariant &value)
+    {
+        QDBusMessage signal =
+            QDBusMessage::createSignal(u"/org/freedesktop/portal/desktop"_s,
+                                       u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+        signal << group << key << QVariant::fromValue(QDBusVariant(value));
+        return m_bus.send(signal);
+    }
+
+    SettingGroups settings;
+    /// Keeps every question without an answer.
+    bool isSilent = false;
+
+public Q_SLOTS:
+    SettingGroups ReadAll(const QStringList & /*groups*/)
+    {
+        if (isSilent)
+            setDelayedReply(true);
+        return settings;
+    }
+
+private:
+    QDBusConnection m_bus;
+};
+
+} // namespace
+
+class DesktopAppearanceTest final : public QObject {
+    Q_OBJECT
+
+public:
+    [[nodiscard]] QString busAddress() const { return m_bus.address(); }
+
+private Q_SLOTS:
+    void hasPlainValuesWhereNothingIsSet();
+    void readsDarkFromTheCommonSettings();
+    void readsReducedMotionFromEachDesktop();
+    void readsHighContrastAndMakesSurfacesOpaque();
+    void ignoresSettingsItDoesNotKnow();
+    void makesSurfacesOpaqueWithoutACompositingManager();
+    void announcesOnlyWhatDiffers();
+
+    void staysPlainWithoutAPortal();
+    void asksThePortalAndFollowsIt();
+    void prefersTheCommonSettingsToThoseOfADesktop();
+    void doesNotWaitForAPortalThatIsSilent();
+
+private:
+    SessionBus m_bus;
+};
+
+void DesktopAppearanceTest::hasPlainValuesWhereNothingIsSet()
+{
+    const SystemAppearance appearance;
+
+    QCOMPARE(appearance.colorScheme(), ColorScheme::light);
+    QVERIFY(!appearance.reduceMotion());
+    QVERIFY(!appearance.reduceTransparency());
+    QVERIFY(appearance.isComposited());
+}
+
+void DesktopAppearanceTest::readsDarkFromTheCommonSettings()
+{
+    const auto scheme = [](uint value) {
+        return DesktopAppearance::applying({}, common, u"color-scheme"_s, value).colorScheme;
+    };
+
+    QCOMPARE(scheme(dark), ColorScheme::dark);
+    QCOMPARE(scheme(light), ColorScheme::light);
+    QCOMPARE(scheme(noPreference), ColorScheme::light);
+}
+
+void DesktopAppearanceTest::readsReducedMotionFromEachDesktop()
+{
+    const auto reduced = [](const QString &group, const QString &key, const QVariant &value) {
+        return DesktopAppearance::applying({}, group, key, value).reduceMotion;
+    };
+
+    QVERIFY(reduced(common, u"reduced-motion"_s, 1U));
+    QVERIFY(!reduced(common, u"reduced-motion"_s, 0U));
+    QVERIFY(reduced(gnome, u"enable-animations"_s, false));
+    QVERIFY(!reduced(gnome, u"enable-animations"_s, true));
+    QVERIFY(reduced(kde, u"AnimationDurationFactor"_s, u"0"_s));
+    QVERIFY(!reduced(kde, u"AnimationDurationFactor"_s, u"0.5"_s));
+    QVERIFY(!reduced(kde, u"AnimationDurationFactor"_s, u"fast"_s));
+}
+
+void DesktopAppearanceTest::readsHighContrastAndMakesSurfacesOpaque()
+{
+    SystemAppearance appearance;
+
+    appearance.setValues(DesktopAppearance::applying({}, common, u"contrast"_s, 1U));
+    QVERIFY(appearance.reduceTransparency());
+
+    appearance.setValues(DesktopAppearance::applying({}, u"org.gnome.desktop.a11y.interface"_s,
+                                                     u"high-contrast"_s, true));
+    QVERIFY(appearance.reduceTransparency());
+
+    appearance.setValues({});
+    QVERIFY(!appearance.reduceTransparency());
+}
+
+void DesktopAppearanceTest::ignoresSettingsItDoesNotKnow()
+{
+    const SystemAppearance::Values before{ColorScheme::dark, true, true, false};
+
+    QCOMPARE(DesktopAppearance::applying(before, common, u"accent-color"_s, 1U), before);
+    QCOMPARE(DesktopAppearance::applying(before, gnome, u"color-scheme"_s, u"light"_s), before);
+}
+
+void DesktopAppearanceTest::makesSurfacesOpaqueWithoutACompositingManager()
+{
+    SystemAppearance appearance;
+    appearance.setValues({.isComposited = false});
+
+    QVERIFY(appearance.reduceTransparency());
+}
+
+void DesktopAppearanceTest::announcesOnlyWhatDiffers()
+{
+    SystemAppearance appearance;
+    const QSignalSpy changed(&appearance, &SystemAppearance::changed);
+
+    appearance.setValues({});
+    QCOMPARE(changed.size(), 0);
+
+    appearance.setValues({.reduceMotion = true});
+    QCOMPARE(changed.size(), 1);
+}
+
+void DesktopAppearanceTest::staysPlainWithoutAPortal()
+{
+    FakePortal portal(m_bus.address());
+    portal.settings[common][u"color-scheme"_s] = dark;
+    DesktopAppearance appearance;
+    const QSignalSpy changed(&appearance, &SystemAppearance::changed);
+
+    // The bus answers in the order it is asked: by then it has answered the appearance too.
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    QVERIFY(bus.isConnected());
+    const QDBusMessage question =
+        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                       u"org.freedesktop.DBus"_s, u"GetId"_s);
+    QCOMPARE(bus.call(question, QDBus::BlockWithGui).type(), QDBusMessage::ReplyMessage);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(changed.size(), 0);
+    QCOMPARE(appearance.values(), SystemAppearance::Values{});
+}
+
+void DesktopAppearanceTest::asksThePortalAndFollowsIt()
+{
+    FakePortal portal(m_bus.address());
+    portal.settings[common][u"color-scheme"_s] = dark;
+    portal.settings[gnome][u"enable-animations"_s] = false;
+    QVERIFY(portal.start());
+
+    DesktopAppearance appearance;
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
+    QVERIFY(appearance.reduceMotion());
+
+    QVERIFY(portal.announce(common, u"color-scheme"_s, light));
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+    QVERIFY(appearance.reduceMotion());
+}
+
+void DesktopAppearanceTest::prefersTheCommonSettingsToThoseOfADesktop()
+{
+    FakePortal portal(m_bus.address());
+    portal.settings[common][u"color-scheme"_s] = dark;
+    portal.settings[common][u"reduced-motion"_s] = 1U;
+    portal.settings[gnome][u"enable-animations"_s] = true;
+    QVERIFY(portal.start());
+
+    DesktopAppearance appearance;
+
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
+    QVERIFY(appearance.reduceMotion());
+}
+
+void DesktopAppearanceTest::doesNotWaitForAPortalThatIsSilent()
+{
+    FakePortal portal(m_bus.address());
+    portal.isSilent = true;
+    QVERIFY(portal.start());
+
+    DesktopAppearance appearance;
+    QCOMPARE(appearance.values(), SystemAppearance::Values{});
+
+    QVERIFY(portal.announce(common, u"contrast"_s, 1U));
+    QTRY_VERIFY(appearance.reduceTransparency());
+}
+
+int main(int argc, char *argv[])
+{
+    if (QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty()) {
+        qCritical("dbus-daemon is needed for this test");
+        return 1;
+    }
+    qDBusRegisterMetaType<SettingGroups>();
+    DesktopAppearanceTest test;
+    qputenv("DBUS_SESSION_BUS_ADDRESS", test.busAddress().toUtf8());
+    const QGuiApplication application(argc, argv);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "DesktopAppearanceTest.moc"
