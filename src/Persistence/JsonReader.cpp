@@ -13,8 +13,8 @@ namespace {
 /// Deep enough for any file that a person or a program means, and safe for the stack.
 constexpr int largestDepth = 500;
 
-/// Up to here a double holds every integer.
-constexpr double largestExact = 9007199254740992.0;
+/// Below this a double that is an integer was written as that integer.
+constexpr double firstInexact = 9007199254740992.0;
 
 bool isDigit(char16_t c)
 {
@@ -139,7 +139,7 @@ qint64 JsonReader::readInteger()
     if (const qint64 integer = text.toLongLong(&isRead); isRead)
         return integer;
     const double number = text.toDouble(&isRead);
-    if (!isRead || std::abs(number) > largestExact || number != std::trunc(number))
+    if (!isRead || std::abs(number) >= firstInexact || number != std::trunc(number))
         fail(u"is not an integer of 64 bits"_s);
     return static_cast<qint64>(number);
 }

@@ -24,7 +24,7 @@ public:
     [[nodiscard]] QString readString();
     [[nodiscard]] double readNumber();
 
-    /// Also reads 1.0 and 1e2, up to what a double holds exactly.
+    /// Also reads 1.0 and 1e2, as far as a double is exact.
     [[nodiscard]] qint64 readInteger();
 
     void skipValue();
