@@ -4,31 +4,23 @@
 #include "FocusRing.h"
 #include "Metrics.h"
 #include "Symbol.h"
-#include "TextStyle.h"
+#include "TextLine.h"
 
 #include <QPainter>
 #include <QStyle>
 
-namespace {
-
-constexpr TextStyle labelStyle = TextStyles::primaryButton;
-
-} // namespace
-
 NotePrimaryButton::NotePrimaryButton(const QString &symbol, QWidget *parent)
-    : ThemedButton(parent)
+    : ThemedButton(TextStyles::primaryButton, parent)
     , m_symbol(symbol)
 {
-    setFont(labelStyle.font());
 }
 
 QSize NotePrimaryButton::sizeHint() const
 {
-    const QFontMetrics metrics = fontMetrics();
-    const int symbolWidth =
-        m_symbol.isEmpty() ? 0
-                           : Metrics::primaryButtonSpacing + Symbol::extent(labelStyle.pixelSize);
-    const QSize label(metrics.horizontalAdvance(text()) + symbolWidth, metrics.height());
+    QSize label = TextLine::size(fontMetrics(), text());
+    if (!m_symbol.isEmpty())
+        label.rwidth() +=
+            Metrics::primaryButtonSpacing + Symbol::size(textStyle().pixelSize).width();
     return label.grownBy(Metrics::primaryButtonPadding);
 }
 
@@ -61,18 +53,20 @@ void NotePrimaryButton::drawCapsule(QPainter &painter) const
     painter.setBrush(capsule);
     painter.drawRoundedRect(rect(), radius, radius);
 
-    const QColor white = NoteTheme::color(palette(), labelStyle.tone);
-    const QRect label = rect().marginsRemoved(Metrics::primaryButtonPadding);
+    const QColor white = NoteTheme::color(palette(), textStyle().tone);
+    QRect label = rect().marginsRemoved(Metrics::primaryButtonPadding);
+    if (!m_symbol.isEmpty()) {
+        const int symbolWidth = Symbol::size(textStyle().pixelSize).width();
+        const QRect place(label.right() + 1 - symbolWidth, 0, symbolWidth, height());
+        Symbol::paint(painter, QStyle::visualRect(layoutDirection(), rect(), place), m_symbol,
+                      textStyle().pixelSize, white, textStyle().weight);
+        label.setRight(place.left() - 1 - Metrics::primaryButtonSpacing);
+    }
     painter.setFont(font());
     painter.setPen(white);
-    painter.drawText(label, Qt::AlignLeading | Qt::AlignVCenter, text());
-    if (!m_symbol.isEmpty()) {
-        const int extent = Symbol::extent(labelStyle.pixelSize);
-        QRect place(0, 0, extent, height());
-        place.moveRight(label.right());
-        Symbol::paint(painter, QStyle::visualRect(layoutDirection(), rect(), place), m_symbol,
-                      labelStyle.pixelSize, white, labelStyle.weight);
-    }
-    FocusRing::paint(painter, this, QRectF(rect()).marginsRemoved(QMarginsF(2, 2, 2, 2)),
-                     radius - 2, white);
+    TextLine::paint(painter, QStyle::visualRect(layoutDirection(), rect(), label), text());
+
+    constexpr int inset = Metrics::focusRingInset;
+    FocusRing::paint(painter, this, rect().adjusted(inset, inset, -inset, -inset), radius - inset,
+                     white);
 }

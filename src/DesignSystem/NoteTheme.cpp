@@ -40,6 +40,22 @@ Colors colors(ColorScheme scheme)
             .raised = QColor(233, 228, 221)};
 }
 
+/// The common fonts of that script, of those that are installed.
+const QStringList &simplifiedChineseFamilies()
+{
+    static const QStringList families = [] {
+        QStringList installed;
+        for (const QString &family :
+             {u"Noto Sans CJK SC"_s, u"Noto Sans SC"_s, u"Source Han Sans SC"_s,
+              u"Source Han Sans CN"_s, u"WenQuanYi Micro Hei"_s, u"WenQuanYi Zen Hei"_s}) {
+            if (QFontDatabase::hasFamily(family))
+                installed.append(family);
+        }
+        return installed;
+    }();
+    return families;
+}
+
 } // namespace
 
 const QColor &NoteTheme::accent()
@@ -123,9 +139,11 @@ QColor NoteTheme::failure(const QPalette &palette)
     return color(palette, Tone::failure);
 }
 
-QFont NoteTheme::font(int pixelSize, QFont::Weight weight)
+QFont NoteTheme::font(int pixelSize, QFont::Weight weight, const QLocale &locale)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    if (locale.language() == QLocale::Chinese)
+        font.setFamilies(font.families() + simplifiedChineseFamilies());
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
     return font;

@@ -3,6 +3,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QLocale>
 #include <QPalette>
 
 enum class ColorScheme;
@@ -42,8 +43,11 @@ namespace NoteTheme {
 /// The red of failures; readable as text on the surface.
 [[nodiscard]] QColor failure(const QPalette &palette);
 
-/// The system's interface font at a pixel size.
-[[nodiscard]] QFont font(int pixelSize, QFont::Weight weight = QFont::Normal);
+/// The system's interface font at a pixel size. Chinese characters that it lacks are drawn as they
+/// are written in the locale: on a system that does not speak Chinese the first font at hand would
+/// often give them their Japanese form.
+[[nodiscard]] QFont font(int pixelSize, QFont::Weight weight = QFont::Normal,
+                         const QLocale &locale = {});
 
 /// The serif design of the product title.
 [[nodiscard]] QFont serifFont(int pixelSize, QFont::Weight weight = QFont::Normal);

@@ -4,16 +4,15 @@
 #include "FocusRing.h"
 #include "Metrics.h"
 #include "Symbol.h"
+#include "TextLine.h"
 
 #include <QPainter>
 #include <QStyle>
 
 PlainButton::PlainButton(const TextStyle &style, const QString &symbol, QWidget *parent)
-    : ThemedButton(parent)
-    , m_style(style)
+    : ThemedButton(style, parent)
     , m_symbol(symbol)
 {
-    setFont(style.font());
 }
 
 PlainButton *PlainButton::makeTab(QWidget *parent)
@@ -27,13 +26,12 @@ PlainButton *PlainButton::makeTab(QWidget *parent)
 
 QSize PlainButton::sizeHint() const
 {
-    const QFontMetrics metrics = fontMetrics();
-    QSize label(metrics.horizontalAdvance(text()), metrics.height());
+    QSize label = TextLine::size(fontMetrics(), text());
     if (!m_symbol.isEmpty()) {
-        const int extent = Symbol::extent(m_style.pixelSize);
+        const QSize symbol = Symbol::size(textStyle().pixelSize);
         const int between = text().isEmpty() ? 0 : Metrics::plainButtonSpacing;
-        label.rwidth() += extent + between;
-        label.setHeight(std::max(label.height(), extent));
+        label.rwidth() += symbol.width() + between;
+        label.setHeight(std::max(label.height(), symbol.height()));
     }
     return label.grownBy(m_padding);
 }
@@ -49,20 +47,19 @@ void PlainButton::paintEvent(QPaintEvent *)
         painter.drawRoundedRect(rect(), radius, radius);
     }
 
-    const Tone tone = isCheckable() && !isChecked() ? Tone::secondary : m_style.tone;
+    const Tone tone = isCheckable() && !isChecked() ? Tone::secondary : textStyle().tone;
     const QColor color = NoteTheme::color(palette(), tone);
     painter.setOpacity(isEnabled() ? 1 : Metrics::disabledOpacity);
     QRect label = rect().marginsRemoved(m_padding);
     if (!m_symbol.isEmpty()) {
-        const int extent = Symbol::extent(m_style.pixelSize);
-        const QRect place(label.left(), 0, extent, height());
+        const int symbolWidth = Symbol::size(textStyle().pixelSize).width();
+        const QRect place(label.left(), 0, symbolWidth, height());
         Symbol::paint(painter, QStyle::visualRect(layoutDirection(), rect(), place), m_symbol,
-                      m_style.pixelSize, color, m_style.weight);
-        label.setLeft(label.left() + extent + Metrics::plainButtonSpacing);
+                      textStyle().pixelSize, color, textStyle().weight);
+        label.setLeft(label.left() + symbolWidth + Metrics::plainButtonSpacing);
     }
     painter.setFont(font());
     painter.setPen(color);
-    painter.drawText(QStyle::visualRect(layoutDirection(), rect(), label),
-                     Qt::AlignLeading | Qt::AlignVCenter, text());
+    TextLine::paint(painter, QStyle::visualRect(layoutDirection(), rect(), label), text());
     FocusRing::paint(painter, this, rect(), std::min(radius, Metrics::focusRingRadius));
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "TextStyle.h"
 #include "ThemedButton.h"
 
 #include <QMargins>
@@ -24,7 +23,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    TextStyle m_style;
     QString m_symbol;
     QMargins m_padding;
 };

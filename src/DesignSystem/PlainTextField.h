@@ -12,4 +12,10 @@ class PlainTextField final : public QLineEdit {
 
 public:
     explicit PlainTextField(const TextStyle &style, QWidget *parent = nullptr);
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    TextStyle m_style;
 };

@@ -4,7 +4,6 @@
 #include "FocusRing.h"
 #include "Metrics.h"
 #include "Symbol.h"
-#include "TextStyle.h"
 
 #include <QPainter>
 
@@ -14,9 +13,8 @@ QuietIconButton::QuietIconButton(const QString &symbol, QWidget *parent)
 }
 
 QuietIconButton::QuietIconButton(const QString &symbol, int pixelSize, QWidget *parent)
-    : ThemedButton(parent)
+    : ThemedButton({pixelSize, TextStyles::quietIcon.weight, TextStyles::quietIcon.tone}, parent)
     , m_symbol(symbol)
-    , m_pixelSize(pixelSize)
 {
 }
 
@@ -43,8 +41,7 @@ void QuietIconButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setOpacity(isEnabled() ? 1 : Metrics::disabledOpacity);
-    Symbol::paint(painter, rect(), m_symbol, m_pixelSize,
-                  NoteTheme::color(palette(), TextStyles::quietIcon.tone),
-                  TextStyles::quietIcon.weight);
+    Symbol::paint(painter, rect(), m_symbol, textStyle().pixelSize,
+                  NoteTheme::color(palette(), textStyle().tone), textStyle().weight);
     FocusRing::paint(painter, this, rect(), Metrics::focusRingRadius);
 }

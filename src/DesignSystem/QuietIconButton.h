@@ -25,5 +25,4 @@ protected:
 
 private:
     QString m_symbol;
-    int m_pixelSize;
 };

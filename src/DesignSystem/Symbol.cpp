@@ -15,22 +15,25 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+using Place = std::function<double(double)>;
+
 constexpr double gridUnits = 24;
 
 /// The drawings leave two units free on each side, so that a symbol stands a little higher than
 /// the capitals of the text beside it.
 constexpr double extentPerTextSize = 1.44;
+constexpr double freeUnits = 2;
 
 /// In units of the grid.
 double strokeWidth(QFont::Weight weight)
 {
     if (weight <= QFont::Light)
-        return 1.35;
+        return 1.25;
     if (weight <= QFont::Normal)
         return 1.6;
     if (weight <= QFont::Medium)
         return 1.75;
-    return 2;
+    return 2.2;
 }
 
 const SymbolDrawing *drawing(const QString &name)
@@ -69,13 +72,14 @@ private:
     int m_side = 0;
 };
 
-void draw(QPainter &painter, const SymbolDrawing &symbol,
-          const std::function<double(double)> &place, double pen, const QColor &color)
+/// Strokes go where they are crisp. Fills are only scaled: a dot would lose its shape.
+void draw(QPainter &painter, const SymbolDrawing &symbol, const Place &place, const Place &scale,
+          double pen, const QColor &color)
 {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.strokePath(symbolPath(symbol.strokes, place),
                        QPen(color, pen, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.fillPath(symbolPath(symbol.fills, place), color);
+    painter.fillPath(symbolPath(symbol.fills, scale), color);
 }
 
 QPixmap pixmap(const SymbolDrawing &symbol, int pixelSize, double ratio, const QColor &color,
@@ -94,7 +98,9 @@ QPixmap pixmap(const SymbolDrawing &symbol, int pixelSize, double ratio, const Q
     result = QPixmap(grid.side(), grid.side());
     result.fill(Qt::transparent);
     QPainter painter(&result);
-    draw(painter, symbol, grid, grid.pen(), color);
+    draw(
+        painter, symbol, grid, [&](double units) { return units * grid.side() / gridUnits; },
+        grid.pen(), color);
     painter.end();
     result.setDevicePixelRatio(ratio);
     QPixmapCache::insert(key, result);
@@ -116,6 +122,13 @@ int Symbol::extent(int pixelSize)
     return static_cast<int>(std::lround(extentPerTextSize * pixelSize));
 }
 
+QSize Symbol::size(int pixelSize)
+{
+    const int side = extent(pixelSize);
+    const int freeSide = static_cast<int>(freeUnits / gridUnits * side);
+    return {side - 2 * freeSide, side};
+}
+
 void Symbol::paint(QPainter &painter, const QRectF &rect, const QString &name, int pixelSize,
                    const QColor &color, QFont::Weight weight)
 {
@@ -128,9 +141,8 @@ void Symbol::paint(QPainter &painter, const QRectF &rect, const QString &name, i
         const double scale = Symbol::extent(pixelSize) / gridUnits;
         painter.save();
         painter.translate(rect.center() - QPointF(gridUnits, gridUnits) * scale / 2);
-        draw(
-            painter, *symbol, [scale](double units) { return units * scale; },
-            strokeWidth(weight) * scale, color);
+        const auto place = [scale](double units) { return units * scale; };
+        draw(painter, *symbol, place, place, strokeWidth(weight) * scale, color);
         painter.restore();
         return;
     }

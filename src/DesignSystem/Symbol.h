@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QFont>
 #include <QIcon>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -20,8 +21,12 @@ namespace Symbol {
 /// Every name that can be drawn.
 [[nodiscard]] QStringList names();
 
-/// The side of the square that a symbol beside text of that pixel size takes.
+/// The side of the square that a symbol beside text of that pixel size is drawn in.
 [[nodiscard]] int extent(int pixelSize);
+
+/// The room for a symbol in a row: as high as the square, and without its air to the left and
+/// right, so that a wide symbol lines up with the text above and below.
+[[nodiscard]] QSize size(int pixelSize);
 
 /// Draws the symbol centred in the rectangle, as tall as a symbol beside text of that pixel size,
 /// in strokes that suit text of that weight. Draws nothing for an unknown name.

@@ -31,8 +31,7 @@ void SymbolView::setColor(const QColor &color)
 
 QSize SymbolView::sizeHint() const
 {
-    const int extent = Symbol::extent(m_style.pixelSize);
-    return {extent, extent};
+    return Symbol::size(m_style.pixelSize);
 }
 
 void SymbolView::paintEvent(QPaintEvent *)

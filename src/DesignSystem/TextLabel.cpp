@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "TextLabel.h"
 
+#include "TextLine.h"
+
+#include <QEvent>
 #include <QPainter>
-#include <QStyle>
-#include <QTextOption>
 
 TextLabel::TextLabel(const TextStyle &style, QWidget *parent)
     : QLabel(parent)
+    , m_style(style)
 {
     setTextFormat(Qt::PlainText);
-    setFont(style.font());
+    setFont(style.font(locale()));
     setForegroundRole(NoteTheme::role(style.tone));
 }
 
@@ -30,23 +32,41 @@ void TextLabel::setElides(bool elides)
     updateGeometry();
 }
 
+bool TextLabel::isOneLine() const
+{
+    return !wordWrap() && !text().contains(QChar(u'\n'));
+}
+
+QSize TextLabel::sizeHint() const
+{
+    return isOneLine() ? TextLine::size(fontMetrics(), text()) : QLabel::sizeHint();
+}
+
 QSize TextLabel::minimumSizeHint() const
 {
-    const QSize hint = QLabel::minimumSizeHint();
-    return m_elides ? QSize(0, hint.height()) : hint;
+    if (!isOneLine())
+        return QLabel::minimumSizeHint();
+    const QSize whole = sizeHint();
+    return m_elides ? QSize(0, whole.height()) : whole;
+}
+
+void TextLabel::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LocaleChange)
+        setFont(m_style.font(locale()));
+    QLabel::changeEvent(event);
 }
 
 void TextLabel::paintEvent(QPaintEvent *event)
 {
-    if (!m_elides) {
+    if (!isOneLine()) {
         QLabel::paintEvent(event);
         return;
     }
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    QTextOption option(QStyle::visualAlignment(layoutDirection(), alignment()));
-    option.setWrapMode(QTextOption::NoWrap);
-    painter.drawText(contentsRect(),
-                     fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()),
-                     option);
+    const QString shown =
+        m_elides ? fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width())
+                 : text();
+    TextLine::paint(painter, contentsRect(), shown, alignment());
 }

@@ -6,6 +6,8 @@
 #include <QLabel>
 
 /// Plain text in one of the program's styles, in the colours of the palette above it.
+///
+/// A single line is a TextLine: its height is that of the style's font whatever is written in it.
 class TextLabel final : public QLabel {
     Q_OBJECT
 
@@ -19,11 +21,16 @@ public:
     /// One line that may be narrower than its text, which then ends in an ellipsis.
     void setElides(bool elides);
 
+    [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    [[nodiscard]] bool isOneLine() const;
+
+    TextStyle m_style;
     bool m_elides = false;
 };

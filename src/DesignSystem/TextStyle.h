@@ -3,6 +3,8 @@
 
 #include "NoteTheme.h"
 
+#include <QLocale>
+
 /// One way of setting text: size, weight, tone and design. A symbol beside the text takes the same
 /// pixel size.
 struct TextStyle {
@@ -11,7 +13,8 @@ struct TextStyle {
     Tone tone = Tone::primary;
     bool isSerif = false;
 
-    [[nodiscard]] QFont font() const;
+    /// For a view in that locale, see NoteTheme::font().
+    [[nodiscard]] QFont font(const QLocale &locale = {}) const;
 
     friend bool operator==(const TextStyle &, const TextStyle &) = default;
 };

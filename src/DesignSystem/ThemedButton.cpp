@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ThemedButton.h"
 
+#include <QEvent>
 #include <QKeyEvent>
 
 namespace {
@@ -14,11 +15,22 @@ bool isPlainReturn(const QKeyEvent &event)
 
 } // namespace
 
-ThemedButton::ThemedButton(QWidget *parent)
+ThemedButton::ThemedButton(const TextStyle &style, QWidget *parent)
     : QAbstractButton(parent)
+    , m_style(style)
 {
+    setFont(style.font(locale()));
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void ThemedButton::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LocaleChange) {
+        setFont(m_style.font(locale()));
+        updateGeometry();
+    }
+    QAbstractButton::changeEvent(event);
 }
 
 void ThemedButton::keyPressEvent(QKeyEvent *event)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ThemedMenu.h"
 
-#include <QLocale>
+#include "SystemAppearance.h"
+#include "TextStyle.h"
 
 ThemedMenu::ThemedMenu(QWidget *owner)
     : QMenu(owner)
@@ -11,8 +12,11 @@ ThemedMenu::ThemedMenu(QWidget *owner)
 void ThemedMenu::showEvent(QShowEvent *event)
 {
     if (const QWidget *owner = parentWidget()) {
-        setPalette(owner->palette());
+        // The owner's palette itself would not do: it has inherited its colours, and inherited
+        // ones are not handed on.
+        setPalette(NoteTheme::palette(NoteTheme::colorScheme(owner->palette())));
         setLocale(owner->locale());
+        setFont(TextStyles::environment.font(owner->locale()));
     }
     QMenu::showEvent(event);
 }

@@ -16,7 +16,6 @@ AppEnvironment::AppEnvironment(AppPreferences &preferences, SystemAppearance &sy
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
-    setFont(TextStyles::environment.font());
 
     connect(&m_preferences, &AppPreferences::languageChanged, this, &AppEnvironment::announce);
     connect(&m_preferences, &AppPreferences::appearanceChanged, this, &AppEnvironment::announce);
@@ -56,6 +55,7 @@ void AppEnvironment::apply()
 {
     const QPalette palette = NoteTheme::palette(colorScheme());
     setLocale(m_preferences.locale());
+    setFont(TextStyles::environment.font(locale()));
     setPalette(palette);
     // Tooltips are windows of their own, with one palette for the whole program.
     QToolTip::setPalette(palette);

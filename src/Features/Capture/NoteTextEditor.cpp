@@ -19,7 +19,7 @@
 #include <QTextBlock>
 #include <QTextDocumentFragment>
 #include <QTextFrame>
-#include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,17 +27,26 @@ namespace {
 
 /// Insets and line distance. New blocks take them over from the block that they are split from, so
 /// that once is enough for whatever is typed, pasted or undone later.
+///
+/// Lines have a fixed height, that of the font and the distance. Were the distance added to what is
+/// in the line, a line would jump as soon as a character of another script, from a font with other
+/// heights, is typed into it.
 void setFormats(QTextDocument &document)
 {
+    const QFontMetricsF metrics(document.defaultFont());
+    const double lineHeight = std::round(metrics.height()) + Metrics::editorLineSpacing;
+    // QTextDocument puts the base line of such a line at four fifths of its height.
+    const double aboveText = lineHeight * 4 / 5 - metrics.ascent();
+
     QTextFrameFormat frame = document.rootFrame()->frameFormat();
-    frame.setTopMargin(Metrics::placeholderTop);
+    frame.setTopMargin(Metrics::placeholderTop - aboveText);
     frame.setBottomMargin(Metrics::placeholderTop);
     frame.setLeftMargin(Metrics::placeholderLeading);
     frame.setRightMargin(Metrics::placeholderLeading);
     document.rootFrame()->setFrameFormat(frame);
 
     QTextBlockFormat lines;
-    lines.setLineHeight(Metrics::editorLineSpacing, QTextBlockFormat::LineDistanceHeight);
+    lines.setLineHeight(lineHeight, QTextBlockFormat::FixedHeight);
     QTextCursor cursor(&document);
     cursor.select(QTextCursor::Document);
     cursor.mergeBlockFormat(lines);
@@ -102,11 +111,8 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setVerticalScrollBar(new SlimScrollBar(this));
 
-    const QFont font = TextStyles::editor.font();
-    setFont(font);
     setCursorWidth(Metrics::caretWidth);
-    setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
-    m_placeholder.setDefaultFont(font);
+    setFont(TextStyles::editor.font(m_preferences.locale()));
     replaceText(*document(), {});
 
     connect(this, &QTextEdit::textChanged, this, &NoteTextEditor::announceEdit);
@@ -225,6 +231,10 @@ void NoteTextEditor::paintPlaceholder()
 void NoteTextEditor::translate()
 {
     const QString placeholder = m_preferences.text(m_placeholderKey);
+    const QFont font = TextStyles::editor.font(m_preferences.locale());
+    setFont(font);
+    setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
+    m_placeholder.setDefaultFont(font);
     setAccessibleName(m_preferences.text(u"Note text"_s));
     setAccessibleDescription(placeholder);
     replaceText(m_placeholder, placeholder);

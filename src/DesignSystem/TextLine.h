@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QRectF>
+#include <QSize>
+#include <QString>
+
+class QFontMetrics;
+class QPainter;
+
+/// One line of text whose capitals stand in the middle of their rectangle.
+///
+/// Symbols and dots beside the line are then level with it, and another script, whose font has
+/// other heights, moves nothing: a view in Chinese is laid out like one in English.
+namespace TextLine {
+
+/// As wide as the text, as high as the font.
+[[nodiscard]] QSize size(const QFontMetrics &metrics, const QString &text);
+
+/// With the painter's font and pen. Only the horizontal part of the alignment counts.
+void paint(QPainter &painter, const QRectF &rect, const QString &text,
+           Qt::Alignment alignment = Qt::AlignLeading);
+
+} // namespace TextLine
