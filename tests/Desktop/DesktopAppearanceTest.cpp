@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "DesktopAppearance.h"
 
+#include "PrivateBus.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
-#include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QProcess>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -29,36 +28,14 @@ constexpr uint noPreference = 0;
 constexpr uint dark = 1;
 constexpr uint light = 2;
 
-/// A bus of the test's own.
-class SessionBus final {
-public:
-    SessionBus()
-    {
-        m_daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        if (m_daemon.waitForStarted() && m_daemon.waitForReadyRead())
-            m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-    }
-    ~SessionBus()
-    {
-        m_daemon.kill();
-        m_daemon.waitForFinished();
-    }
-
-    [[nodiscard]] QString address() const { return m_address; }
-
-private:
-    QProcess m_daemon;
-    QString m_address;
-};
-
 /// The settings portal, with the settings of a test.
 class FakePortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
 public:
-    explicit FakePortal(const QString &address)
-        : m_bus(QDBusConnection::connectToBus(address, u"portal"_s))
+    explicit FakePortal(const PrivateBus &bus)
+        : m_bus(bus.connectAs(u"portal"_s))
     {
         m_bus.registerObject(u"/org/freedesktop/portal/desktop"_s, this,
                              QDBusConnection::ExportAllSlots);
@@ -105,7 +82,10 @@ class DesktopAppearanceTest final : public QObject {
     Q_OBJECT
 
 public:
-    [[nodiscard]] QString busAddress() const { return m_bus.address(); }
+    explicit DesktopAppearanceTest(const PrivateBus &bus)
+        : m_bus(bus)
+    {
+    }
 
 private Q_SLOTS:
     void hasPlainValuesWhereNothingIsSet();
@@ -122,7 +102,7 @@ private Q_SLOTS:
     void doesNotWaitForAPortalThatIsSilent();
 
 private:
-    SessionBus m_bus;
+    const PrivateBus &m_bus;
 };
 
 void DesktopAppearanceTest::hasPlainValuesWhereNothingIsSet()
@@ -206,7 +186,7 @@ void DesktopAppearanceTest::announcesOnlyWhatDiffers()
 
 void DesktopAppearanceTest::staysPlainWithoutAPortal()
 {
-    FakePortal portal(m_bus.address());
+    FakePortal portal(m_bus);
     portal.settings[common][u"color-scheme"_s] = dark;
     DesktopAppearance appearance;
     const QSignalSpy changed(&appearance, &SystemAppearance::changed);
@@ -226,7 +206,7 @@ void DesktopAppearanceTest::staysPlainWithoutAPortal()
 
 void DesktopAppearanceTest::asksThePortalAndFollowsIt()
 {
-    FakePortal portal(m_bus.address());
+    FakePortal portal(m_bus);
     portal.settings[common][u"color-scheme"_s] = dark;
     portal.settings[gnome][u"enable-animations"_s] = false;
     QVERIFY(portal.start());
@@ -242,7 +222,7 @@ void DesktopAppearanceTest::asksThePortalAndFollowsIt()
 
 void DesktopAppearanceTest::prefersTheCommonSettingsToThoseOfADesktop()
 {
-    FakePortal portal(m_bus.address());
+    FakePortal portal(m_bus);
     portal.settings[common][u"color-scheme"_s] = dark;
     portal.settings[common][u"reduced-motion"_s] = 1U;
     portal.settings[gnome][u"enable-animations"_s] = true;
@@ -256,7 +236,7 @@ void DesktopAppearanceTest::prefersTheCommonSettingsToThoseOfADesktop()
 
 void DesktopAppearanceTest::doesNotWaitForAPortalThatIsSilent()
 {
-    FakePortal portal(m_bus.address());
+    FakePortal portal(m_bus);
     portal.isSilent = true;
     QVERIFY(portal.start());
 
@@ -269,14 +249,12 @@ void DesktopAppearanceTest::doesNotWaitForAPortalThatIsSilent()
 
 int main(int argc, char *argv[])
 {
-    if (QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty()) {
-        qCritical("dbus-daemon is needed for this test");
-        return 1;
-    }
+    const PrivateBus bus;
+    if (!bus.isRunning())
+        qFatal("No private session bus could be started");
     qDBusRegisterMetaType<SettingGroups>();
-    DesktopAppearanceTest test;
-    qputenv("DBUS_SESSION_BUS_ADDRESS", test.busAddress().toUtf8());
     const QGuiApplication application(argc, argv);
+    DesktopAppearanceTest test(bus);
     return QTest::qExec(&test, argc, argv);
 }
 
