@@ -9,9 +9,9 @@ using Kind = DirectoryListing::Kind;
 
 namespace {
 
-/// Above this number one sync of the whole file system is faster than a sync of each file: 96 ms
-/// against 5.8 s for ten thousand files.
-constexpr std::size_t largestSingleSync = 20;
+/// With more files and folders one sync of the whole file system is faster than a sync of each:
+/// 96 ms against 5.8 s for ten thousand files.
+constexpr std::size_t mostSyncs = 20;
 
 /// What a file system answers that has no hard links, or none for this file.
 bool meansNoLinks(int error)
@@ -42,8 +42,8 @@ bool syncEach(const Directory &folder, const std::vector<ino_t> &links, std::siz
 {
     const DirectoryListing listing = folder.list();
     const std::vector<const char *> names = newFiles(listing, links);
-    syncs += names.size();
-    if (syncs > largestSingleSync)
+    syncs += names.size() + 1;
+    if (syncs > mostSyncs)
         return false;
     for (const char *name : names)
         folder.syncFile(name);
