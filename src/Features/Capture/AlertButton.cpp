@@ -3,20 +3,18 @@
 
 #include "FocusRing.h"
 #include "Metrics.h"
+#include "TextLine.h"
 
 #include <QPainter>
 
 AlertButton::AlertButton(const TextStyle &style, QWidget *parent)
-    : ThemedButton(parent)
-    , m_style(style)
+    : ThemedButton(style, parent)
 {
-    setFont(style.font());
 }
 
 QSize AlertButton::sizeHint() const
 {
-    const QSize textSize = fontMetrics().size(Qt::TextSingleLine, text());
-    return textSize.grownBy(Metrics::alertButtonPadding);
+    return TextLine::size(fontMetrics(), text()).grownBy(Metrics::alertButtonPadding);
 }
 
 void AlertButton::paintEvent(QPaintEvent *)
@@ -24,7 +22,7 @@ void AlertButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
 
-    const QColor color = NoteTheme::color(palette(), m_style.tone);
+    const QColor color = NoteTheme::color(palette(), textStyle().tone);
     QColor fill = color;
     fill.setAlphaF(
         static_cast<float>(isDown() ? Metrics::alertButtonPressedFill : Metrics::alertButtonFill));
@@ -35,6 +33,6 @@ void AlertButton::paintEvent(QPaintEvent *)
     painter.drawRoundedRect(capsule, radius, radius);
 
     painter.setPen(color);
-    painter.drawText(capsule, Qt::AlignCenter | Qt::TextSingleLine, text());
+    TextLine::paint(painter, capsule, text(), Qt::AlignHCenter);
     FocusRing::paint(painter, this, capsule, radius);
 }

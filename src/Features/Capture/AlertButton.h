@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "TextStyle.h"
 #include "ThemedButton.h"
 
 /// One answer of an alert: text on a capsule, both in the tone of the style.
@@ -15,7 +14,4 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-
-private:
-    TextStyle m_style;
 };

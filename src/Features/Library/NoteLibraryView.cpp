@@ -13,7 +13,7 @@
 #include "TextLabel.h"
 #include "TintedFrame.h"
 
-#include <QShortcut>
+#include <QKeyEvent>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -77,6 +77,7 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     m_list->setObjectName(u"noteList"_s);
     m_empty->setObjectName(u"emptyState"_s);
     m_emptySymbol->setObjectName(u"emptySymbol"_s);
+    m_search->installEventFilter(this);
     setFocusProxy(m_search);
 
     auto *field = new TintedFrame(Tone::primary, Metrics::searchFill, Metrics::searchRadius, this);
@@ -100,8 +101,6 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
         m_search->clear();
         m_search->setFocus(Qt::OtherFocusReason);
     });
-    connect(new QShortcut(Qt::Key_Down, m_search, nullptr, nullptr, Qt::WidgetShortcut),
-            &QShortcut::activated, this, &NoteLibraryView::enterList);
     connect(m_list, &NoteListView::opened, this,
             [this](const QModelIndex &row) { Q_EMIT noteChosen(Note(m_model->note(row))); });
     connect(m_list, &NoteListView::leftUpwards, m_search,
@@ -122,6 +121,27 @@ void NoteLibraryView::select(const Note &note)
     m_list->setCurrentIndex(index);
     m_list->scrollTo(index);
     m_list->setFocus(Qt::OtherFocusReason);
+}
+
+bool NoteLibraryView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_search && event->type() == QEvent::KeyPress &&
+        takeSearchKey(*static_cast<QKeyEvent *>(event)))
+        return true;
+    return QWidget::eventFilter(watched, event);
+}
+
+bool NoteLibraryView::takeSearchKey(const QKeyEvent &event)
+{
+    if (event.key() == Qt::Key_Down && !(event.modifiers() & ~Qt::KeypadModifier)) {
+        enterList();
+        return true;
+    }
+    if (event.key() == Qt::Key_U && event.modifiers() == Qt::ControlModifier) {
+        m_search->clear();
+        return true;
+    }
+    return false;
 }
 
 void NoteLibraryView::search()

@@ -9,6 +9,7 @@ class NoteListView;
 class NoteStore;
 class PlainButton;
 class PlainTextField;
+class QKeyEvent;
 class SymbolView;
 class TextLabel;
 struct Note;
@@ -29,7 +30,11 @@ public:
 Q_SIGNALS:
     void noteChosen(const Note &note);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    bool takeSearchKey(const QKeyEvent &event);
     void search();
     void enterList();
     void render();

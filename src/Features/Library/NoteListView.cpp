@@ -38,9 +38,11 @@ NoteListView::NoteListView(NoteListModel *model, QWidget *parent)
     setTabKeyNavigation(false);
     setItemDelegate(new NoteRow(this));
 
-    // Before setModel(), so that the place is kept before the view forgets it.
+    // Around setModel(), which connects the view and its selection: the place is kept before they
+    // forget it, and returned to after.
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &NoteListView::keepPlace);
     setModel(model);
+    connect(model, &QAbstractItemModel::modelReset, this, &NoteListView::returnToPlace);
     connect(this, &QAbstractItemView::clicked, this, &NoteListView::opened);
 }
 
@@ -50,10 +52,12 @@ QModelIndex NoteListView::indexAt(const QPoint &point) const
     return NoteRow::surface(visualRect(index)).contains(point) ? index : QModelIndex();
 }
 
-void NoteListView::reset()
+void NoteListView::changeEvent(QEvent *event)
 {
-    QListView::reset();
-    returnToPlace();
+    // Another language may be set in another font, with lines of another height.
+    if (event->type() == QEvent::LocaleChange)
+        scheduleDelayedItemsLayout();
+    QListView::changeEvent(event);
 }
 
 void NoteListView::focusInEvent(QFocusEvent *event)

@@ -20,14 +20,13 @@ public:
     /// Nothing in the gaps between the rows.
     [[nodiscard]] QModelIndex indexAt(const QPoint &point) const override;
 
-    void reset() override;
-
 Q_SIGNALS:
     void opened(const QModelIndex &row);
     void leftUpwards();
     void typed(const QString &text);
 
 protected:
+    void changeEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;

@@ -5,6 +5,7 @@
 #include "Metrics.h"
 #include "NoteListModel.h"
 #include "Symbol.h"
+#include "TextLine.h"
 #include "TextStyle.h"
 #include "TintedFrame.h"
 
@@ -14,26 +15,16 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-int lineHeight(const TextStyle &style)
+int lineHeight(const TextStyle &style, const QLocale &locale)
 {
-    return QFontMetrics(style.font()).height();
-}
-
-int heightOf(bool hasExcerpt)
-{
-    constexpr QMargins padding = Metrics::rowPadding;
-    int height = padding.top() + lineHeight(TextStyles::rowTitle) + Metrics::rowSpacing +
-                 lineHeight(TextStyles::rowMeta) + padding.bottom() + Metrics::betweenRows;
-    if (hasExcerpt)
-        height += lineHeight(TextStyles::rowExcerpt) + Metrics::rowSpacing;
-    return height;
+    return QFontMetrics(style.font(locale)).height();
 }
 
 /// Takes a line's height from the top of the rectangle.
-QRect takeLine(QRect &rest, const TextStyle &style)
+QRect takeLine(QRect &rest, const TextStyle &style, const QLocale &locale)
 {
     QRect line = rest;
-    line.setHeight(lineHeight(style));
+    line.setHeight(lineHeight(style, locale));
     rest.setTop(line.bottom() + 1 + Metrics::rowSpacing);
     return line;
 }
@@ -41,12 +32,10 @@ QRect takeLine(QRect &rest, const TextStyle &style)
 void drawText(QPainter &painter, const QStyleOptionViewItem &option, const QRect &line,
               const TextStyle &style, const QString &text)
 {
-    const QFont font = style.font();
-    painter.setFont(font);
+    painter.setFont(style.font(option.locale));
     painter.setPen(NoteTheme::color(option.palette, style.tone));
-    painter.drawText(QStyle::visualRect(option.direction, option.rect, line),
-                     Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
-                     QFontMetrics(font).elidedText(text, Qt::ElideRight, line.width()));
+    TextLine::paint(painter, QStyle::visualRect(option.direction, option.rect, line),
+                    painter.fontMetrics().elidedText(text, Qt::ElideRight, line.width()));
 }
 
 } // namespace
@@ -56,12 +45,22 @@ QRect NoteRow::surface(const QRect &item)
     return item.adjusted(0, 0, 0, -Metrics::betweenRows);
 }
 
-QSize NoteRow::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
+int NoteRow::heightOf(const QStyleOptionViewItem &option, bool hasExcerpt) const
 {
-    // Asked for every note of the list at once.
-    static const QSize withExcerpt(0, heightOf(true));
-    static const QSize titleOnly(0, heightOf(false));
-    return index.data(NoteListModel::hasExcerptRole).toBool() ? withExcerpt : titleOnly;
+    if (m_titleOnly == 0 || m_locale != option.locale) {
+        m_locale = option.locale;
+        m_titleOnly = Metrics::rowPadding.top() + lineHeight(TextStyles::rowTitle, m_locale) +
+                      Metrics::rowSpacing + lineHeight(TextStyles::rowMeta, m_locale) +
+                      Metrics::rowPadding.bottom() + Metrics::betweenRows;
+        m_withExcerpt =
+            m_titleOnly + lineHeight(TextStyles::rowExcerpt, m_locale) + Metrics::rowSpacing;
+    }
+    return hasExcerpt ? m_withExcerpt : m_titleOnly;
+}
+
+QSize NoteRow::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    return {0, heightOf(option, index.data(NoteListModel::hasExcerptRole).toBool())};
 }
 
 void NoteRow::paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -76,15 +75,15 @@ void NoteRow::paint(QPainter *painter, const QStyleOptionViewItem &option,
         Metrics::rowRadius);
 
     QRect rest = row.marginsRemoved(Metrics::rowPadding);
-    drawText(*painter, option, takeLine(rest, TextStyles::rowTitle), TextStyles::rowTitle,
-             index.data(Qt::DisplayRole).toString());
+    drawText(*painter, option, takeLine(rest, TextStyles::rowTitle, option.locale),
+             TextStyles::rowTitle, index.data(Qt::DisplayRole).toString());
     if (index.data(NoteListModel::hasExcerptRole).toBool())
-        drawText(*painter, option, takeLine(rest, TextStyles::rowExcerpt), TextStyles::rowExcerpt,
-                 index.data(NoteListModel::excerptRole).toString());
+        drawText(*painter, option, takeLine(rest, TextStyles::rowExcerpt, option.locale),
+                 TextStyles::rowExcerpt, index.data(NoteListModel::excerptRole).toString());
 
-    QRect meta = takeLine(rest, TextStyles::rowMeta);
-    const int arrowExtent = Symbol::extent(TextStyles::rowMeta.pixelSize);
-    QRect arrow(meta.right() + 1 - arrowExtent, meta.top(), arrowExtent, meta.height());
+    QRect meta = takeLine(rest, TextStyles::rowMeta, option.locale);
+    const int arrowWidth = Symbol::size(TextStyles::rowMeta.pixelSize).width();
+    const QRect arrow(meta.right() + 1 - arrowWidth, meta.top(), arrowWidth, meta.height());
     meta.setRight(arrow.left() - Metrics::rowSpacing);
     drawText(*painter, option, meta, TextStyles::rowMeta,
              index.data(NoteListModel::metaRole).toString());

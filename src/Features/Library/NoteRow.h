@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QAbstractItemDelegate>
+#include <QLocale>
 
 /// How one note looks in the list: its title, the start of what follows, its date. Each is one
 /// line, cut where the row ends, so that a row is one of two heights.
@@ -18,4 +19,12 @@ public:
                                  const QModelIndex &index) const override;
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
+
+private:
+    /// Of an item in the locale of the view. Asked for every note of the list at once.
+    [[nodiscard]] int heightOf(const QStyleOptionViewItem &option, bool hasExcerpt) const;
+
+    mutable QLocale m_locale;
+    mutable int m_withExcerpt = 0;
+    mutable int m_titleOnly = 0;
 };

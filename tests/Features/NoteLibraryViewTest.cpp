@@ -1,0 +1,390 @@
+// SPDX-License-Identifier: MIT
+#include "NoteLibraryView.h"
+#include "AppPreferences.h"
+#include "FailingRepository.h"
+#include "Note.h"
+#include "NoteListView.h"
+#include "NoteStore.h"
+#include "SymbolView.h"
+#include "Views.h"
+
+#include <QAbstractItemModel>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+class NoteLibraryViewTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void listsTheNotesLastUpdatedFirst();
+    void countsAllNotesInTwoDigitsAlsoDuringASearch();
+    void countsMoreThanNinetyNineNotesInFull();
+    void searchesWithEachKey();
+    void showsTheClearButtonWhileTheFieldHoldsAnything();
+    void emptiesTheFieldWithTheButtonAndGoesOnTyping();
+    void emptiesTheFieldWithTheKeyboard();
+    void invitesToWriteWhenThereAreNoNotes();
+    void saysThatNothingMatches();
+    void takesASpaceForASearch();
+    void opensTheNoteThatIsClicked();
+    void opensNothingBetweenTheRows();
+    void opensWithTheKeyboard();
+    void goesBackToTheSearchFromTheFirstRow();
+    void goesToTheFirstAndLastNote();
+    void searchesForWhatIsTypedInTheList();
+    void startsAtTheTopWithEachSearch();
+    void keepsThePlaceWhenNotesChange();
+    void putsTheKeyboardOnANote();
+    void leavesEscapeToThePanel();
+    void changesItsTextsWithTheLanguage();
+};
+
+namespace {
+
+Note noteOf(const QString &body, double updatedAt)
+{
+    return {QUuid::createUuid(), body, Timestamp{updatedAt}, Timestamp{updatedAt}};
+}
+
+NoteSnapshot withNotes(const QStringList &bodies)
+{
+    NoteSnapshot snapshot;
+    double updatedAt = 1000;
+    for (const QString &body : bodies)
+        snapshot.notes.append(noteOf(body, updatedAt--));
+    return snapshot;
+}
+
+NoteSnapshot withManyNotes(int count)
+{
+    QStringList bodies;
+    for (int i = 0; i < count; ++i)
+        bodies.append(i % 3 ? u"note %1\nwith more"_s.arg(i) : u"note %1"_s.arg(i));
+    return withNotes(bodies);
+}
+
+struct Screen {
+    explicit Screen(NoteSnapshot snapshot)
+        : repository(new FailingRepository(std::move(snapshot)))
+        , store(std::unique_ptr<NoteRepository>(repository))
+        , view(store, preferences)
+    {
+        view.resize(424, 440);
+        QObject::connect(&view, &NoteLibraryView::noteChosen, &view,
+                         [this](const Note &note) { chosen.append(note.body); });
+    }
+
+    QLineEdit *search() { return Views::find<QLineEdit>(view, "searchNotes"); }
+    NoteListView *list() { return Views::find<NoteListView>(view, "noteList"); }
+    QAbstractItemModel *model() { return view.findChild<NoteListView *>()->model(); }
+
+    QStringList titles()
+    {
+        QStringList titles;
+        for (int row = 0; row < model()->rowCount(); ++row)
+            titles.append(model()->index(row, 0).data().toString());
+        return titles;
+    }
+
+    QPoint middleOf(int row) { return list()->visualRect(model()->index(row, 0)).center(); }
+    QString currentTitle() { return list()->currentIndex().data().toString(); }
+    QString emptySymbol() { return Views::find<SymbolView>(view, "emptySymbol")->symbol(); }
+
+    FailingRepository *repository;
+    AppPreferences preferences{nullptr, AppLanguage::english, AppAppearance::light};
+    NoteStore store;
+    NoteLibraryView view;
+    QStringList chosen;
+};
+
+} // namespace
+
+void NoteLibraryViewTest::listsTheNotesLastUpdatedFirst()
+{
+    NoteSnapshot snapshot;
+    snapshot.notes = {noteOf(u"old"_s, 1), noteOf(u"new"_s, 3), noteOf(u"newer in the file"_s, 3)};
+
+    Screen screen(snapshot);
+    QVERIFY(Views::show(screen.view));
+
+    QCOMPARE(screen.titles(), (QStringList{u"new"_s, u"newer in the file"_s, u"old"_s}));
+    QVERIFY(screen.list());
+    QVERIFY(!Views::find(screen.view, "emptyState"));
+}
+
+void NoteLibraryViewTest::countsAllNotesInTwoDigitsAlsoDuringASearch()
+{
+    Screen screen(withNotes({u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s}));
+    QVERIFY(Views::show(screen.view));
+    QCOMPARE(Views::text(screen.view, "libraryCount"), u"05"_s);
+
+    QTest::keyClicks(screen.search(), u"b"_s);
+
+    QCOMPARE(screen.titles(), QStringList{u"b"_s});
+    QCOMPARE(Views::text(screen.view, "libraryCount"), u"05"_s);
+}
+
+void NoteLibraryViewTest::countsMoreThanNinetyNineNotesInFull()
+{
+    Screen screen(withManyNotes(120));
+
+    QCOMPARE(Views::text(screen.view, "libraryCount"), u"120"_s);
+}
+
+void NoteLibraryViewTest::searchesWithEachKey()
+{
+    Screen screen(withNotes({u"Café au lait"_s, u"cafeteria"_s, u"tea"_s}));
+    QVERIFY(Views::show(screen.view));
+    QTRY_VERIFY(screen.search()->hasFocus());
+
+    QTest::keyClicks(screen.search(), u"CAFE"_s);
+    QCOMPARE(screen.titles(), (QStringList{u"Café au lait"_s, u"cafeteria"_s}));
+
+    QTest::keyClicks(screen.search(), u"t"_s);
+    QCOMPARE(screen.titles(), QStringList{u"cafeteria"_s});
+
+    QTest::keyClick(screen.search(), Qt::Key_Backspace);
+    QCOMPARE(screen.titles().size(), 2);
+}
+
+void NoteLibraryViewTest::showsTheClearButtonWhileTheFieldHoldsAnything()
+{
+    Screen screen(withNotes({u"milk"_s}));
+    QVERIFY(Views::show(screen.view));
+    QVERIFY(!Views::find(screen.view, "clearSearch"));
+
+    QTest::keyClick(screen.search(), Qt::Key_Space);
+    QVERIFY(Views::find(screen.view, "clearSearch"));
+    QCOMPARE(Views::find(screen.view, "clearSearch")->accessibleName(), u"Clear search"_s);
+
+    QTest::keyClick(screen.search(), Qt::Key_Backspace);
+    QVERIFY(!Views::find(screen.view, "clearSearch"));
+}
+
+void NoteLibraryViewTest::emptiesTheFieldWithTheButtonAndGoesOnTyping()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClicks(screen.search(), u"milk"_s);
+
+    Views::click(screen.view, "clearSearch");
+
+    QCOMPARE(screen.search()->text(), QString());
+    QCOMPARE(screen.titles().size(), 2);
+    QVERIFY(screen.search()->hasFocus());
+}
+
+void NoteLibraryViewTest::emptiesTheFieldWithTheKeyboard()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClicks(screen.search(), u"milk"_s);
+
+    QTest::keyClick(screen.search(), Qt::Key_U, Qt::ControlModifier);
+
+    QCOMPARE(screen.search()->text(), QString());
+    QCOMPARE(screen.titles().size(), 2);
+}
+
+void NoteLibraryViewTest::invitesToWriteWhenThereAreNoNotes()
+{
+    Screen screen({});
+    QVERIFY(Views::show(screen.view));
+
+    QVERIFY(!screen.list());
+    QCOMPARE(screen.emptySymbol(), u"sparkle"_s);
+    QCOMPARE(Views::text(screen.view, "emptyHeading"),
+             u"Every good idea starts\nwith a quick note."_s);
+    QCOMPARE(Views::text(screen.view, "emptyHint"), u"Open Capture to write your first one."_s);
+    QCOMPARE(Views::text(screen.view, "libraryCount"), u"00"_s);
+}
+
+void NoteLibraryViewTest::saysThatNothingMatches()
+{
+    Screen screen({});
+    QVERIFY(Views::show(screen.view));
+
+    QTest::keyClicks(screen.search(), u"milk"_s);
+
+    QCOMPARE(screen.emptySymbol(), u"magnifyingglass"_s);
+    QCOMPARE(Views::text(screen.view, "emptyHeading"), u"No matching thoughts yet."_s);
+    QCOMPARE(Views::text(screen.view, "emptyHint"), u"Try another keyword."_s);
+}
+
+void NoteLibraryViewTest::takesASpaceForASearch()
+{
+    Screen empty({});
+    QVERIFY(Views::show(empty.view));
+    QTest::keyClick(empty.search(), Qt::Key_Space);
+    QCOMPARE(Views::text(empty.view, "emptyHeading"), u"No matching thoughts yet."_s);
+
+    Screen full(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(full.view));
+    QTest::keyClick(full.search(), Qt::Key_Space);
+    QCOMPARE(full.titles().size(), 2);
+}
+
+void NoteLibraryViewTest::opensTheNoteThatIsClicked()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread\nand butter"_s, u"eggs"_s}));
+    QVERIFY(Views::show(screen.view));
+
+    QTest::mouseClick(screen.list()->viewport(), Qt::LeftButton, {}, screen.middleOf(1));
+
+    QCOMPARE(screen.chosen, QStringList{u"bread\nand butter"_s});
+}
+
+void NoteLibraryViewTest::opensNothingBetweenTheRows()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(screen.view));
+    const QRect first = screen.list()->visualRect(screen.model()->index(0, 0));
+
+    QTest::mouseClick(screen.list()->viewport(), Qt::LeftButton, {},
+                      QPoint(first.center().x(), first.bottom()));
+
+    QVERIFY(screen.chosen.isEmpty());
+}
+
+void NoteLibraryViewTest::opensWithTheKeyboard()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s, u"eggs"_s}));
+    QVERIFY(Views::show(screen.view));
+
+    QTest::keyClick(screen.search(), Qt::Key_Down);
+    QVERIFY(screen.list()->hasFocus());
+    QCOMPARE(screen.currentTitle(), u"milk"_s);
+    QTest::keyClick(screen.list(), Qt::Key_Down);
+    QTest::keyClick(screen.list(), Qt::Key_Return);
+
+    QCOMPARE(screen.chosen, QStringList{u"bread"_s});
+}
+
+void NoteLibraryViewTest::goesBackToTheSearchFromTheFirstRow()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClick(screen.search(), Qt::Key_Down);
+    QTest::keyClick(screen.list(), Qt::Key_Down);
+
+    QTest::keyClick(screen.list(), Qt::Key_Up);
+    QVERIFY(screen.list()->hasFocus());
+    QTest::keyClick(screen.list(), Qt::Key_Up);
+
+    QVERIFY(screen.search()->hasFocus());
+}
+
+void NoteLibraryViewTest::goesToTheFirstAndLastNote()
+{
+    Screen screen(withManyNotes(120));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClick(screen.search(), Qt::Key_Down);
+
+    QTest::keyClick(screen.list(), Qt::Key_End);
+    QCOMPARE(screen.currentTitle(), u"note 119"_s);
+    QCOMPARE(screen.list()->verticalScrollBar()->value(),
+             screen.list()->verticalScrollBar()->maximum());
+
+    QTest::keyClick(screen.list(), Qt::Key_Home);
+    QCOMPARE(screen.currentTitle(), u"note 0"_s);
+    QCOMPARE(screen.list()->verticalScrollBar()->value(), 0);
+}
+
+void NoteLibraryViewTest::searchesForWhatIsTypedInTheList()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClick(screen.search(), Qt::Key_Down);
+
+    QTest::keyClick(screen.list(), Qt::Key_B);
+    QTest::keyClicks(screen.view.focusWidget(), u"re"_s);
+
+    QCOMPARE(screen.search()->text(), u"bre"_s);
+    QCOMPARE(screen.titles(), QStringList{u"bread"_s});
+}
+
+void NoteLibraryViewTest::startsAtTheTopWithEachSearch()
+{
+    Screen screen(withManyNotes(120));
+    QVERIFY(Views::show(screen.view));
+    screen.list()->scrollToBottom();
+    QVERIFY(screen.list()->verticalScrollBar()->value() > 0);
+
+    QTest::keyClicks(screen.search(), u"note"_s);
+
+    QCOMPARE(screen.list()->verticalScrollBar()->value(), 0);
+    QVERIFY(!screen.list()->currentIndex().isValid());
+}
+
+void NoteLibraryViewTest::keepsThePlaceWhenNotesChange()
+{
+    const NoteSnapshot snapshot = withManyNotes(120);
+    Screen screen(snapshot);
+    QVERIFY(Views::show(screen.view));
+    screen.view.select(snapshot.notes[60]);
+    const QRect before = screen.list()->visualRect(screen.list()->currentIndex());
+
+    screen.store.setDraft(u"a new one"_s);
+    QVERIFY(screen.store.saveCapture());
+    QVERIFY(screen.store.deleteNote(snapshot.notes[10]));
+
+    QCOMPARE(screen.model()->rowCount(), 120);
+    QCOMPARE(screen.currentTitle(), u"note 60"_s);
+    QCOMPARE(screen.list()->visualRect(screen.list()->currentIndex()), before);
+}
+
+void NoteLibraryViewTest::putsTheKeyboardOnANote()
+{
+    const NoteSnapshot snapshot = withManyNotes(120);
+    Screen screen(snapshot);
+    QVERIFY(Views::show(screen.view));
+
+    screen.view.select(snapshot.notes[100]);
+
+    QVERIFY(screen.list()->hasFocus());
+    QCOMPARE(screen.currentTitle(), u"note 100"_s);
+    QVERIFY(screen.list()->viewport()->rect().contains(
+        screen.list()->visualRect(screen.list()->currentIndex())));
+}
+
+void NoteLibraryViewTest::leavesEscapeToThePanel()
+{
+    struct Panel final : QWidget {
+        int escapes = 0;
+        void keyPressEvent(QKeyEvent *event) override { escapes += event->key() == Qt::Key_Escape; }
+    } panel;
+    Screen screen(withNotes({u"milk"_s}));
+    screen.view.setParent(&panel);
+    QVERIFY(Views::show(panel));
+    QTest::keyClicks(screen.search(), u"milk"_s);
+
+    QTest::keyClick(screen.search(), Qt::Key_Escape);
+    QTest::keyClick(screen.search(), Qt::Key_Down);
+    QTest::keyClick(screen.list(), Qt::Key_Escape);
+
+    QCOMPARE(panel.escapes, 2);
+    QCOMPARE(screen.search()->text(), u"milk"_s);
+    screen.view.setParent(nullptr);
+}
+
+void NoteLibraryViewTest::changesItsTextsWithTheLanguage()
+{
+    Screen screen(withNotes({u"milk"_s}));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClicks(screen.search(), u"bread"_s);
+
+    screen.preferences.setLanguage(AppLanguage::chinese);
+
+    for (const char *name : {"libraryTitle", "emptyHeading", "emptyHint"})
+        QVERIFY2(Views::isChinese(Views::text(screen.view, name)), name);
+    QVERIFY(Views::isChinese(screen.search()->placeholderText()));
+    QCOMPARE(screen.search()->text(), u"bread"_s);
+}
+
+QTEST_MAIN(NoteLibraryViewTest)
+
+#include "NoteLibraryViewTest.moc"
