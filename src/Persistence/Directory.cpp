@@ -101,7 +101,7 @@ std::optional<DirectoryListing> Directory::tryList() const
 DirectoryListing::Kind Directory::kind(const dirent64 &entry) const noexcept
 {
     if (entry.d_type != DT_UNKNOWN)
-        return kindOfMode(DTTOIF(entry.d_type));
+        return kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
     // Not every file system tells the kind; what cannot be told is treated with most suspicion.
     struct stat found;
     return statusOf(entry.d_name, found) ? kindOfMode(found.st_mode)
