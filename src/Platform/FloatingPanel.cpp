@@ -9,7 +9,6 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QInputMethod>
-#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
@@ -19,6 +18,7 @@ FloatingPanel::FloatingPanel(Kind kind, Size contentSize)
     : QWidget(nullptr,
               kind == Kind::launcher ? PanelHints::launcherFlags() : PanelHints::editorFlags())
     , m_kind(kind)
+    , m_composition(*this)
 {
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_QuitOnClose, false);
@@ -34,9 +34,6 @@ FloatingPanel::FloatingPanel(Kind kind, Size contentSize)
     if (kind == Kind::launcher) {
         setAttribute(Qt::WA_ShowWithoutActivating);
         new KeepOnTop(*this);
-    } else {
-        connect(qGuiApp, &QGuiApplication::focusObjectChanged, this,
-                &FloatingPanel::watchComposition);
     }
 }
 
@@ -96,13 +93,6 @@ bool FloatingPanel::event(QEvent *event)
     return isHandled;
 }
 
-bool FloatingPanel::eventFilter(QObject *receiver, QEvent *event)
-{
-    if (receiver == m_composer && event->type() == QEvent::InputMethod)
-        m_isComposing = !static_cast<QInputMethodEvent *>(event)->preeditString().isEmpty();
-    return QWidget::eventFilter(receiver, event);
-}
-
 void FloatingPanel::keyPressEvent(QKeyEvent *event)
 {
     if (!event->matches(QKeySequence::Cancel)) {
@@ -111,7 +101,7 @@ void FloatingPanel::keyPressEvent(QKeyEvent *event)
     }
     if (event->isAutoRepeat())
         return;
-    if (m_isComposing)
+    if (m_composition.isComposing())
         QGuiApplication::inputMethod()->reset();
     else if (onEscape)
         onEscape();
@@ -124,18 +114,6 @@ void FloatingPanel::closeEvent(QCloseEvent *event)
         // What is not safe yet stays on the screen.
         event->setAccepted(!isVisible());
     }
-}
-
-void FloatingPanel::watchComposition(QObject *focusObject)
-{
-    if (m_composer)
-        m_composer->removeEventFilter(this);
-    m_isComposing = false;
-
-    auto *const focusWidget = qobject_cast<QWidget *>(focusObject);
-    m_composer = focusWidget && isAncestorOf(focusWidget) ? focusWidget : nullptr;
-    if (m_composer)
-        m_composer->installEventFilter(this);
 }
 
 void FloatingPanel::updateShape()

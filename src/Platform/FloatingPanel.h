@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "CompositionWatch.h"
 #include "Geometry.h"
 
 #include <QPointer>
@@ -38,17 +39,14 @@ public:
 
 protected:
     bool event(QEvent *event) override;
-    bool eventFilter(QObject *receiver, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    void watchComposition(QObject *focusObject);
     void updateShape();
 
     const Kind m_kind;
+    const CompositionWatch m_composition;
     QPointer<QWidget> m_content;
-    QPointer<QObject> m_composer;
-    bool m_isComposing = false;
     bool m_isCutOut = false;
 };

@@ -20,9 +20,6 @@ namespace {
 
 constexpr int plusPixelSize = 23;
 
-constexpr double notHovered = 0;
-constexpr double hovered = 1;
-
 /// A soft shadow within the padding: rings around the disc, each wider and lighter than the last.
 constexpr int shadowRings = 4;
 constexpr float shadowOpacity = 0.035F;
@@ -61,15 +58,15 @@ LauncherView::LauncherView(const AppPreferences &preferences, const Screens &scr
     , m_preferences(preferences)
     , m_hitView(new LauncherHitView(screens, &preferences, this))
 {
-    m_hover.setStartValue(notHovered);
-    m_hover.setEndValue(notHovered);
+    m_hover.setDuration(Metrics::launcherHoverMilliseconds);
     m_hover.setEasingCurve(easeOut());
     setFixedSize(Metrics::launcherSize);
 
     connect(m_hitView, &LauncherHitView::openRequested, this, &LauncherView::openRequested);
     connect(m_hitView, &LauncherHitView::moved, this, &LauncherView::moved);
     connect(m_hitView, &LauncherHitView::quitRequested, this, &LauncherView::quitRequested);
-    connect(&m_hover, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    connect(&m_hover, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant &emphasis) { setEmphasis(emphasis.toDouble()); });
     connect(&m_preferences, &AppPreferences::languageChanged, this, &LauncherView::render);
 
     render();
@@ -78,7 +75,7 @@ LauncherView::LauncherView(const AppPreferences &preferences, const Screens &scr
 QRectF LauncherView::disc() const
 {
     const double growth = reducesMotion() ? 0 : Metrics::launcherHoverScale - 1;
-    const double side = Metrics::launcherDisc * (1 + growth * m_hover.currentValue().toDouble());
+    const double side = Metrics::launcherDisc * (1 + growth * m_emphasis);
     QRectF disc(0, 0, side, side);
     disc.moveCenter(QRectF(rect()).center());
     return disc;
@@ -125,23 +122,29 @@ void LauncherView::paintEvent(QPaintEvent * /*event*/)
         !environment || !environment->reduceTransparency())
         paintShadow(painter, atRest);
     GlassSurface::paint(painter, atRest, this);
-    Symbol::paint(painter, atRest, u"plus"_s, plusPixelSize,
-                  mixed(NoteTheme::color(palette(), Tone::primary), NoteTheme::accent(),
-                        m_hover.currentValue().toDouble()),
-                  QFont::Light);
+    Symbol::paint(
+        painter, atRest, u"plus"_s, plusPixelSize,
+        mixed(NoteTheme::color(palette(), Tone::primary), NoteTheme::accent(), m_emphasis),
+        QFont::Light);
 }
 
 void LauncherView::setHovered(bool isHovered)
 {
-    const double target = isHovered ? hovered : notHovered;
-    if (m_hover.endValue().toDouble() == target)
-        return;
-    const double now = m_hover.currentValue().toDouble();
+    const double target = isHovered ? 1 : 0;
     m_hover.stop();
-    m_hover.setStartValue(now);
+    if (reducesMotion() || !isVisible()) {
+        setEmphasis(target);
+        return;
+    }
+    m_hover.setStartValue(m_emphasis);
     m_hover.setEndValue(target);
-    m_hover.setDuration(reducesMotion() || !isVisible() ? 0 : Metrics::launcherHoverMilliseconds);
     m_hover.start();
+}
+
+void LauncherView::setEmphasis(double emphasis)
+{
+    m_emphasis = emphasis;
+    update();
 }
 
 bool LauncherView::reducesMotion() const

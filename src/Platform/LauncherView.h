@@ -34,11 +34,13 @@ protected:
 
 private:
     void setHovered(bool isHovered);
+    void setEmphasis(double emphasis);
     [[nodiscard]] bool reducesMotion() const;
     void render();
 
     const AppPreferences &m_preferences;
     LauncherHitView *const m_hitView;
-    /// From not hovered, 0, to hovered, 1.
     QVariantAnimation m_hover;
+    /// From 0, the pointer is elsewhere, to 1, it is over the launcher.
+    double m_emphasis = 0;
 };

@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+#include "LauncherHitView.h"
+
+#include "AppPreferences.h"
+#include "FakeScreens.h"
+
+#include <QAccessible>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+Q_DECLARE_METATYPE(LauncherInteraction::Translation)
+
+namespace {
+
+constexpr QPoint middle(32, 32);
+
+QStringList titles(const QMenu &menu)
+{
+    QStringList result;
+    const QList<QAction *> actions = menu.actions();
+    for (const QAction *action : actions)
+        result.append(action->isSeparator() ? u"-"_s : action->text());
+    return result;
+}
+
+} // namespace
+
+class LauncherHitViewTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void opensOnAClick();
+    void opensOnAClickWithControlAsWell();
+    void actsOnTheFirstClickWhileAnotherProgramIsActive();
+    void takesAPressInACornerOutsideTheDisc();
+    void reportsADragInScreenPoints();
+    void ignoresTheOtherButtonsOfTheMouse();
+    void ignoresAReleaseWithoutAPress();
+
+    void hasAMenuOfTwoItemsAndASeparator();
+    void opensItsMenuOnARightClickAndDoesNothingElse();
+    void actsOnTheItemsOfTheMenu();
+    void showsTheMenuInTheChosenLanguage();
+
+    void isAButtonNamedNewNoteToAssistiveTools();
+    void followsTheLanguageWithItsName();
+    void opensWhenAnAssistiveToolPressesIt();
+    void opensItsMenuForAnAssistiveTool();
+
+private:
+    FakeScreens m_screens;
+};
+
+void LauncherHitViewTest::opensOnAClick()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.resize(64, 64);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
+
+    QTest::mousePress(&view, Qt::LeftButton, {}, middle);
+    QCOMPARE(opened.size(), 0);
+
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, middle);
+    QCOMPARE(opened.size(), 1);
+    QCOMPARE(moved.size(), 0);
+}
+
+void LauncherHitViewTest::opensOnAClickWithControlAsWell()
+{
+    LauncherHitView view(m_screens, nullptr);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+
+    QTest::mouseClick(&view, Qt::LeftButton, Qt::ControlModifier, middle);
+
+    QCOMPARE(opened.size(), 1);
+    QVERIFY(!view.findChild<QMenu *>());
+}
+
+void LauncherHitViewTest::actsOnTheFirstClickWhileAnotherProgramIsActive()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.show();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+
+    QTest::mouseClick(&view, Qt::LeftButton, {}, middle);
+
+    QCOMPARE(opened.size(), 1);
+}
+
+void LauncherHitViewTest::takesAPressInACornerOutsideTheDisc()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.resize(64, 64);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+
+    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(0, 0));
+    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(63, 63));
+
+    QCOMPARE(opened.size(), 2);
+}
+
+void LauncherHitViewTest::reportsADragInScreenPoints()
+{
+    LauncherHitView view(m_screens, nullptr);
+    QSignalSpy moved(&view, &LauncherHitView::moved);
+
+    QTest::mousePress(&view, Qt::LeftButton, {}, middle);
+    QTest::mouseMove(&view, middle + QPoint(30, 10));
+    QTRY_COMPARE(moved.size(), 1);
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, middle + QPoint(30, 20));
+
+    QCOMPARE(moved.size(), 2);
+    QCOMPARE(moved.at(0).at(0).value<LauncherInteraction::Translation>(), (Size{30, 10}));
+    QCOMPARE(moved.at(0).at(1).toBool(), false);
+    QCOMPARE(moved.at(1).at(0).value<LauncherInteraction::Translation>(), (Size{30, 20}));
+    QCOMPARE(moved.at(1).at(1).toBool(), true);
+}
+
+void LauncherHitViewTest::ignoresTheOtherButtonsOfTheMouse()
+{
+    LauncherHitView view(m_screens, nullptr);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+
+    QTest::mouseClick(&view, Qt::MiddleButton, {}, middle);
+    QTest::mouseClick(&view, Qt::RightButton, {}, middle);
+
+    QCOMPARE(opened.size(), 0);
+}
+
+void LauncherHitViewTest::ignoresAReleaseWithoutAPress()
+{
+    // As when the press closed a menu.
+    LauncherHitView view(m_screens, nullptr);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, middle);
+
+    QCOMPARE(opened.size(), 0);
+}
+
+void LauncherHitViewTest::hasAMenuOfTwoItemsAndASeparator()
+{
+    LauncherHitView view(m_screens, nullptr);
+
+    QCOMPARE(titles(*view.makeMenu()), (QStringList{u"New note"_s, u"-"_s, u"Quit Quillmark"_s}));
+}
+
+void LauncherHitViewTest::opensItsMenuOnARightClickAndDoesNothingElse()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.show();
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy quit(&view, &LauncherHitView::quitRequested);
+
+    QContextMenuEvent event(QContextMenuEvent::Mouse, middle, view.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&view, &event);
+
+    const auto *menu = view.findChild<QMenu *>();
+    QVERIFY(menu);
+    QVERIFY(menu->isVisible());
+    QCOMPARE(opened.size(), 0);
+    QCOMPARE(quit.size(), 0);
+}
+
+void LauncherHitViewTest::actsOnTheItemsOfTheMenu()
+{
+    LauncherHitView view(m_screens, nullptr);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy quit(&view, &LauncherHitView::quitRequested);
+    const QMenu *menu = view.makeMenu();
+
+    menu->actions().constFirst()->trigger();
+    QCOMPARE(opened.size(), 1);
+    QCOMPARE(quit.size(), 0);
+
+    menu->actions().constLast()->trigger();
+    QCOMPARE(quit.size(), 1);
+}
+
+void LauncherHitViewTest::showsTheMenuInTheChosenLanguage()
+{
+    AppPreferences preferences(nullptr, AppLanguage::chinese);
+    LauncherHitView view(m_screens, &preferences);
+
+    QCOMPARE(titles(*view.makeMenu()), (QStringList{preferences.text(u"New note"_s), u"-"_s,
+                                                    preferences.text(u"Quit Quillmark"_s)}));
+    QVERIFY(titles(*view.makeMenu()).constFirst() != u"New note"_s);
+
+    preferences.setLanguage(AppLanguage::english);
+    QCOMPARE(titles(*view.makeMenu()).constFirst(), u"New note"_s);
+}
+
+void LauncherHitViewTest::isAButtonNamedNewNoteToAssistiveTools()
+{
+    LauncherHitView view(m_screens, nullptr);
+    QAccessibleInterface *element = QAccessible::queryAccessibleInterface(&view);
+
+    QCOMPARE(view.objectName(), u"floatingLauncher"_s);
+    QVERIFY(element);
+    QCOMPARE(element->role(), QAccessible::Button);
+    QCOMPARE(element->text(QAccessible::Name), u"New note"_s);
+}
+
+void LauncherHitViewTest::followsTheLanguageWithItsName()
+{
+    AppPreferences preferences(nullptr, AppLanguage::english);
+    LauncherHitView view(m_screens, &preferences);
+    const QAccessibleInterface *element = QAccessible::queryAccessibleInterface(&view);
+
+    preferences.setLanguage(AppLanguage::chinese);
+
+    QCOMPARE(element->text(QAccessible::Name), preferences.text(u"New note"_s));
+    QVERIFY(element->text(QAccessible::Name) != u"New note"_s);
+}
+
+void LauncherHitViewTest::opensWhenAnAssistiveToolPressesIt()
+{
+    LauncherHitView view(m_screens, nullptr);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    QAccessibleActionInterface *actions =
+        QAccessible::queryAccessibleInterface(&view)->actionInterface();
+
+    QVERIFY(actions);
+    QVERIFY(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
+    actions->doAction(QAccessibleActionInterface::pressAction());
+
+    QCOMPARE(opened.size(), 1);
+}
+
+void LauncherHitViewTest::opensItsMenuForAnAssistiveTool()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.show();
+    QAccessibleActionInterface *actions =
+        QAccessible::queryAccessibleInterface(&view)->actionInterface();
+
+    QVERIFY(actions->actionNames().contains(QAccessibleActionInterface::showMenuAction()));
+    actions->doAction(QAccessibleActionInterface::showMenuAction());
+
+    const auto *menu = view.findChild<QMenu *>();
+    QVERIFY(menu);
+    QVERIFY(menu->isVisible());
+}
+
+QTEST_MAIN(LauncherHitViewTest)
+#include "LauncherHitViewTest.moc"
