@@ -15,6 +15,11 @@ if(QUILLMARK_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(QUILLMARK_BUILD_FUZZERS)
+  # The fuzzers are led by what they reach, so all that they reach is instrumented.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(QUILLMARK_TIDY)
   find_program(CLANG_TIDY NAMES clang-tidy-14 clang-tidy REQUIRED)
   set(CMAKE_CXX_CLANG_TIDY ${CLANG_TIDY} --quiet)
