@@ -45,7 +45,7 @@ struct LayoutSpacing {
 /// Takes what space the others leave.
 [[nodiscard]] LayoutItem stretch();
 
-/// A gap of fixed length along the row or column.
+/// A gap of fixed length along the row or column, beside the usual space between two items.
 [[nodiscard]] LayoutItem gap(int points);
 
 /// An item that takes what space the others leave.

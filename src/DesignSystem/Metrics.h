@@ -25,6 +25,7 @@ inline constexpr double tabFill = 0.07;
 inline constexpr QMargins bannerMargins{panelMargin, 0, panelMargin, 18};
 inline constexpr QMargins bannerPadding{12, 12, 12, 12};
 inline constexpr int bannerSpacing = 8;
+inline constexpr int paragraphLineSpacing = 2;
 inline constexpr int bannerRadius = 12;
 inline constexpr double bannerFill = 0.07;
 inline constexpr QMargins footerPadding{panelMargin, 11, panelMargin, 14};
@@ -50,7 +51,7 @@ inline constexpr int actionSpacing = 9;
 inline constexpr int editSpacing = 16;
 
 // The question before a note is deleted.
-inline constexpr int alertWidth = 316;
+inline constexpr int alertWidth = 344;
 inline constexpr QMargins alertPadding{24, 22, 24, 20};
 inline constexpr int alertRadius = 20;
 inline constexpr int belowAlertTitle = 8;

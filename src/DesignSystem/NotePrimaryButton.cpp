@@ -32,7 +32,7 @@ void NotePrimaryButton::paintEvent(QPaintEvent *)
         return;
     }
     // Dimmed as a whole: text that were dimmed by itself would let the capsule through.
-    const double ratio = devicePixelRatioF();
+    const double ratio = painter.device()->devicePixelRatio();
     QPixmap whole(size() * ratio);
     whole.setDevicePixelRatio(ratio);
     whole.fill(Qt::transparent);

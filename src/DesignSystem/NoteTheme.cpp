@@ -69,10 +69,12 @@ QPalette NoteTheme::palette(ColorScheme scheme)
     const Colors c = colors(scheme);
     QPalette palette(c.raised, c.window);
     for (const auto textRole :
-         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
         palette.setColor(textRole, c.primary);
-        palette.setColor(QPalette::Disabled, textRole, c.tertiary);
-    }
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, c.tertiary);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, c.tertiary);
+    // A disabled editor still shows text that someone wants to read.
+    palette.setColor(QPalette::Disabled, QPalette::Text, c.secondary);
     palette.setColor(QPalette::Base, c.base);
     palette.setColor(QPalette::AlternateBase, c.window);
     palette.setColor(QPalette::ToolTipBase, c.base);

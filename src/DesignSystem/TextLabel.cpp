@@ -1,10 +1,46 @@
 // SPDX-License-Identifier: MIT
 #include "TextLabel.h"
 
+#include "Metrics.h"
 #include "TextLine.h"
 
 #include <QEvent>
 #include <QPainter>
+#include <QStyle>
+#include <QTextLayout>
+#include <cmath>
+
+namespace {
+
+/// Breaks the text into lines of that width; gives the height of them all.
+double layOut(QTextLayout &layout, double width)
+{
+    double height = 0;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        if (line.lineNumber() > 0)
+            height += Metrics::paragraphLineSpacing;
+        line.setPosition({0, height});
+        height += line.height();
+    }
+    layout.endLayout();
+    return height;
+}
+
+QString withLineSeparators(QString text)
+{
+    return text.replace(u'\n', QChar(QChar::LineSeparator));
+}
+
+QTextOption wrapping(Qt::Alignment alignment = {})
+{
+    QTextOption option(alignment);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    return option;
+}
+
+} // namespace
 
 TextLabel::TextLabel(const TextStyle &style, QWidget *parent)
     : QLabel(parent)
@@ -44,10 +80,23 @@ QSize TextLabel::sizeHint() const
 
 QSize TextLabel::minimumSizeHint() const
 {
+    if (wordWrap())
+        return {0, fontMetrics().height()};
     if (!isOneLine())
         return QLabel::minimumSizeHint();
     const QSize whole = sizeHint();
     return m_elides ? QSize(0, whole.height()) : whole;
+}
+
+int TextLabel::heightForWidth(int width) const
+{
+    if (!wordWrap())
+        return QLabel::heightForWidth(width);
+    const QMargins around = contentsMargins();
+    QTextLayout layout(withLineSeparators(text()), font());
+    layout.setTextOption(wrapping());
+    const double height = layOut(layout, width - around.left() - around.right());
+    return static_cast<int>(std::ceil(height)) + around.top() + around.bottom();
 }
 
 void TextLabel::changeEvent(QEvent *event)
@@ -59,14 +108,27 @@ void TextLabel::changeEvent(QEvent *event)
 
 void TextLabel::paintEvent(QPaintEvent *event)
 {
-    if (!isOneLine()) {
+    if (!isOneLine() && !wordWrap()) {
         QLabel::paintEvent(event);
         return;
     }
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
+    if (wordWrap()) {
+        paintParagraph(painter);
+        return;
+    }
     const QString shown =
         m_elides ? fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width())
                  : text();
     TextLine::paint(painter, contentsRect(), shown, alignment());
+}
+
+void TextLabel::paintParagraph(QPainter &painter) const
+{
+    const Qt::Alignment across = alignment() & Qt::AlignHorizontal_Mask;
+    QTextLayout layout(withLineSeparators(text()), font());
+    layout.setTextOption(wrapping(QStyle::visualAlignment(layoutDirection(), across)));
+    layOut(layout, contentsRect().width());
+    layout.draw(&painter, contentsRect().topLeft());
 }

@@ -5,6 +5,8 @@
 
 #include <QLabel>
 
+class QPainter;
+
 /// Plain text in one of the program's styles, in the colours of the palette above it.
 ///
 /// A single line is a TextLine: its height is that of the style's font whatever is written in it.
@@ -15,7 +17,8 @@ public:
     explicit TextLabel(const TextStyle &style, QWidget *parent = nullptr);
     TextLabel(const TextStyle &style, const QString &text, QWidget *parent = nullptr);
 
-    /// Lines break where the space ends, and the label is as high as its lines.
+    /// Lines break where the space ends, within a word only where it is longer than a line, and the
+    /// label is as high as its lines.
     void setWraps(bool wraps);
 
     /// One line that may be narrower than its text, which then ends in an ellipsis.
@@ -23,6 +26,7 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -30,6 +34,7 @@ protected:
 
 private:
     [[nodiscard]] bool isOneLine() const;
+    void paintParagraph(QPainter &painter) const;
 
     TextStyle m_style;
     bool m_elides = false;

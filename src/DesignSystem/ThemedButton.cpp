@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ThemedButton.h"
 
+#include "FocusRing.h"
+
 #include <QEvent>
 #include <QKeyEvent>
 
@@ -20,6 +22,7 @@ ThemedButton::ThemedButton(const TextStyle &style, QWidget *parent)
     , m_style(style)
 {
     setFont(style.font(locale()));
+    FocusRing::watch(this);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }

@@ -65,6 +65,7 @@ PreferencesMenu::PreferencesMenu(AppPreferences &preferences, NotesFolder notesF
     setObjectName(u"preferencesMenu"_s);
     setPopupMode(QToolButton::InstantPopup);
     setFocusPolicy(Qt::TabFocus);
+    FocusRing::watch(this);
     setFixedSize(Metrics::preferencesButton);
     setMenu(m_menu);
     m_menu->addMenu(m_languages);

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "TextLabel.h"
+#include "Pixels.h"
+#include "SystemAppearance.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+class TextLabelTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void followsThePaletteInItsTone();
+    void isAsHighInChineseAsInEnglish();
+    void centresItsCapitals();
+    void showsMarkupAndAmpersandsAsTheyAre();
+    void elidesWhenItIsTooNarrow();
+    void wrapsWhenItMay();
+    void breaksAWordThatIsLongerThanALine();
+    void takesItsFontForTheLocaleAbove();
+};
+
+void TextLabelTest::followsThePaletteInItsTone()
+{
+    QWidget tree;
+    tree.setPalette(NoteTheme::palette(ColorScheme::light));
+    TextLabel label(TextStyles::subtitle, &tree);
+
+    QCOMPARE(label.palette().color(label.foregroundRole()),
+             NoteTheme::secondary(NoteTheme::palette(ColorScheme::light)));
+    tree.setPalette(NoteTheme::palette(ColorScheme::dark));
+    QCOMPARE(label.palette().color(label.foregroundRole()),
+             NoteTheme::secondary(NoteTheme::palette(ColorScheme::dark)));
+}
+
+void TextLabelTest::isAsHighInChineseAsInEnglish()
+{
+    const TextLabel english(TextStyles::screenTitle, u"What’s on your mind?"_s);
+    const TextLabel chinese(TextStyles::screenTitle, u"在想什么？"_s);
+
+    QCOMPARE(chinese.sizeHint().height(), english.sizeHint().height());
+    QCOMPARE(english.sizeHint().height(), QFontMetrics(english.font()).height());
+}
+
+void TextLabelTest::centresItsCapitals()
+{
+    TextLabel label(TextStyles::screenTitle, u"H"_s);
+    for (const int height : {32, 47, 60}) {
+        label.resize(60, height);
+        const QRect ink = Pixels::inkBounds(Pixels::draw(label));
+        QVERIFY(std::abs(ink.top() - (height - 1 - ink.bottom())) <= 2);
+    }
+}
+
+void TextLabelTest::showsMarkupAndAmpersandsAsTheyAre()
+{
+    TextLabel label(TextStyles::subtitle, u"<b>Save</b> & close"_s);
+
+    QCOMPARE(label.textFormat(), Qt::PlainText);
+    QCOMPARE(label.sizeHint().width(),
+             QFontMetrics(label.font()).horizontalAdvance(u"<b>Save</b> & close"_s));
+}
+
+void TextLabelTest::elidesWhenItIsTooNarrow()
+{
+    TextLabel label(TextStyles::rowExcerpt, u"A long excerpt that has no room at all"_s);
+    QVERIFY(label.minimumSizeHint().width() > 60);
+    label.setElides(true);
+    QCOMPARE(label.minimumSizeHint().width(), 0);
+
+    label.resize(60, label.sizeHint().height());
+    const QRect ink = Pixels::inkBounds(Pixels::draw(label));
+
+    QVERIFY(ink.right() < 60);
+    QCOMPARE(label.text(), u"A long excerpt that has no room at all"_s);
+}
+
+void TextLabelTest::wrapsWhenItMay()
+{
+    TextLabel label(TextStyles::banner, u"Could not save. Your text is still in this window."_s);
+    const int oneLine = label.sizeHint().height();
+
+    label.setWraps(true);
+
+    QVERIFY(label.hasHeightForWidth());
+    QVERIFY(label.heightForWidth(150) > oneLine);
+}
+
+void TextLabelTest::breaksAWordThatIsLongerThanALine()
+{
+    TextLabel label(TextStyles::banner, u"/home/"_s + u"averylongname"_s.repeated(8));
+    label.setWraps(true);
+    QVERIFY(label.minimumSizeHint().width() <= 120);
+    QVERIFY(label.heightForWidth(120) >= 5 * QFontMetrics(label.font()).height());
+
+    label.resize(120, label.heightForWidth(120));
+    const QRect ink = Pixels::inkBounds(Pixels::draw(label));
+
+    QVERIFY(ink.width() > 60);
+    QVERIFY(ink.right() < 120);
+    QVERIFY(ink.bottom() > label.height() / 2);
+}
+
+void TextLabelTest::takesItsFontForTheLocaleAbove()
+{
+    QWidget tree;
+    tree.setLocale(QLocale(QLocale::English));
+    TextLabel label(TextStyles::subtitle, &tree);
+    QCOMPARE(label.font(), TextStyles::subtitle.font(QLocale(QLocale::English)));
+
+    tree.setLocale(QLocale(QLocale::Chinese));
+
+    QCOMPARE(label.font().families(),
+             TextStyles::subtitle.font(QLocale(QLocale::Chinese)).families());
+}
+
+QTEST_MAIN(TextLabelTest)
+#include "TextLabelTest.moc"
