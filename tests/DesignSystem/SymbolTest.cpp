@@ -94,12 +94,17 @@ void SymbolTest::drawsWhatItsFileShows()
                   QFont::Medium);
     painter.end();
 
-    // Two ways of drawing a rim may disagree on how much of a pixel is covered, by less than half.
-    constexpr int tolerance = 127;
+    // Qt Svg flattens curves before it scales them, so that the rims of bends may lie elsewhere.
+    constexpr float half = 0.5F;
+    int different = 0;
     for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x)
-            QVERIFY(Pixels::isAlike(drawn.pixelColor(x, y), expected.pixelColor(x, y), tolerance));
+        for (int x = 0; x < side; ++x) {
+            const float change =
+                drawn.pixelColor(x, y).alphaF() - expected.pixelColor(x, y).alphaF();
+            different += std::abs(change) > half;
+        }
     }
+    QVERIFY2(different < ink(expected) / 50, qPrintable(QString::number(different)));
     QVERIFY(std::abs(ink(drawn) / ink(expected) - 1) < 0.01);
 }
 
