@@ -4,6 +4,21 @@
 #include <algorithm>
 #include <cstring>
 
+namespace {
+
+/// The first bytes of a name as a number that is ordered as they are.
+std::uint64_t beginning(const char *name)
+{
+    std::uint64_t number = 0;
+    for (unsigned i = 0; i < sizeof(number); ++i) {
+        number = number << 8 | static_cast<unsigned char>(*name);
+        name += *name != '\0' ? 1 : 0;
+    }
+    return number;
+}
+
+} // namespace
+
 void DirectoryListing::add(std::uint64_t inode, Kind kind, std::string_view name)
 {
     m_entries.push_back({inode, m_names.size(), kind});
@@ -13,7 +28,19 @@ void DirectoryListing::add(std::uint64_t inode, Kind kind, std::string_view name
 
 void DirectoryListing::sort()
 {
-    std::ranges::sort(m_entries, [this](const Entry &a, const Entry &b) {
-        return std::strcmp(name(a), name(b)) < 0;
+    // Nearly all names differ within their first bytes, which are compared without looking them up.
+    struct Keyed {
+        std::uint64_t beginning;
+        Entry entry;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(m_entries.size());
+    for (const Entry &entry : m_entries)
+        keyed.push_back({beginning(name(entry)), entry});
+    std::ranges::sort(keyed, [this](const Keyed &a, const Keyed &b) {
+        if (a.beginning != b.beginning)
+            return a.beginning < b.beginning;
+        return std::strcmp(name(a.entry), name(b.entry)) < 0;
     });
+    std::ranges::transform(keyed, m_entries.begin(), &Keyed::entry);
 }

@@ -19,6 +19,8 @@ public:
         std::uint64_t inode;
         std::size_t nameOffset;
         Kind kind;
+
+        friend bool operator==(const Entry &, const Entry &) = default;
     };
 
     void add(std::uint64_t inode, Kind kind, std::string_view name);
@@ -40,6 +42,9 @@ public:
     {
         std::erase_if(m_entries, [&](const Entry &entry) { return !predicate(entry); });
     }
+
+    /// True when both were read alike: the same entries in the same order.
+    friend bool operator==(const DirectoryListing &a, const DirectoryListing &b) = default;
 
 private:
     std::string m_names;

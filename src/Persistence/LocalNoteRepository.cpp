@@ -89,25 +89,25 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot)
     if (m_state && plan.isEmpty()) {
         // The folder that the exchange would put in place is the one that is there.
         MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
-        refuseExternalChange();
+        refuseExternalChange(plan);
         return;
     }
     MarkdownTransaction::replace(
         collectionURL(), [&](const std::filesystem::path &stage) { plan.apply(stage); },
-        [this] { refuseExternalChange(); },
+        [&] { refuseExternalChange(plan); },
         [&](const std::filesystem::path &displaced) { plan.checkReplaced(displaced); });
     m_state = plan.takeState();
 }
 
-void LocalNoteRepository::refuseExternalChange() const
+void LocalNoteRepository::refuseExternalChange(SavePlan &plan) const
 {
     const std::optional<Sha256::Digest> known =
         m_state ? std::optional(m_state->fingerprint) : std::nullopt;
-    if (fingerprint() != known)
+    if (fingerprint(plan) != known)
         throw RepositoryError::externalChange();
 }
 
-std::optional<Sha256::Digest> LocalNoteRepository::fingerprint() const
+std::optional<Sha256::Digest> LocalNoteRepository::fingerprint(SavePlan &plan) const
 {
     const std::optional<NoteFolder> folder = NoteFolder::openIfExists(m_fileURL.parent_path());
     if (!folder)
@@ -115,6 +115,7 @@ std::optional<Sha256::Digest> LocalNoteRepository::fingerprint() const
     FolderFingerprint sum(collectionURL());
     folder->visit([&](Section section, std::string_view name, std::string_view bytes) {
         sum.add(section, name, bytes);
+        plan.see(section, name, bytes);
     });
     return sum.finish();
 }

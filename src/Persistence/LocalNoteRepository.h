@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <optional>
 
+class SavePlan;
+
 /// The notes as a folder of Markdown files; docs/FORMAT.md describes it whole.
 ///
 /// Lives on one thread. Refuses to overwrite what another program changed since the last load or
@@ -28,8 +30,10 @@ public:
 private:
     [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot() const;
     void write(const NoteSnapshot &snapshot);
-    void refuseExternalChange() const;
-    [[nodiscard]] std::optional<Sha256::Digest> fingerprint() const;
+    void refuseExternalChange(SavePlan &plan) const;
+
+    /// Of the live folder as it is now, absent while there is none. The plan sees every file.
+    [[nodiscard]] std::optional<Sha256::Digest> fingerprint(SavePlan &plan) const;
     [[nodiscard]] std::filesystem::path collectionURL() const;
 
     const std::filesystem::path m_fileURL;

@@ -1,10 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "NoteFile.h"
 
+#include "FileError.h"
+#include "NoteFolder.h"
 #include "NoteId.h"
+#include "NoteMarkdownCodec.h"
+#include "Utf8.h"
 
-#include <QVarLengthArray>
 #include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t idLength = 36;
+
+} // namespace
 
 NoteFileName::NoteFileName(std::string_view name)
 {
@@ -12,18 +22,34 @@ NoteFileName::NoteFileName(std::string_view name)
     std::ranges::copy(name, m_text.begin());
 }
 
+NoteFileName NoteFileName::ofNote(const QUuid &id)
+{
+    return NoteFileName((canonicalText(id).toLatin1() + ".md").toStdString());
+}
+
 bool NoteFileName::fits(std::string_view name) noexcept
 {
     return name.size() < sizeof(NoteFileName);
 }
 
-ContentDigest contentDigest(Sha256 &sha256, std::string_view bytes)
+std::strong_ordering operator<=>(const NoteFileName &a, const NoteFileName &b) noexcept
 {
-    sha256.add(bytes);
-    const Sha256::Digest whole = sha256.finish();
-    ContentDigest half;
-    std::copy_n(whole.begin(), half.size(), half.begin());
-    return half;
+    return std::memcmp(a.m_text.data(), b.m_text.data(), a.m_text.size()) <=> 0;
+}
+
+std::string NoteFile::bytes(const std::filesystem::path &folder) const
+{
+    const auto refuse = [&](FileError::Reason reason) {
+        throw FileError(folder / NoteFolder::sectionName(place.section) / place.name.c_str(),
+                        reason);
+    };
+    std::string bytes;
+    const bool isNote = place.section == Section::notes;
+    if (!encodeUtf8(isNote ? NoteMarkdownCodec::encode(note) : note.body, bytes))
+        refuse(FileError::Reason::notUnicode);
+    if (bytes.size() > NoteFolder::largestFile)
+        refuse(FileError::Reason::tooLarge);
+    return bytes;
 }
 
 bool isMarkdownName(std::string_view name) noexcept
@@ -41,8 +67,10 @@ std::string_view stem(std::string_view name) noexcept
 
 std::optional<QUuid> parseId(std::string_view bytes)
 {
-    QVarLengthArray<char16_t, 40> text;
-    for (const char c : bytes)
-        text.append(static_cast<unsigned char>(c));
-    return parseId(QStringView(text.data(), text.size()));
+    if (bytes.size() != idLength)
+        return std::nullopt;
+    std::array<char16_t, idLength> text;
+    std::ranges::transform(bytes, text.begin(),
+                           [](char c) { return static_cast<unsigned char>(c); });
+    return parseId(QStringView(text));
 }

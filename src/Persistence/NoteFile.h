@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Sha256.h"
+#include "Note.h"
 
 #include <QUuid>
 #include <array>
 #include <compare>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 /// The parts of the Markdown folder, in the order in which they are read and fingerprinted.
@@ -22,12 +24,15 @@ public:
     /// The name must fit.
     explicit NoteFileName(std::string_view name);
 
+    [[nodiscard]] static NoteFileName ofNote(const QUuid &id);
+
     /// False for what is longer than an identifier with its extension, and so none of the notes'.
     [[nodiscard]] static bool fits(std::string_view name) noexcept;
 
     [[nodiscard]] const char *c_str() const noexcept { return m_text.data(); }
 
-    friend auto operator<=>(const NoteFileName &, const NoteFileName &) = default;
+    friend std::strong_ordering operator<=>(const NoteFileName &a, const NoteFileName &b) noexcept;
+    friend bool operator==(const NoteFileName &a, const NoteFileName &b) noexcept = default;
 
 private:
     std::array<char, 40> m_text{};
@@ -41,15 +46,19 @@ struct NoteFilePlace {
     friend auto operator<=>(const NoteFilePlace &, const NoteFilePlace &) = default;
 };
 
-/// Half of a SHA-256, enough to tell one content from another.
-using ContentDigest = std::array<unsigned char, 16>;
-
-[[nodiscard]] ContentDigest contentDigest(Sha256 &sha256, std::string_view bytes);
-
-/// A file as it was last read or written.
+/// A file as it was last read, was last written, or is to be written.
 struct NoteFile {
     NoteFilePlace place;
-    ContentDigest content;
+
+    /// For any other section than the notes only the body counts: it is the file's whole text.
+    Note note;
+
+    /// Whether bytes() gives the file's bytes. A note that somebody wrote by hand may have its
+    /// header in another order.
+    bool isExact = true;
+
+    /// Throws a FileError for a text that no file can hold; the folder's path is for the error.
+    [[nodiscard]] std::string bytes(const std::filesystem::path &folder) const;
 };
 
 /// True for "md" in either case after the last point, unless nothing stands before that point.

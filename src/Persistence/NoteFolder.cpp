@@ -1,6 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "NoteFolder.h"
 
+namespace {
+
+/// By ascending name.
+DirectoryListing markdownFiles(const Directory &section)
+{
+    DirectoryListing listing = section.list();
+    listing.keepIf([&](const DirectoryListing::Entry &entry) {
+        if (!isMarkdownName(listing.name(entry)))
+            return false;
+        if (entry.kind != DirectoryListing::Kind::file)
+            throw section.error(listing.name(entry), FileError::Reason::notRegularFile);
+        return true;
+    });
+    listing.sort();
+    return listing;
+}
+
+} // namespace
+
 std::optional<NoteFolder> NoteFolder::openIfExists(const std::filesystem::path &data)
 {
     const std::optional<Directory> parent = Directory::openIfExists(data);
@@ -29,26 +48,12 @@ void NoteFolder::visit(const Visitor &visitor) const
     visitor(Section::marker, markerName, bytes);
     for (const Section section : {Section::notes, Section::drafts}) {
         const Directory folder = m_directory.openFolder(sectionName(section));
-        DirectoryListing files = markdownFiles(folder);
-        files.sort();
+        const DirectoryListing files = markdownFiles(folder);
         for (const DirectoryListing::Entry &file : files.entries()) {
             folder.readFile(files.name(file), largestFile, bytes);
             visitor(section, files.name(file), bytes);
         }
     }
-}
-
-DirectoryListing NoteFolder::markdownFiles(const Directory &section)
-{
-    DirectoryListing listing = section.list();
-    listing.keepIf([&](const DirectoryListing::Entry &entry) {
-        if (!isMarkdownName(listing.name(entry)))
-            return false;
-        if (entry.kind != DirectoryListing::Kind::file)
-            throw section.error(listing.name(entry), FileError::Reason::notRegularFile);
-        return true;
-    });
-    return listing;
 }
 
 FolderFingerprint::FolderFingerprint(const std::filesystem::path &folder)

@@ -3,8 +3,10 @@
 
 #include "Directory.h"
 #include "NoteFile.h"
+#include "Sha256.h"
 
 #include <functional>
+#include <vector>
 
 /// The Markdown folder on the disk, open for reading.
 class NoteFolder {
@@ -13,7 +15,6 @@ public:
     static constexpr const char *markerName = ".format";
     static constexpr std::string_view marker = "Quillmark Markdown 1\n";
     static constexpr std::string_view captureName = "capture.md";
-    static constexpr std::string_view captureStem = "capture";
 
     /// A larger file is refused, when it is read and when it would be written.
     static constexpr std::size_t largestFile = 64 * 1024 * 1024;
@@ -21,24 +22,23 @@ public:
     /// Nothing when the data folder or its Markdown folder does not exist.
     [[nodiscard]] static std::optional<NoteFolder> openIfExists(const std::filesystem::path &data);
 
-    explicit NoteFolder(Directory directory)
-        : m_directory(std::move(directory))
-    {
-    }
-
+    /// The sub-folder of a section; empty for the marker, which lies in the folder itself.
     [[nodiscard]] static const char *sectionName(Section section) noexcept;
 
     using Visitor =
         std::function<void(Section section, std::string_view name, std::string_view bytes)>;
 
     /// Reads the marker, then each Markdown file of "Notes", then of "Drafts", by ascending name:
-    /// each once, and each in whole before the next. Both views live as long as one visit.
+    /// each once, and each in whole before the next. Both views live as long as one visit. Throws a
+    /// FileError that names the first file that is not a regular one or cannot be read.
     void visit(const Visitor &visitor) const;
 
-    /// The Markdown files of one section, as listed. Throws when one is not a regular file.
-    [[nodiscard]] static DirectoryListing markdownFiles(const Directory &section);
-
 private:
+    explicit NoteFolder(Directory directory)
+        : m_directory(std::move(directory))
+    {
+    }
+
     Directory m_directory;
 };
 
@@ -60,6 +60,6 @@ private:
 struct FolderState {
     Sha256::Digest fingerprint;
 
-    /// Ordered by their places.
+    /// Ordered by their places. The texts are shared with the snapshot that they belong to.
     std::vector<NoteFile> files;
 };

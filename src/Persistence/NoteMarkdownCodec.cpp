@@ -93,6 +93,11 @@ QStringView withoutBlanksAround(QStringView text)
     return text;
 }
 
+bool isLowerCase(QChar c)
+{
+    return c >= u'a' && c <= u'z';
+}
+
 const Field *find(const Fields &fields, QStringView key)
 {
     const auto found =
@@ -144,6 +149,39 @@ QString NoteMarkdownCodec::encode(const Note &note)
     return "---\nquillmark: 1\nid: "_L1 % canonicalText(note.id) % "\ncreated: "_L1 %
            note.createdAt.toIso8601() % "\nupdated: "_L1 % note.updatedAt.toIso8601() %
            "\n---\n"_L1 % note.body;
+}
+
+std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text)
+{
+    constexpr qsizetype idLength = 36;
+    constexpr qsizetype timeLength = 24;
+    const auto take = [&text](qsizetype length) {
+        const QStringView taken = text.first(std::min(length, text.size()));
+        text = text.sliced(taken.size());
+        return taken;
+    };
+    const auto takes = [&take](QStringView expected) { return take(expected.size()) == expected; };
+
+    if (!takes(u"---\nquillmark: 1\nid: "))
+        return std::nullopt;
+    const QStringView id = take(idLength);
+    if (!takes(u"\ncreated: "))
+        return std::nullopt;
+    const QStringView created = take(timeLength);
+    if (!takes(u"\nupdated: "))
+        return std::nullopt;
+    const QStringView updated = take(timeLength);
+    if (!takes(closingFence) || std::ranges::any_of(id, isLowerCase))
+        return std::nullopt;
+
+    const std::optional<QUuid> parsedId = parseId(id);
+    const std::optional<Timestamp> createdAt = Timestamp::fromIso8601(created);
+    const std::optional<Timestamp> updatedAt = Timestamp::fromIso8601(updated);
+    // A time of this length with a zone offset, which encode() does not write, would have no room
+    // for a fraction.
+    if (!parsedId || !createdAt || !updatedAt)
+        return std::nullopt;
+    return Note{*parsedId, text.toString(), *createdAt, *updatedAt};
 }
 
 Note NoteMarkdownCodec::decode(QStringView text)

@@ -2,53 +2,40 @@
 #include "SavePlan.h"
 
 #include "NoteId.h"
-#include "NoteMarkdownCodec.h"
 #include "RepositoryError.h"
-#include "Utf8.h"
 
 #include <QSet>
 #include <algorithm>
-#include <span>
-#include <utility>
 
 namespace {
 
-/// One file of the new content: a note, or else a text that is written as it is.
-struct WantedFile {
-    NoteFilePlace place;
-    const Note *note;
-    const QString *text;
-};
-
-NoteFileName fileName(const QString &stem)
+NoteFile textFile(Section section, std::string_view name, const QString &text)
 {
-    return NoteFileName(stem.toLatin1().toStdString() + ".md");
+    return {{section, NoteFileName(name)},
+            {.id = {}, .body = text, .createdAt = {}, .updatedAt = {}}};
 }
 
 /// The notes by their file names. Whatever is written must be readable again, or the next start
 /// would be locked out.
-std::vector<WantedFile> noteFiles(const NoteSnapshot &snapshot)
+std::vector<NoteFile> noteFiles(const QList<Note> &notes)
 {
-    std::vector<WantedFile> files;
-    files.reserve(static_cast<std::size_t>(snapshot.notes.size()));
-    for (const Note &note : snapshot.notes) {
+    std::vector<NoteFile> files;
+    files.reserve(static_cast<std::size_t>(notes.size()));
+    for (const Note &note : notes) {
         if (!note.createdAt.hasTextForm() || !note.updatedAt.hasTextForm())
             throw RepositoryError::invalidMarkdown();
-        files.push_back({{Section::notes, fileName(canonicalText(note.id))}, &note, nullptr});
+        files.push_back({{Section::notes, NoteFileName::ofNote(note.id)}, note});
     }
-    std::ranges::sort(files, {}, &WantedFile::place);
-    if (std::ranges::adjacent_find(files, {}, &WantedFile::place) != files.end())
+    std::ranges::sort(files, {}, &NoteFile::place);
+    if (std::ranges::adjacent_find(files, {}, &NoteFile::place) != files.end())
         throw RepositoryError::invalidMarkdown();
     return files;
 }
 
-std::vector<WantedFile> draftFiles(const NoteSnapshot &snapshot,
-                                   const std::vector<WantedFile> &notes)
+std::vector<NoteFile> draftFiles(const NoteSnapshot &snapshot, const std::vector<NoteFile> &notes)
 {
-    std::vector<WantedFile> files;
-    files.push_back({{Section::drafts, NoteFileName(NoteFolder::captureName)},
-                     nullptr,
-                     &snapshot.captureDraft});
+    std::vector<NoteFile> files{
+        textFile(Section::drafts, NoteFolder::captureName, snapshot.captureDraft)};
     QSet<QUuid> drafted;
     const auto &drafts = snapshot.editingDrafts;
     for (auto draft = drafts.begin(); draft != drafts.end(); ++draft) {
@@ -57,25 +44,19 @@ std::vector<WantedFile> draftFiles(const NoteSnapshot &snapshot,
         if (!id || drafted.contains(*id))
             throw RepositoryError::invalidMarkdown();
         drafted.insert(*id);
-        const NoteFilePlace note{Section::notes, fileName(canonicalText(*id))};
-        if (!std::ranges::binary_search(notes, note, {}, &WantedFile::place))
+        const NoteFilePlace note{Section::notes, NoteFileName::ofNote(*id)};
+        if (!std::ranges::binary_search(notes, note, {}, &NoteFile::place))
             throw RepositoryError::invalidMarkdown();
-        files.push_back({{Section::drafts, fileName(draft.key())}, nullptr, &draft.value()});
+        files.push_back(
+            textFile(Section::drafts, draft.key().toStdString() + ".md", draft.value()));
     }
-    std::ranges::sort(files, {}, &WantedFile::place);
+    std::ranges::sort(files, {}, &NoteFile::place);
     return files;
 }
 
-/// Ordered by their places.
-std::span<const NoteFile> knownFiles(const FolderState *known)
+bool isUnchanged(const NoteFile &known, const NoteFile &wanted)
 {
-    return known ? std::span(known->files) : std::span<const NoteFile>();
-}
-
-const NoteFile *find(std::span<const NoteFile> files, const NoteFilePlace &place)
-{
-    const auto found = std::ranges::lower_bound(files, place, {}, &NoteFile::place);
-    return found != files.end() && found->place == place ? &*found : nullptr;
+    return known.isExact && known.note == wanted.note;
 }
 
 } // namespace
@@ -85,48 +66,32 @@ SavePlan::SavePlan(const NoteSnapshot &snapshot, const FolderState *known,
     : m_path(std::move(path))
     , m_fingerprint(m_path)
 {
-    const std::vector<WantedFile> notes = noteFiles(snapshot);
-    const std::vector<WantedFile> drafts = draftFiles(snapshot, notes);
-    m_state.files.reserve(notes.size() + drafts.size() + 1);
-
-    add({Section::marker, NoteFileName(NoteFolder::markerName)}, NoteFolder::marker, known);
-    std::string bytes;
-    for (const WantedFile &file : notes) {
-        toBytes(file.place, NoteMarkdownCodec::encode(*file.note), bytes);
-        add(file.place, bytes, known);
-    }
-    for (const WantedFile &file : drafts) {
-        toBytes(file.place, *file.text, bytes);
-        add(file.place, bytes, known);
-    }
-    m_state.fingerprint = m_fingerprint.finish();
-
-    for (const NoteFile &file : knownFiles(known)) {
-        if (!find(m_state.files, file.place))
-            m_removed.push_back(file);
-    }
+    const std::vector<NoteFile> notes = noteFiles(snapshot.notes);
+    const std::vector<NoteFile> drafts = draftFiles(snapshot, notes);
+    m_state.files.reserve(1 + notes.size() + drafts.size());
+    m_state.files.push_back(
+        textFile(Section::marker, NoteFolder::markerName, QString::fromUtf8(NoteFolder::marker)));
+    m_state.files.insert(m_state.files.end(), notes.begin(), notes.end());
+    m_state.files.insert(m_state.files.end(), drafts.begin(), drafts.end());
+    compare(known);
 }
 
-void SavePlan::toBytes(const NoteFilePlace &place, QStringView text, std::string &bytes) const
+void SavePlan::compare(const FolderState *known)
 {
-    if (!encodeUtf8(text, bytes))
-        throw FileError(fullPath(place), FileError::Reason::notUnicode);
-    if (bytes.size() > NoteFolder::largestFile)
-        throw FileError(fullPath(place), FileError::Reason::tooLarge);
-}
-
-void SavePlan::add(const NoteFilePlace &place, std::string_view bytes, const FolderState *known)
-{
-    const ContentDigest content = contentDigest(m_sha256, bytes);
-    m_fingerprint.add(place.section, place.name.c_str(), bytes);
-    m_state.files.push_back({place, content});
-
-    const NoteFile *before = find(knownFiles(known), place);
-    if (before && before->content == content)
-        return;
-    m_writes.push_back({place, std::string(bytes)});
-    if (before)
-        m_rewritten.push_back(*before);
+    static const std::vector<NoteFile> none;
+    const std::vector<NoteFile> &before = known ? known->files : none;
+    auto old = before.begin();
+    for (const NoteFile &file : m_state.files) {
+        for (; old != before.end() && old->place < file.place; ++old)
+            m_removals.push_back(old->place);
+        const bool isKnown = old != before.end() && old->place == file.place;
+        if (!isKnown || !isUnchanged(*old, file))
+            m_writes.push_back({file.place, file.bytes(m_path)});
+        if (isKnown)
+            ++old;
+    }
+    for (; old != before.end(); ++old)
+        m_removals.push_back(old->place);
 }
 
 void SavePlan::apply(const std::filesystem::path &stage) const
@@ -137,24 +102,19 @@ void SavePlan::apply(const std::filesystem::path &stage) const
     write(folder, Section::marker);
     for (const Section section : {Section::notes, Section::drafts}) {
         const Directory files = folder.openOrMakeFolder(NoteFolder::sectionName(section));
-        removeUnwanted(files, section);
+        remove(files, section);
         write(files, section);
     }
 }
 
-void SavePlan::removeUnwanted(const Directory &folder, Section section) const
+void SavePlan::remove(const Directory &folder, Section section) const
 {
-    const DirectoryListing listing = NoteFolder::markdownFiles(folder);
-    for (const DirectoryListing::Entry &entry : listing.entries()) {
-        const char *name = listing.name(entry);
-        if (!isWanted(section, name))
-            folder.remove(name);
+    for (const NoteFilePlace &place : m_removals) {
+        // One that has gone already is another program's change, and seen as such.
+        if (place.section == section &&
+            !folder.tryRemove(place.name.c_str(), DirectoryListing::Kind::file) && errno != ENOENT)
+            throw folder.error(place.name.c_str());
     }
-}
-
-bool SavePlan::isWanted(Section section, std::string_view name) const
-{
-    return NoteFileName::fits(name) && find(m_state.files, {section, NoteFileName(name)});
 }
 
 void SavePlan::write(const Directory &folder, Section section) const
@@ -165,24 +125,63 @@ void SavePlan::write(const Directory &folder, Section section) const
     }
 }
 
+void SavePlan::see(Section section, std::string_view name, std::string_view bytes)
+{
+    if (!NoteFileName::fits(name))
+        return;
+    const NoteFilePlace place{section, NoteFileName(name)};
+    addWritesBefore(place);
+    const bool isRewritten = m_nextWrite < m_writes.size() && m_writes[m_nextWrite].place == place;
+    if (isRewritten)
+        addWrite();
+    if (isRewritten || std::ranges::binary_search(m_removals, place))
+        remember(place, bytes);
+    else
+        m_fingerprint.add(section, name, bytes);
+}
+
+void SavePlan::addWritesBefore(const NoteFilePlace &place)
+{
+    while (m_nextWrite < m_writes.size() && m_writes[m_nextWrite].place < place)
+        addWrite();
+}
+
+void SavePlan::addWrite()
+{
+    const Write &file = m_writes[m_nextWrite++];
+    m_fingerprint.add(file.place.section, file.place.name.c_str(), file.bytes);
+}
+
+void SavePlan::remember(const NoteFilePlace &place, std::string_view bytes)
+{
+    Sha256 sha256;
+    sha256.add(bytes);
+    m_replaced.push_back({place, sha256.finish()});
+}
+
 void SavePlan::checkReplaced(const std::filesystem::path &displaced) const
 {
     Directory folder = Directory::open(displaced);
     folder.showAs(m_path);
-    Sha256 sha256;
     std::string bytes;
-    for (const auto *files : {&m_rewritten, &m_removed}) {
-        for (const NoteFile &file : *files) {
-            const char *section = NoteFolder::sectionName(file.place.section);
-            folder.openFolder(section).readFile(file.place.name.c_str(), NoteFolder::largestFile,
-                                                bytes);
-            if (contentDigest(sha256, bytes) != file.content)
-                throw RepositoryError::externalChange();
-        }
+    for (const Replaced &file : m_replaced) {
+        const char *name = file.place.name.c_str();
+        if (file.place.section == Section::marker)
+            folder.readFile(name, NoteFolder::largestFile, bytes);
+        else
+            folder.openFolder(NoteFolder::sectionName(file.place.section))
+                .readFile(name, NoteFolder::largestFile, bytes);
+        Sha256 sha256;
+        sha256.add(bytes);
+        if (sha256.finish() != file.content)
+            throw RepositoryError::externalChange();
     }
 }
 
-std::filesystem::path SavePlan::fullPath(const NoteFilePlace &place) const
+FolderState SavePlan::takeState()
 {
-    return m_path / NoteFolder::sectionName(place.section) / place.name.c_str();
+    while (m_nextWrite < m_writes.size())
+        addWrite();
+    m_state.fingerprint = m_fingerprint.finish();
+    return std::move(m_state);
 }

@@ -5,6 +5,7 @@
 #include "NoteFolder.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What has to be done to a Markdown folder so that it holds a snapshot.
@@ -19,17 +20,21 @@ public:
     SavePlan(const NoteSnapshot &snapshot, const FolderState *known, std::filesystem::path path);
 
     /// True when the folder holds the snapshot already.
-    [[nodiscard]] bool isEmpty() const noexcept { return m_writes.empty() && m_removed.empty(); }
+    [[nodiscard]] bool isEmpty() const noexcept { return m_writes.empty() && m_removals.empty(); }
 
     /// Makes a stage, which holds the old files, hold the new ones.
     void apply(const std::filesystem::path &stage) const;
 
-    /// Throws RepositoryError::externalChange when a file that was replaced or removed was not what
-    /// it was known to be, so that another program's text would be lost with it.
+    /// Takes in one file of the live folder. All have to be taken in, in the order of
+    /// NoteFolder::visit(), before the two calls below.
+    void see(Section section, std::string_view name, std::string_view bytes);
+
+    /// Throws RepositoryError::externalChange when a file that was replaced or removed is no longer
+    /// what was seen, so that another program's text would be lost with it.
     void checkReplaced(const std::filesystem::path &displaced) const;
 
     /// What will be known of the folder once the plan is carried out.
-    [[nodiscard]] FolderState takeState() { return std::move(m_state); }
+    [[nodiscard]] FolderState takeState();
 
 private:
     struct Write {
@@ -37,20 +42,27 @@ private:
         std::string bytes;
     };
 
-    void toBytes(const NoteFilePlace &place, QStringView text, std::string &bytes) const;
-    void add(const NoteFilePlace &place, std::string_view bytes, const FolderState *known);
-    void removeUnwanted(const Directory &folder, Section section) const;
+    struct Replaced {
+        NoteFilePlace place;
+        Sha256::Digest content;
+    };
+
+    void compare(const FolderState *known);
     void write(const Directory &folder, Section section) const;
-    [[nodiscard]] bool isWanted(Section section, std::string_view name) const;
-    [[nodiscard]] std::filesystem::path fullPath(const NoteFilePlace &place) const;
+    void remove(const Directory &folder, Section section) const;
+    void addWritesBefore(const NoteFilePlace &place);
+    void addWrite();
+    void remember(const NoteFilePlace &place, std::string_view bytes);
 
     const std::filesystem::path m_path;
-    FolderFingerprint m_fingerprint;
-    Sha256 m_sha256;
     FolderState m_state;
-    std::vector<Write> m_writes;
 
-    /// As they were known: files that the snapshot has no more, and files that are rewritten.
-    std::vector<NoteFile> m_removed;
-    std::vector<NoteFile> m_rewritten;
+    /// Both ordered by their places.
+    std::vector<Write> m_writes;
+    std::vector<NoteFilePlace> m_removals;
+
+    /// The fingerprint that the folder will have, and the first write that is not in it yet.
+    FolderFingerprint m_fingerprint;
+    std::size_t m_nextWrite = 0;
+    std::vector<Replaced> m_replaced;
 };

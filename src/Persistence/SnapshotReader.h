@@ -6,6 +6,7 @@
 #include "Utf8.h"
 
 #include <QSet>
+#include <utility>
 
 /// Builds the snapshot that a Markdown folder holds, and what is to be remembered of its files.
 ///
@@ -23,15 +24,15 @@ public:
     [[nodiscard]] FolderState takeState() { return std::move(m_state); }
 
 private:
-    void readFile(Section section, std::string_view name, std::string_view bytes);
-    void readNote(std::string_view name, QStringView text);
-    void readDraft(std::string_view name, QStringView text);
+    [[nodiscard]] NoteFile readFile(Section section, std::string_view name, QStringView text);
+    void readMarker(QStringView text) const;
+    void readNote(NoteFile &file, std::string_view name, QStringView text);
+    void readDraft(std::string_view name, const QString &text);
 
     const std::filesystem::path m_path;
     NoteSnapshot m_snapshot;
     FolderState m_state;
     QSet<QUuid> m_ids;
     FolderFingerprint m_fingerprint;
-    Sha256 m_sha256;
     Utf8Decoder m_decoder;
 };
