@@ -1,1 +1,93 @@
 // SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+
+#include "AppPreferences.h"
+#include "ApplicationFocus.h"
+#include "DesktopAppearance.h"
+#include "FloatingPanelController.h"
+#include "LocalNoteRepository.h"
+#include "MemoryNoteRepository.h"
+#include "NoteStore.h"
+#include "Screens.h"
+
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QSettings>
+#include <QStandardPaths>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+std::unique_ptr<QSettings> standardDefaults()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return std::make_unique<QSettings>(folder + "/Penwick/Penwick.conf"_L1, QSettings::IniFormat);
+}
+
+std::unique_ptr<NoteRepository> makeRepository(bool isInterfaceTest)
+{
+    if (isInterfaceTest)
+        return std::make_unique<MemoryNoteRepository>();
+    return std::make_unique<LocalNoteRepository>();
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(QuitQuestion quitQuestion, QObject *parent)
+    : QObject(parent)
+    , m_quitQuestion(std::move(quitQuestion))
+{
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching(const LaunchOptions &options)
+{
+    if (options.mode == LaunchOptions::Mode::hostOnly)
+        return;
+    const bool isInterfaceTest = options.mode == LaunchOptions::Mode::interfaceTest;
+
+    m_defaults = standardDefaults();
+    m_preferences = std::make_unique<AppPreferences>(isInterfaceTest ? nullptr : m_defaults.get(),
+                                                     options.language, options.appearance);
+    m_store = std::make_unique<NoteStore>(makeRepository(isInterfaceTest));
+    m_system = std::make_unique<DesktopAppearance>();
+    m_screens = std::make_unique<DesktopScreens>();
+    m_focus = std::make_unique<X11ApplicationFocus>();
+    m_panels = std::make_unique<FloatingPanelController>(
+        *m_store, *m_preferences, *m_defaults, !isInterfaceTest, *m_system, *m_screens, *m_focus);
+    connect(m_panels.get(), &FloatingPanelController::quitRequested, this,
+            &AppDelegate::quitRequested);
+
+    m_panels->launcher().show();
+    if (options.showsEditor)
+        m_panels->expand();
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/)
+{
+    if (m_panels)
+        m_panels->expand();
+    return false;
+}
+
+AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
+{
+    if (!m_store || m_store->isReadOnly() || writeNow())
+        return TerminateReply::now;
+    return m_quitQuestion(m_preferences.get()) ? TerminateReply::now : TerminateReply::cancel;
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    if (m_store && !m_store->isReadOnly())
+        writeNow();
+}
+
+bool AppDelegate::writeNow()
+{
+    // What an input method is still composing belongs to the text.
+    QGuiApplication::inputMethod()->commit();
+    return m_store->flush();
+}

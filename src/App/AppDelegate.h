@@ -1,2 +1,73 @@
 // SPDX-License-Identifier: MIT
 #pragma once
+
+#include "LaunchOptions.h"
+
+#include <QObject>
+#include <functional>
+#include <memory>
+
+class AppPreferences;
+class ApplicationFocus;
+class FloatingPanelController;
+class NoteStore;
+class QSettings;
+class Screens;
+class SystemAppearance;
+
+/// Builds the long-lived objects of the program, owns them, and decides what starting it again and
+/// quitting mean.
+///
+/// Until it was launched, and for good when the process only hosts other code, there are no
+/// objects, and whatever is asked of it is nothing to do.
+class AppDelegate final : public QObject {
+    Q_OBJECT
+
+public:
+    enum class TerminateReply { now, cancel };
+
+    /// Asks the user whether to quit although the last write failed.
+    using QuitQuestion = std::function<bool(const AppPreferences *)>;
+
+    explicit AppDelegate(QuitQuestion quitQuestion, QObject *parent = nullptr);
+    ~AppDelegate() override;
+
+    /// Builds preferences, store and panels in this order, shows the launcher, and opens the
+    /// editor when that is asked for. Never fails: notes that cannot be read give a read-only
+    /// store, which says so on screen.
+    void applicationDidFinishLaunching(const LaunchOptions &options);
+
+    /// Opens the editor. False: nothing is left to do for the caller.
+    bool applicationShouldHandleReopen(bool hasVisibleWindows);
+
+    /// The program lives on without a window.
+    [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
+
+    /// Writes what is in memory. When that fails, the user decides.
+    [[nodiscard]] TerminateReply applicationShouldTerminate();
+
+    /// Writes what is in memory, for an end that cannot be put off.
+    void applicationWillTerminate();
+
+    [[nodiscard]] AppPreferences *preferences() const noexcept { return m_preferences.get(); }
+    [[nodiscard]] NoteStore *store() const noexcept { return m_store.get(); }
+    [[nodiscard]] FloatingPanelController *panels() const noexcept { return m_panels.get(); }
+
+Q_SIGNALS:
+    /// The user chose to quit.
+    void quitRequested();
+
+private:
+    bool writeNow();
+
+    const QuitQuestion m_quitQuestion;
+
+    // In the order of building; each may use those above it.
+    std::unique_ptr<QSettings> m_defaults;
+    std::unique_ptr<AppPreferences> m_preferences;
+    std::unique_ptr<NoteStore> m_store;
+    std::unique_ptr<SystemAppearance> m_system;
+    std::unique_ptr<Screens> m_screens;
+    std::unique_ptr<ApplicationFocus> m_focus;
+    std::unique_ptr<FloatingPanelController> m_panels;
+};

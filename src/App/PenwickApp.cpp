@@ -1,1 +1,84 @@
 // SPDX-License-Identifier: MIT
+#include "PenwickApp.h"
+
+#include "DisplayErrors.h"
+#include "QuitAlert.h"
+
+#include <QEvent>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
+{
+    QCoreApplication::setOrganizationName("Penwick"_L1);
+    QCoreApplication::setApplicationName("Quillmark"_L1);
+    QCoreApplication::setApplicationVersion(QLatin1StringView(QUILLMARK_VERSION));
+    QGuiApplication::setDesktopFileName(QLatin1StringView(SingleInstance::busName));
+    // The one style that takes all its colours from the palette, dark or light.
+    QApplication::setStyle("Fusion"_L1);
+
+    const DisplayErrors untilItStands;
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+} // namespace
+
+PenwickApp::PenwickApp(int &argc, char **argv)
+    : m_application(makeApplication(argc, argv))
+    , m_delegate(&QuitAlert::ask)
+{
+    m_application->setQuitOnLastWindowClosed(
+        m_delegate.applicationShouldTerminateAfterLastWindowClosed());
+    m_application->installEventFilter(this);
+
+    connect(&m_quitSignals, &QuitSignals::quitRequested, this, &PenwickApp::end);
+    connect(&m_instance, &SingleInstance::activated, this, &PenwickApp::reopen);
+    connect(&m_delegate, &AppDelegate::quitRequested, this, &PenwickApp::quit);
+    // The session waits for this to return, and may yet go on afterwards.
+    connect(m_application.get(), &QGuiApplication::commitDataRequest, &m_delegate,
+            &AppDelegate::applicationWillTerminate);
+}
+
+PenwickApp::~PenwickApp() = default;
+
+int PenwickApp::run()
+{
+    const LaunchOptions options = LaunchOptions::ofThisProcess();
+    m_isStartedByBus = options.isStartedByBus;
+    // Interface tests and hosts of other code run beside the user's own program.
+    if (options.mode == LaunchOptions::Mode::normal && !m_instance.claim())
+        return EXIT_SUCCESS;
+    m_delegate.applicationDidFinishLaunching(options);
+    return QApplication::exec();
+}
+
+bool PenwickApp::eventFilter(QObject *receiver, QEvent *event)
+{
+    // The session manager ends the program this way; the panels have no say in it.
+    if (receiver == m_application.get() && event->type() == QEvent::Quit) {
+        end();
+        return true;
+    }
+    return QObject::eventFilter(receiver, event);
+}
+
+void PenwickApp::reopen()
+{
+    if (!std::exchange(m_isStartedByBus, false))
+        m_delegate.applicationShouldHandleReopen(true);
+}
+
+void PenwickApp::quit()
+{
+    if (m_delegate.applicationShouldTerminate() == AppDelegate::TerminateReply::now)
+        QCoreApplication::exit();
+}
+
+void PenwickApp::end()
+{
+    m_delegate.applicationWillTerminate();
+    QCoreApplication::exit();
+}

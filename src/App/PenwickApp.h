@@ -1,2 +1,38 @@
 // SPDX-License-Identifier: MIT
 #pragma once
+
+#include "AppDelegate.h"
+#include "QuitSignals.h"
+#include "SingleInstance.h"
+
+#include <QApplication>
+#include <memory>
+
+/// The running program: brings the delegate together with what starts it, wakes it and ends it.
+///
+/// It ends only by a wish to quit that passes the delegate's guard, or by someone who does not ask:
+/// a signal, or the end of the session.
+class PenwickApp final : public QObject {
+    Q_OBJECT
+
+public:
+    PenwickApp(int &argc, char **argv);
+    ~PenwickApp() override;
+
+    /// Runs until the end of the program. The exit status.
+    [[nodiscard]] int run();
+
+    bool eventFilter(QObject *receiver, QEvent *event) override;
+
+private:
+    void reopen();
+    void quit();
+    void end();
+
+    // Both are to exist before the application; see there.
+    QuitSignals m_quitSignals;
+    SingleInstance m_instance;
+    const std::unique_ptr<QApplication> m_application;
+    AppDelegate m_delegate;
+    bool m_isStartedByBus = false;
+};

@@ -1,2 +1,46 @@
 // SPDX-License-Identifier: MIT
-int main() { return 0; }
+#include "PenwickApp.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+namespace {
+
+constexpr auto help =
+    "Usage: quillmark [option]…\n"
+    "\n"
+    "Keeps a bubble above all windows; a click on it opens an editor for a quick note.\n"
+    "Started a second time, it opens the editor of the one that runs.\n"
+    "\n"
+    "  --show-editor        opens the editor at once\n"
+    "  --ui-testing         keeps notes in memory and nothing else, in English and light\n"
+    "  --language=zh-Hans   with --ui-testing: in Chinese\n"
+    "  --appearance=dark    with --ui-testing: dark\n"
+    "  --version            prints the version and ends\n"
+    "  --help               prints this and ends\n";
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // Answered without a display.
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument(argv[i]);
+        if (argument == "--help") {
+            std::fputs(help, stdout);
+            return EXIT_SUCCESS;
+        }
+        if (argument == "--version") {
+            std::puts("Quillmark " QUILLMARK_VERSION);
+            return EXIT_SUCCESS;
+        }
+    }
+
+    // Only X11, in a Wayland session through XWayland, lets a window stay on top at its place.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+
+    PenwickApp app(argc, argv);
+    return app.run();
+}

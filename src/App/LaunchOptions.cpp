@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "LaunchOptions.h"
+
+#include <QCoreApplication>
+#include <dlfcn.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+LaunchOptions LaunchOptions::from(const QStringList &arguments,
+                                  const QProcessEnvironment &environment, bool hostsUnitTests)
+{
+    LaunchOptions options;
+    options.showsEditor = arguments.contains("--show-editor"_L1);
+    options.isStartedByBus = arguments.contains("--started-by-bus"_L1);
+    if (hostsUnitTests || environment.value("XCODE_RUNNING_FOR_PREVIEWS"_L1) == "1"_L1) {
+        options.mode = Mode::hostOnly;
+    } else if (arguments.contains("--ui-testing"_L1)) {
+        options.mode = Mode::interfaceTest;
+        options.language = arguments.contains("--language=zh-Hans"_L1) ? AppLanguage::chinese
+                                                                       : AppLanguage::english;
+        options.appearance =
+            arguments.contains("--appearance=dark"_L1) ? AppAppearance::dark : AppAppearance::light;
+    }
+    return options;
+}
+
+LaunchOptions LaunchOptions::ofThisProcess()
+{
+    return from(QCoreApplication::arguments(), QProcessEnvironment::systemEnvironment(),
+                hostsUnitTests());
+}
+
+bool hostsUnitTests()
+{
+    void *const library = dlopen("libQt6Test.so.6", RTLD_LAZY | RTLD_NOLOAD);
+    if (!library)
+        return false;
+    dlclose(library);
+    return true;
+}

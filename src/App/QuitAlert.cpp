@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "QuitAlert.h"
+
+#include "AppPreferences.h"
+#include "PanelHints.h"
+
+#include <QPushButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+QuitAlert::QuitAlert(const AppPreferences *preferences)
+{
+    const auto text = [preferences](const QString &key) {
+        return preferences ? preferences->text(key) : key;
+    };
+
+    setWindowTitle(u"Quillmark"_s);
+    setIcon(Warning);
+    setText(text(u"Some changes could not be saved"_s));
+    setInformativeText(text(u"Return and retry, or copy your text first. Quitting now will lose "
+                            u"changes that could not be written."_s));
+    auto *const returnToNotes = addButton(text(u"Return to notes"_s), AcceptRole);
+    m_quitAnyway = addButton(text(u"Quit anyway"_s), DestructiveRole);
+    setDefaultButton(returnToNotes);
+    setEscapeButton(returnToNotes);
+
+    // The program has no window that the user works in, so the alert could come up behind others.
+    setWindowFlag(Qt::WindowStaysOnTopHint);
+}
+
+bool QuitAlert::confirmsQuitting()
+{
+    show();
+    PanelHints::activate(*this);
+    exec();
+    return clickedButton() == m_quitAnyway;
+}
+
+bool QuitAlert::ask(const AppPreferences *preferences)
+{
+    return QuitAlert(preferences).confirmsQuitting();
+}

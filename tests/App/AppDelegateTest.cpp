@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+
+#include "AppPreferences.h"
+#include "FloatingPanelController.h"
+#include "LocalNoteRepository.h"
+#include "NoteStore.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Runs the delegate with data and settings folders of its own, and counts its questions.
+class AppDelegateTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void buildsNothingWhenItOnlyHostsOtherCode();
+    void hasNothingToDoBeforeItIsLaunched();
+    void showsTheLauncherAndNotTheEditor();
+    void opensTheEditorWhenAskedTo();
+    void readsTheStoredPreferences();
+    void readsAndWritesTheNotesOnDisk();
+    void leavesNothingBehindInInterfaceTests();
+    void showsTheLauncherAlthoughTheNotesCannotBeRead();
+
+    void opensTheEditorWhenItIsStartedAgain();
+    void keepsRunningWithoutAWindow();
+    void tellsThatTheUserWantsToQuit();
+
+    void quitsAtOnceWhenTheLastWriteSucceeds();
+    void writesAWaitingDraftBeforeItQuits();
+    void quitsWithoutAQuestionOrAWriteWhenReadOnly();
+    void staysWhenTheWriteFailsAndTheUserReturns();
+    void quitsWithoutTheWriteWhenTheUserInsists();
+    void asksNothingAtAnEndThatCannotWait();
+
+private:
+    [[nodiscard]] QString dataFolder() const { return m_dir->filePath(u"data/Penwick"_s); }
+    [[nodiscard]] QString settingsFile() const
+    {
+        return m_dir->filePath(u"config/Penwick/Penwick.conf"_s);
+    }
+
+    /// A note of another program: from here on every write of the delegate's store fails.
+    void changeTheNotesFromOutside() const;
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<AppDelegate> m_delegate;
+    bool m_quitsAnyway = false;
+    int m_questions = 0;
+};
+
+namespace {
+
+constexpr LaunchOptions normal;
+constexpr LaunchOptions interfaceTest{LaunchOptions::Mode::interfaceTest, AppLanguage::english,
+                                      AppAppearance::light};
+
+NoteSnapshot storedNotes()
+{
+    return LocalNoteRepository().load();
+}
+
+} // namespace
+
+void AppDelegateTest::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    qputenv("XDG_DATA_HOME", m_dir->filePath(u"data"_s).toUtf8());
+    qputenv("XDG_CONFIG_HOME", m_dir->filePath(u"config"_s).toUtf8());
+    m_questions = 0;
+    m_delegate = std::make_unique<AppDelegate>([this](const AppPreferences *) {
+        ++m_questions;
+        return m_quitsAnyway;
+    });
+}
+
+void AppDelegateTest::cleanup()
+{
+    m_delegate.reset();
+}
+
+void AppDelegateTest::changeTheNotesFromOutside() const
+{
+    QFile file(dataFolder() + u"/Markdown/Notes/8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F.md"_s);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.write("by another program") > 0);
+}
+
+void AppDelegateTest::buildsNothingWhenItOnlyHostsOtherCode()
+{
+    LaunchOptions options;
+    options.mode = LaunchOptions::Mode::hostOnly;
+    options.showsEditor = true;
+
+    m_delegate->applicationDidFinishLaunching(options);
+
+    QVERIFY(!m_delegate->preferences());
+    QVERIFY(!m_delegate->store());
+    QVERIFY(!m_delegate->panels());
+    QVERIFY(QDir(m_dir->path()).isEmpty());
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+}
+
+void AppDelegateTest::hasNothingToDoBeforeItIsLaunched()
+{
+    QVERIFY(!m_delegate->applicationShouldHandleReopen(false));
+    m_delegate->applicationWillTerminate();
+
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+    QCOMPARE(m_questions, 0);
+}
+
+void AppDelegateTest::showsTheLauncherAndNotTheEditor()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+
+    QVERIFY(m_delegate->panels()->launcher().isVisible());
+    QVERIFY(!m_delegate->panels()->isExpanded());
+    QVERIFY(!m_delegate->panels()->editor().isVisible());
+}
+
+void AppDelegateTest::opensTheEditorWhenAskedTo()
+{
+    LaunchOptions options;
+    options.showsEditor = true;
+
+    m_delegate->applicationDidFinishLaunching(options);
+
+    QVERIFY(m_delegate->panels()->isExpanded());
+    QVERIFY(m_delegate->panels()->editor().isVisible());
+}
+
+void AppDelegateTest::readsTheStoredPreferences()
+{
+    QSettings(settingsFile(), QSettings::IniFormat).setValue(u"ui.language"_s, u"zh-Hans"_s);
+
+    m_delegate->applicationDidFinishLaunching(normal);
+
+    QCOMPARE(m_delegate->preferences()->language(), AppLanguage::chinese);
+    QCOMPARE(m_delegate->preferences()->appearance(), AppAppearance::system);
+    m_delegate->preferences()->setAppearance(AppAppearance::dark);
+    m_delegate.reset();
+    QCOMPARE(QSettings(settingsFile(), QSettings::IniFormat).value(u"ui.appearance"_s), u"dark"_s);
+}
+
+void AppDelegateTest::readsAndWritesTheNotesOnDisk()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    QVERIFY(!QFile::exists(dataFolder()));
+
+    m_delegate->store()->setDraft(u"milk"_s);
+    QVERIFY(m_delegate->store()->saveCapture());
+
+    QCOMPARE(storedNotes(), m_delegate->store()->snapshot());
+}
+
+void AppDelegateTest::leavesNothingBehindInInterfaceTests()
+{
+    m_delegate->applicationDidFinishLaunching(interfaceTest);
+    m_delegate->preferences()->setAppearance(AppAppearance::dark);
+    m_delegate->store()->setDraft(u"milk"_s);
+    QVERIFY(m_delegate->store()->saveCapture());
+    m_delegate->panels()->expand();
+    m_delegate->panels()->collapse();
+    m_delegate.reset();
+
+    QVERIFY(QDir(m_dir->path()).isEmpty());
+}
+
+void AppDelegateTest::showsTheLauncherAlthoughTheNotesCannotBeRead()
+{
+    QVERIFY(QDir().mkpath(dataFolder()));
+    QFile legacy(dataFolder() + u"/notes.json"_s);
+    QVERIFY(legacy.open(QIODevice::WriteOnly));
+    legacy.close();
+
+    m_delegate->applicationDidFinishLaunching(normal);
+
+    QVERIFY(m_delegate->store()->isReadOnly());
+    QVERIFY(m_delegate->panels()->launcher().isVisible());
+}
+
+void AppDelegateTest::opensTheEditorWhenItIsStartedAgain()
+{
+    m_delegate->applicationDidFinishLaunching(interfaceTest);
+
+    QVERIFY(!m_delegate->applicationShouldHandleReopen(true));
+
+    QVERIFY(m_delegate->panels()->isExpanded());
+}
+
+void AppDelegateTest::keepsRunningWithoutAWindow()
+{
+    QVERIFY(!m_delegate->applicationShouldTerminateAfterLastWindowClosed());
+}
+
+void AppDelegateTest::tellsThatTheUserWantsToQuit()
+{
+    m_delegate->applicationDidFinishLaunching(interfaceTest);
+    const QSignalSpy requested(m_delegate.get(), &AppDelegate::quitRequested);
+
+    Q_EMIT m_delegate->panels()->quitRequested();
+
+    QCOMPARE(requested.count(), 1);
+}
+
+void AppDelegateTest::quitsAtOnceWhenTheLastWriteSucceeds()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+
+    // The write happens at every quit, whether or not something waits for it.
+    QVERIFY(QFile::exists(dataFolder() + u"/Markdown"_s));
+    QCOMPARE(m_questions, 0);
+}
+
+void AppDelegateTest::writesAWaitingDraftBeforeItQuits()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    m_delegate->store()->setDraft(u"just typed"_s);
+    QVERIFY(m_delegate->store()->hasPendingChanges());
+
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+
+    QVERIFY(!m_delegate->store()->hasPendingChanges());
+    QCOMPARE(storedNotes().captureDraft, u"just typed"_s);
+    QCOMPARE(m_questions, 0);
+}
+
+void AppDelegateTest::quitsWithoutAQuestionOrAWriteWhenReadOnly()
+{
+    QVERIFY(QDir().mkpath(dataFolder()));
+    QFile legacy(dataFolder() + u"/notes.json"_s);
+    QVERIFY(legacy.open(QIODevice::WriteOnly));
+    legacy.close();
+    m_delegate->applicationDidFinishLaunching(normal);
+
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+    m_delegate->applicationWillTerminate();
+
+    QCOMPARE(QDir(dataFolder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList{u"notes.json"_s});
+    QCOMPARE(m_questions, 0);
+}
+
+void AppDelegateTest::staysWhenTheWriteFailsAndTheUserReturns()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    QVERIFY(m_delegate->store()->flush());
+    changeTheNotesFromOutside();
+    m_delegate->store()->setDraft(u"not safe yet"_s);
+    m_quitsAnyway = false;
+
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::cancel);
+
+    QCOMPARE(m_questions, 1);
+    QCOMPARE(m_delegate->store()->status(), u"Not saved · Retry"_s);
+    QCOMPARE(m_delegate->store()->draft(), u"not safe yet"_s);
+    QVERIFY(m_delegate->panels()->launcher().isVisible());
+    QVERIFY(!m_delegate->panels()->isExpanded());
+}
+
+void AppDelegateTest::quitsWithoutTheWriteWhenTheUserInsists()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    QVERIFY(m_delegate->store()->flush());
+    changeTheNotesFromOutside();
+    m_delegate->store()->setDraft(u"given up"_s);
+    m_quitsAnyway = true;
+
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+
+    QCOMPARE(m_questions, 1);
+    QFile draft(dataFolder() + u"/Markdown/Drafts/capture.md"_s);
+    QVERIFY(!draft.open(QIODevice::ReadOnly) || draft.readAll().isEmpty());
+}
+
+void AppDelegateTest::asksNothingAtAnEndThatCannotWait()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    m_delegate->store()->setDraft(u"typed before the power button"_s);
+    m_delegate->applicationWillTerminate();
+    QCOMPARE(storedNotes().captureDraft, u"typed before the power button"_s);
+
+    changeTheNotesFromOutside();
+    m_delegate->applicationWillTerminate();
+
+    QCOMPARE(m_questions, 0);
+}
+
+QTEST_MAIN(AppDelegateTest)
+#include "AppDelegateTest.moc"
