@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "AppEnvironment.h"
+#include "AppPreferences.h"
+#include "NoteTheme.h"
+
+#include <QLineEdit>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolTip>
+
+using namespace Qt::Literals::StringLiterals;
+
+class AppEnvironmentTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void handsDownTheOnePreferencesObject();
+    void handsDownLocaleAndColors();
+    void followsTheSystemWhileNoAppearanceIsChosen();
+    void keepsTheChosenAppearanceWhenTheSystemChanges();
+    void changesLanguageAndLookWithoutRebuildingTheView();
+    void announcesWhatNoPaletteCarries();
+    void isFoundFromEveryDescendantAlone();
+    void replacesAndDeletesItsContent();
+    void colorsTooltipsAlike();
+};
+
+namespace {
+
+ColorScheme schemeOf(const QWidget &view)
+{
+    return NoteTheme::colorScheme(view.palette());
+}
+
+void setSystemScheme(SystemAppearance &system, ColorScheme scheme)
+{
+    SystemAppearance::Values values = system.values();
+    values.colorScheme = scheme;
+    system.setValues(values);
+}
+
+} // namespace
+
+void AppEnvironmentTest::handsDownTheOnePreferencesObject()
+{
+    AppPreferences preferences(nullptr);
+    SystemAppearance system;
+    AppEnvironment launcher(preferences, system);
+    AppEnvironment editor(preferences, system);
+    auto *view = new QWidget;
+    editor.setContent(view);
+
+    const auto *found = qobject_cast<AppEnvironment *>(ViewEnvironment::of(view));
+
+    QCOMPARE(found, &editor);
+    QCOMPARE(&found->preferences(), &preferences);
+    QCOMPARE(&launcher.preferences(), &preferences);
+}
+
+void AppEnvironmentTest::handsDownLocaleAndColors()
+{
+    AppPreferences preferences(nullptr, AppLanguage::chinese, AppAppearance::dark);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    auto *content = new QWidget;
+    auto *deepInside = new QWidget(content);
+
+    environment.setContent(content);
+
+    QCOMPARE(deepInside->locale(), preferences.locale());
+    QCOMPARE(deepInside->locale().script(), QLocale::SimplifiedHanScript);
+    QCOMPARE(schemeOf(*deepInside), ColorScheme::dark);
+    QCOMPARE(NoteTheme::secondary(deepInside->palette()),
+             NoteTheme::secondary(NoteTheme::palette(ColorScheme::dark)));
+}
+
+void AppEnvironmentTest::followsTheSystemWhileNoAppearanceIsChosen()
+{
+    AppPreferences preferences(nullptr, AppLanguage::english, AppAppearance::system);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    auto *view = new QWidget;
+    environment.setContent(view);
+    QCOMPARE(schemeOf(*view), ColorScheme::light);
+
+    setSystemScheme(system, ColorScheme::dark);
+    QCOMPARE(schemeOf(*view), ColorScheme::dark);
+    QCOMPARE(environment.colorScheme(), ColorScheme::dark);
+
+    setSystemScheme(system, ColorScheme::light);
+    QCOMPARE(schemeOf(*view), ColorScheme::light);
+}
+
+void AppEnvironmentTest::keepsTheChosenAppearanceWhenTheSystemChanges()
+{
+    AppPreferences preferences(nullptr, AppLanguage::english, AppAppearance::light);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    auto *view = new QWidget;
+    environment.setContent(view);
+
+    setSystemScheme(system, ColorScheme::dark);
+    QCOMPARE(schemeOf(*view), ColorScheme::light);
+
+    preferences.setAppearance(AppAppearance::system);
+    QCOMPARE(schemeOf(*view), ColorScheme::dark);
+}
+
+void AppEnvironmentTest::changesLanguageAndLookWithoutRebuildingTheView()
+{
+    AppPreferences preferences(nullptr, AppLanguage::english, AppAppearance::light);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    auto *field = new QLineEdit(u"half a thought"_s);
+    environment.setContent(field);
+    environment.show();
+    field->setCursorPosition(4);
+
+    preferences.setLanguage(AppLanguage::chinese);
+    preferences.setAppearance(AppAppearance::dark);
+
+    QCOMPARE(field->locale().language(), QLocale::Chinese);
+    QCOMPARE(schemeOf(*field), ColorScheme::dark);
+    QCOMPARE(environment.findChild<QLineEdit *>(), field);
+    QCOMPARE(field->text(), u"half a thought"_s);
+    QCOMPARE(field->cursorPosition(), 4);
+    QVERIFY(field->isVisible());
+}
+
+void AppEnvironmentTest::announcesWhatNoPaletteCarries()
+{
+    AppPreferences preferences(nullptr);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    QSignalSpy changed(&environment, &ViewEnvironment::changed);
+    SystemAppearance::Values values;
+
+    values.reduceMotion = true;
+    system.setValues(values);
+    QCOMPARE(changed.size(), 1);
+    QVERIFY(environment.reduceMotion());
+    QVERIFY(!environment.reduceTransparency());
+
+    values.highContrast = true;
+    system.setValues(values);
+    QCOMPARE(changed.size(), 2);
+    QVERIFY(environment.reduceTransparency());
+
+    preferences.setLanguage(AppLanguage::chinese);
+    QCOMPARE(changed.size(), 3);
+    preferences.setLanguage(AppLanguage::chinese);
+    QCOMPARE(changed.size(), 3);
+}
+
+void AppEnvironmentTest::isFoundFromEveryDescendantAlone()
+{
+    AppPreferences preferences(nullptr);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    auto *content = new QWidget;
+    environment.setContent(content);
+    QWidget alone;
+
+    QCOMPARE(ViewEnvironment::of(content), &environment);
+    QCOMPARE(ViewEnvironment::of(&alone), nullptr);
+    QCOMPARE(ViewEnvironment::of(nullptr), nullptr);
+}
+
+void AppEnvironmentTest::replacesAndDeletesItsContent()
+{
+    AppPreferences preferences(nullptr);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    QPointer<QWidget> first = new QWidget;
+    auto *second = new QWidget;
+    environment.resize(300, 200);
+    environment.show();
+
+    environment.setContent(first);
+    environment.setContent(second);
+
+    QTRY_VERIFY(!first);
+    QTRY_COMPARE(second->geometry(), environment.rect());
+}
+
+void AppEnvironmentTest::colorsTooltipsAlike()
+{
+    AppPreferences preferences(nullptr, AppLanguage::english, AppAppearance::dark);
+    SystemAppearance system;
+    const AppEnvironment environment(preferences, system);
+
+    QCOMPARE(NoteTheme::colorScheme(QToolTip::palette()), ColorScheme::dark);
+}
+
+QTEST_MAIN(AppEnvironmentTest)
+#include "AppEnvironmentTest.moc"
