@@ -75,7 +75,8 @@ bool TextLabel::isOneLine() const
 
 QSize TextLabel::sizeHint() const
 {
-    return isOneLine() ? TextLine::size(fontMetrics(), text()) : QLabel::sizeHint();
+    return isOneLine() ? TextLine::size(fontMetrics(), text()).grownBy(contentsMargins())
+                       : QLabel::sizeHint();
 }
 
 QSize TextLabel::minimumSizeHint() const

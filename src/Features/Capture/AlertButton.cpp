@@ -10,6 +10,7 @@
 AlertButton::AlertButton(const TextStyle &style, QWidget *parent)
     : ThemedButton(style, parent)
 {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize AlertButton::sizeHint() const

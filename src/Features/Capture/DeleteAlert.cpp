@@ -48,12 +48,10 @@ DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
     setObjectName(u"deleteAlert"_s);
     setAccessibleRole(this, QAccessible::AlertMessage);
 
-    m_card->setFixedWidth(Metrics::alertWidth);
     column(m_card,
            {m_title, gap(Metrics::belowAlertTitle), m_message, gap(Metrics::aboveAlertButtons),
             row({filling(m_cancel), filling(m_delete)}, {Metrics::alertButtonSpacing, {}})},
            {0, Metrics::alertPadding});
-    column(this, {stretch(), aligned(Qt::AlignHCenter, m_card), stretch()});
 
     connect(&m_preferences, &AppPreferences::languageChanged, this, &DeleteAlert::render);
     connect(m_cancel, &QAbstractButton::clicked, this, &DeleteAlert::dismiss);
@@ -63,8 +61,8 @@ DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
     });
     window->installEventFilter(this);
 
-    render();
     setGeometry(window->rect());
+    render();
     show();
     m_cancel->setFocus(Qt::TabFocusReason);
     QAccessibleEvent announcement(this, QAccessible::Alert);
@@ -83,8 +81,10 @@ bool DeleteAlert::event(QEvent *event)
 
 bool DeleteAlert::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == parentWidget() && event->type() == QEvent::Resize)
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
         setGeometry(parentWidget()->rect());
+        placeCard();
+    }
     return QWidget::eventFilter(watched, event);
 }
 
@@ -136,9 +136,17 @@ void DeleteAlert::dismiss()
     parentWidget()->removeEventFilter(this);
     hide();
     if (m_hadFocus)
-        m_hadFocus->setFocus(Qt::OtherFocusReason);
+        m_hadFocus->setFocus(Qt::PopupFocusReason);
     deleteLater();
     Q_EMIT dismissed();
+}
+
+void DeleteAlert::placeCard()
+{
+    QRect place(0, 0, Metrics::alertWidth, m_card->heightForWidth(Metrics::alertWidth));
+    place.moveCenter(rect().center());
+    m_card->setGeometry(place);
+    update();
 }
 
 void DeleteAlert::render()
@@ -150,4 +158,5 @@ void DeleteAlert::render()
     m_delete->setText(m_preferences.text(u"Delete"_s));
     setAccessibleName(m_title->text());
     setAccessibleDescription(m_message->text());
+    placeCard();
 }

@@ -7,7 +7,6 @@
 class AlertButton;
 class AppPreferences;
 class TextLabel;
-class TintedFrame;
 
 /// Asks whether a note is to be deleted, over the whole of a window, which waits meanwhile.
 ///
@@ -39,6 +38,7 @@ protected:
 
 private:
     void dismiss();
+    void placeCard();
     void render();
 
     const AppPreferences &m_preferences;

@@ -33,13 +33,11 @@ TextLabel *makeCentredLabel(QWidget *parent, const TextStyle &style, const QStri
     return label;
 }
 
-/// The count of the title row, on the title's baseline when both are aligned at the bottom.
-TextLabel *makeCount(QWidget *parent, const TextLabel &title)
+/// How far the baseline of a line of text is above the bottom of its label.
+int baselineHeight(const TextLabel &label)
 {
-    TextLabel *const count = makeLabel(parent, TextStyles::noteCount, u"libraryCount"_s);
-    const int lift = title.fontMetrics().descent() - count->fontMetrics().descent();
-    count->setContentsMargins(0, 0, 0, lift);
-    return count;
+    const QFontMetrics metrics = label.fontMetrics();
+    return (metrics.height() - metrics.capHeight()) / 2;
 }
 
 PlainTextField *makeSearchField(QWidget *parent)
@@ -64,7 +62,7 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     , m_store(store)
     , m_preferences(preferences)
     , m_title(makeLabel(this, TextStyles::screenTitle, u"libraryTitle"_s))
-    , m_count(makeCount(this, *m_title))
+    , m_count(makeLabel(this, TextStyles::noteCount, u"libraryCount"_s))
     , m_search(makeSearchField(this))
     , m_clear(makeClearButton(this))
     , m_model(new NoteListModel(store, preferences, this))
@@ -110,6 +108,7 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
         m_search->insert(text);
     });
 
+    levelCount();
     render();
 }
 
@@ -121,6 +120,13 @@ void NoteLibraryView::select(const Note &note)
     m_list->setCurrentIndex(index);
     m_list->scrollTo(index);
     m_list->setFocus(Qt::OtherFocusReason);
+}
+
+void NoteLibraryView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LocaleChange)
+        levelCount();
 }
 
 bool NoteLibraryView::eventFilter(QObject *watched, QEvent *event)
@@ -155,6 +161,12 @@ void NoteLibraryView::enterList()
 {
     if (m_model->rowCount() > 0)
         m_list->setFocus(Qt::TabFocusReason);
+}
+
+/// Puts the count on the title's baseline; both stand at the bottom of their row.
+void NoteLibraryView::levelCount()
+{
+    m_count->setContentsMargins(0, 0, 0, baselineHeight(*m_title) - baselineHeight(*m_count));
 }
 
 void NoteLibraryView::render()

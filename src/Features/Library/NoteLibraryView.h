@@ -31,12 +31,14 @@ Q_SIGNALS:
     void noteChosen(const Note &note);
 
 protected:
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     bool takeSearchKey(const QKeyEvent &event);
     void search();
     void enterList();
+    void levelCount();
     void render();
 
     NoteStore &m_store;

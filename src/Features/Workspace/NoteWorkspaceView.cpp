@@ -83,9 +83,15 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     connect(&m_store, &NoteStore::errorContextChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::repositoryErrorChanged, this, &NoteWorkspaceView::render);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteWorkspaceView::render);
-    for (const WorkspaceTab tab : allWorkspaceTabs)
-        connect(m_tabs[static_cast<size_t>(tab)], &QAbstractButton::clicked, this,
-                [this, tab] { chooseTab(tab); });
+    for (const WorkspaceTab tab : allWorkspaceTabs) {
+        const PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
+        connect(button, &QAbstractButton::clicked, this, [this, tab] { chooseTab(tab); });
+        // Assistive tools check the tab without a click.
+        connect(button, &QAbstractButton::toggled, this, [this, tab](bool isChecked) {
+            if (isChecked && tab != m_tab)
+                chooseTab(tab);
+        });
+    }
     connect(menu, &PreferencesMenu::showFolderRequested, this,
             &NoteWorkspaceView::showFolderRequested);
     connect(m_collapse, &QAbstractButton::clicked, this, &NoteWorkspaceView::collapseRequested);
