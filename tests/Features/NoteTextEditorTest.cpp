@@ -1,0 +1,606 @@
+// SPDX-License-Identifier: MIT
+#include "NoteTextEditor.h"
+#include "AppPreferences.h"
+#include "FixedEnvironment.h"
+#include "NoteTheme.h"
+#include "Pixels.h"
+#include "SlimScrollBar.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QPointer>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextBlock>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+class NoteTextEditorTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void returnsTheTextAsItWasSet_data();
+    void returnsTheTextAsItWasSet();
+    void keepsUniformLineEndsThroughAnEdit_data();
+    void keepsUniformLineEndsThroughAnEdit();
+    void leavesMixedLineEndsAloneUntilTheUserEdits();
+    void takesOverLineEndsOfThePastedText();
+    void announcesOnlyWhatTheUserDoes();
+    void leavesTheTextAloneThatIsAlreadyThere();
+    void forgetsUndoStepsOfAnEarlierText();
+    void undoesAndRedoesWhatWasTyped();
+    void pastesPlainTextOnly();
+    void copiesPlainTextAsItIs();
+    void startsANewLineWithShiftReturn();
+    void keepsTheLineDistanceInEveryBlock();
+    void keepsItsLinesLevelInEveryScript();
+    void showsThePlaceholderWhereTheTextBegins();
+    void hidesThePlaceholderBehindTextAndCompositions();
+    void lendsThePlaceholderNoMouse();
+    void speaksTheLanguageOfThePreferences();
+    void takesTheKeyboardWhenItIsFirstShown();
+    void movesOnWithTab();
+    void leavesSavingAndFoldingToItsScreen_data();
+    void leavesSavingAndFoldingToItsScreen();
+    void countsACompositionOnlyWhenItIsCommitted();
+    void commitsACompositionThatTheInputMethodForgets();
+    void keepsEscapeWhileComposing();
+    void offersAMenuInTheProgramsLanguage();
+    void keepsItsScrollBarOutOfTheLines();
+    void showsTheSurfaceBehindIt();
+    void holdsALongText();
+};
+
+namespace {
+
+constexpr auto placeholder = "A sentence. A thought.\nGet it down before it goes.";
+
+struct Fixture {
+    AppPreferences preferences{nullptr, AppLanguage::english, AppAppearance::light};
+    FixedEnvironment window{ColorScheme::light};
+    NoteTextEditor &editor =
+        *new NoteTextEditor(preferences, QString::fromLatin1(placeholder), &window);
+    QSignalSpy edited{&editor, &NoteTextEditor::textEdited};
+
+    Fixture()
+    {
+        editor.resize(372, 200);
+        window.resize(400, 260);
+    }
+
+    [[nodiscard]] bool show()
+    {
+        window.show();
+        window.activateWindow();
+        return QTest::qWaitForWindowActive(&window);
+    }
+
+    void compose(const QString &preedit, const QString &commit = {})
+    {
+        QInputMethodEvent event(preedit, {});
+        event.setCommitString(commit);
+        QCoreApplication::sendEvent(&editor, &event);
+    }
+
+    [[nodiscard]] QString lastEdit() const
+    {
+        return edited.isEmpty() ? QString() : edited.last().first().toString();
+    }
+};
+
+void setClipboard(const QString &text, const QString &html = {})
+{
+    auto *data = new QMimeData;
+    if (!text.isNull())
+        data->setText(text);
+    if (!html.isNull())
+        data->setHtml(html);
+    QGuiApplication::clipboard()->setMimeData(data);
+}
+
+/// Draws the viewport without caret and takes what is on it.
+QImage drawn(NoteTextEditor &editor)
+{
+    editor.setCursorWidth(0);
+    return Pixels::draw(*editor.viewport());
+}
+
+} // namespace
+
+void NoteTextEditorTest::returnsTheTextAsItWasSet_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("nothing") << QString();
+    QTest::newRow("lines") << u"one\ntwo\n\nthree\n"_s;
+    QTest::newRow("no-break space") << u"10\u00a0km, 5\u202fkg"_s;
+    QTest::newRow("line separator") << u"one\u2028two"_s;
+    QTest::newRow("tabs and runs of spaces") << u"\t a  b   c \t"_s;
+    QTest::newRow("emoji of several code points") << u"👩‍👩‍👧‍👦 and 🇨🇳"_s;
+    QTest::newRow("Chinese") << u"骨架与门，“引号”。"_s;
+    QTest::newRow("right to left") << u"שלום עולם"_s;
+    QTest::newRow("markup") << u"<b>not bold</b> &amp; # **md**"_s;
+    QTest::newRow("byte order mark") << u"\ufeffstart"_s;
+    QTest::newRow("CR LF") << u"one\r\ntwo\r\n"_s;
+    QTest::newRow("CR") << u"one\rtwo"_s;
+    QTest::newRow("mixed line ends") << u"one\r\ntwo\nthree\r"_s;
+}
+
+void NoteTextEditorTest::returnsTheTextAsItWasSet()
+{
+    QFETCH(QString, text);
+    Fixture fixture;
+
+    fixture.editor.setNoteText(text);
+
+    QCOMPARE(fixture.editor.noteText(), text);
+    QCOMPARE(fixture.edited.size(), 0);
+}
+
+void NoteTextEditorTest::keepsUniformLineEndsThroughAnEdit_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("edited");
+
+    QTest::newRow("LF") << u"one\ntwo\n"_s << u"one\ntwo\nx\ny"_s;
+    QTest::newRow("CR LF") << u"one\r\ntwo\r\n"_s << u"one\r\ntwo\r\nx\r\ny"_s;
+    QTest::newRow("CR") << u"one\rtwo\r"_s << u"one\rtwo\rx\ry"_s;
+    QTest::newRow("no line end") << u"one"_s << u"onex\ny"_s;
+    QTest::newRow("no-break space") << u"1\u00a0a\u2028b"_s << u"1\u00a0a\u2028bx\ny"_s;
+}
+
+void NoteTextEditorTest::keepsUniformLineEndsThroughAnEdit()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, edited);
+    Fixture fixture;
+    fixture.editor.setNoteText(text);
+
+    QTest::keyClicks(&fixture.editor, u"x"_s);
+    QTest::keyClick(&fixture.editor, Qt::Key_Return);
+    QTest::keyClicks(&fixture.editor, u"y"_s);
+
+    QCOMPARE(fixture.editor.noteText(), edited);
+    QCOMPARE(fixture.lastEdit(), edited);
+}
+
+void NoteTextEditorTest::leavesMixedLineEndsAloneUntilTheUserEdits()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"one\r\ntwo\nthree"_s);
+
+    QTest::keyClick(&fixture.editor, Qt::Key_Home);
+    QCOMPARE(fixture.editor.noteText(), u"one\r\ntwo\nthree"_s);
+
+    QTest::keyClicks(&fixture.editor, u"x"_s);
+    QCOMPARE(fixture.editor.noteText(), u"one\ntwo\nxthree"_s);
+}
+
+void NoteTextEditorTest::takesOverLineEndsOfThePastedText()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"one\n"_s);
+    setClipboard(u"two\r\nthree"_s);
+
+    fixture.editor.paste();
+
+    QCOMPARE(fixture.editor.noteText(), u"one\ntwo\nthree"_s);
+}
+
+void NoteTextEditorTest::announcesOnlyWhatTheUserDoes()
+{
+    Fixture fixture;
+
+    fixture.editor.setNoteText(u"one"_s);
+    fixture.editor.setNoteText(u"two"_s);
+    QTest::keyClick(&fixture.editor, Qt::Key_Left);
+    fixture.preferences.setLanguage(AppLanguage::chinese);
+    QCOMPARE(fixture.edited.size(), 0);
+
+    QTest::keyClicks(&fixture.editor, u"!"_s);
+    QCOMPARE(fixture.edited.size(), 1);
+    QCOMPARE(fixture.lastEdit(), u"tw!o"_s);
+}
+
+void NoteTextEditorTest::leavesTheTextAloneThatIsAlreadyThere()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"one"_s);
+    QTest::keyClicks(&fixture.editor, u" two"_s);
+    QTest::keyClick(&fixture.editor, Qt::Key_Home);
+
+    fixture.editor.setNoteText(u"one two"_s);
+
+    QCOMPARE(fixture.editor.textCursor().position(), 0);
+    QVERIFY(fixture.editor.document()->isUndoAvailable());
+}
+
+void NoteTextEditorTest::forgetsUndoStepsOfAnEarlierText()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"one"_s);
+    QTest::keyClicks(&fixture.editor, u" two"_s);
+
+    fixture.editor.setNoteText(u"another note"_s);
+    fixture.editor.undo();
+
+    QCOMPARE(fixture.editor.noteText(), u"another note"_s);
+    QVERIFY(!fixture.editor.document()->isUndoAvailable());
+    QVERIFY(fixture.editor.textCursor().atEnd());
+}
+
+void NoteTextEditorTest::undoesAndRedoesWhatWasTyped()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"one"_s);
+    QTest::keyClicks(&fixture.editor, u" two"_s);
+
+    QTest::keySequence(&fixture.editor, QKeySequence::Undo);
+    QCOMPARE(fixture.editor.noteText(), u"one"_s);
+    QCOMPARE(fixture.lastEdit(), u"one"_s);
+    // Formats are no steps of their own: there is nothing left to undo.
+    QVERIFY(!fixture.editor.document()->isUndoAvailable());
+
+    QTest::keySequence(&fixture.editor, QKeySequence::Redo);
+    QCOMPARE(fixture.editor.noteText(), u"one two"_s);
+}
+
+void NoteTextEditorTest::pastesPlainTextOnly()
+{
+    Fixture fixture;
+
+    setClipboard(u"bold\u00a0text"_s, u"<b>bold</b> <i>text</i>"_s);
+    fixture.editor.paste();
+    QCOMPARE(fixture.editor.noteText(), u"bold\u00a0text"_s);
+
+    setClipboard({}, u"<h1>Only</h1><p>as <b>HTML</b></p>"_s);
+    fixture.editor.paste();
+    QCOMPARE(fixture.editor.noteText(), u"bold\u00a0textOnly\nas HTML"_s);
+
+    for (QTextBlock block = fixture.editor.document()->begin(); block.isValid();
+         block = block.next()) {
+        for (const QTextLayout::FormatRange &range : block.textFormats()) {
+            QVERIFY(range.format.fontWeight() <= QFont::Normal);
+            QVERIFY(!range.format.fontItalic());
+        }
+    }
+}
+
+void NoteTextEditorTest::copiesPlainTextAsItIs()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"10\u00a0km\nnext\u2028line"_s);
+
+    fixture.editor.selectAll();
+    fixture.editor.copy();
+
+    const QMimeData *copied = QGuiApplication::clipboard()->mimeData();
+    QCOMPARE(copied->text(), u"10\u00a0km\nnext\u2028line"_s);
+    QVERIFY(!copied->hasHtml());
+}
+
+void NoteTextEditorTest::startsANewLineWithShiftReturn()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"one"_s);
+
+    QTest::keyClick(&fixture.editor, Qt::Key_Return, Qt::ShiftModifier);
+    QTest::keyClicks(&fixture.editor, u"two"_s);
+
+    QCOMPARE(fixture.editor.noteText(), u"one\ntwo"_s);
+}
+
+void NoteTextEditorTest::keepsTheLineDistanceInEveryBlock()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const QFontMetricsF metrics(fixture.editor.font());
+    const double expected = std::round(metrics.height()) + 7;
+    const auto check = [&] {
+        const QTextDocument &document = *fixture.editor.document();
+        double last = -1;
+        for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+            const double top = document.documentLayout()->blockBoundingRect(block).top();
+            if (last >= 0)
+                QCOMPARE(top - last, expected);
+            last = top;
+        }
+    };
+
+    fixture.editor.setNoteText(u"one\ntwo\nthree"_s);
+    check();
+    setClipboard(u"\nfour\nfive\n"_s, u"<p>four</p><p>five</p>"_s);
+    fixture.editor.paste();
+    check();
+    QTest::keyClick(&fixture.editor, Qt::Key_Return);
+    check();
+    fixture.editor.undo();
+    fixture.editor.undo();
+    check();
+    fixture.editor.selectAll();
+    QTest::keyClick(&fixture.editor, Qt::Key_Delete);
+    QTest::keyClicks(&fixture.editor, u"a"_s);
+    QTest::keyClick(&fixture.editor, Qt::Key_Return);
+    QTest::keyClicks(&fixture.editor, u"b"_s);
+    QCOMPARE(fixture.editor.document()->blockCount(), 2);
+    check();
+}
+
+/// A line keeps its height and its base line when a character of another font is typed into it.
+void NoteTextEditorTest::keepsItsLinesLevelInEveryScript()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const auto baseLine = [&](int index) {
+        const QTextBlock block = fixture.editor.document()->findBlockByNumber(index);
+        const QTextLine line = block.layout()->lineAt(0);
+        return block.layout()->position().y() + line.y() + line.ascent();
+    };
+    fixture.editor.setNoteText(u"one\ntwo"_s);
+    const double first = baseLine(0);
+    const double second = baseLine(1);
+
+    fixture.editor.setNoteText(u"one 骨 😀\ntwo"_s);
+
+    QVERIFY(std::abs(baseLine(0) - first) < 0.02);
+    QVERIFY(std::abs(baseLine(1) - second) < 0.02);
+}
+
+void NoteTextEditorTest::showsThePlaceholderWhereTheTextBegins()
+{
+    for (const AppLanguage language : {AppLanguage::english, AppLanguage::chinese}) {
+        Fixture fixture;
+        fixture.preferences.setLanguage(language);
+        QVERIFY(fixture.show());
+        const QString text = fixture.preferences.text(QString::fromLatin1(placeholder));
+        const QImage prompt = drawn(fixture.editor);
+
+        fixture.editor.setNoteText(text);
+
+        const QRect ink = Pixels::inkBounds(drawn(fixture.editor));
+        QCOMPARE(Pixels::inkBounds(prompt), ink);
+        // The highest letters of the first line begin below the inset of 9, within the line.
+        const QFontMetricsF metrics(fixture.editor.font());
+        QVERIFY(ink.top() >= 9 - 1 && ink.top() < 9 + metrics.ascent() / 2);
+        QVERIFY(ink.left() >= 5 && ink.left() <= 5 + 3);
+    }
+}
+
+void NoteTextEditorTest::hidesThePlaceholderBehindTextAndCompositions()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const QImage prompt = drawn(fixture.editor);
+    QVERIFY(!Pixels::inkBounds(prompt).isEmpty());
+    bool isTertiary = false;
+    for (int y = 0; y < prompt.height(); ++y) {
+        for (int x = 0; x < prompt.width(); ++x)
+            isTertiary |= Pixels::isAlike(prompt.pixelColor(x, y),
+                                          NoteTheme::tertiary(fixture.editor.palette()));
+    }
+    QVERIFY(isTertiary);
+
+    fixture.editor.setNoteText(u" "_s);
+    QVERIFY(Pixels::inkBounds(drawn(fixture.editor)).isEmpty());
+
+    fixture.editor.setNoteText({});
+    QCOMPARE(drawn(fixture.editor), prompt);
+
+    fixture.compose(u"n"_s);
+    QVERIFY(Pixels::inkBounds(drawn(fixture.editor)).width() <
+            Pixels::inkBounds(prompt).width() / 2);
+    fixture.compose({});
+    QCOMPARE(drawn(fixture.editor), prompt);
+}
+
+void NoteTextEditorTest::lendsThePlaceholderNoMouse()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    fixture.window.setFocus();
+
+    QTest::mouseClick(fixture.editor.viewport(), Qt::LeftButton, {}, {40, 20});
+
+    QVERIFY(fixture.editor.hasFocus());
+    QCOMPARE(fixture.editor.textCursor().position(), 0);
+    QVERIFY(fixture.editor.viewport()->findChildren<QWidget *>().isEmpty());
+}
+
+void NoteTextEditorTest::speaksTheLanguageOfThePreferences()
+{
+    Fixture fixture;
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&fixture.editor);
+    QCOMPARE(fixture.editor.objectName(), u"noteEditor"_s);
+    QCOMPARE(accessible->text(QAccessible::Name), u"Note text"_s);
+    const QImage english = drawn(fixture.editor);
+
+    fixture.preferences.setLanguage(AppLanguage::chinese);
+
+    QCOMPARE(accessible->text(QAccessible::Name), u"笔记内容"_s);
+    QVERIFY(drawn(fixture.editor) != english);
+}
+
+void NoteTextEditorTest::takesTheKeyboardWhenItIsFirstShown()
+{
+    Fixture fixture;
+    auto *button = new QPushButton(&fixture.window);
+    button->setFocus();
+    QVERIFY(fixture.show());
+    QVERIFY(fixture.editor.hasFocus());
+
+    button->setFocus();
+    fixture.editor.hide();
+    fixture.editor.show();
+
+    QVERIFY(button->hasFocus());
+}
+
+void NoteTextEditorTest::movesOnWithTab()
+{
+    Fixture fixture;
+    auto *next = new QPushButton(&fixture.window);
+    QWidget::setTabOrder(&fixture.editor, next);
+    QVERIFY(fixture.show());
+
+    QTest::keyClick(&fixture.editor, Qt::Key_Tab);
+    QVERIFY(next->hasFocus());
+    QTest::keyClick(next, Qt::Key_Backtab, Qt::ShiftModifier);
+    QVERIFY(fixture.editor.hasFocus());
+    QCOMPARE(fixture.editor.noteText(), QString());
+}
+
+void NoteTextEditorTest::leavesSavingAndFoldingToItsScreen_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<Qt::KeyboardModifier>("modifier");
+
+    QTest::newRow("Control+Return") << Qt::Key_Return << Qt::ControlModifier;
+    QTest::newRow("Super+Return") << Qt::Key_Return << Qt::MetaModifier;
+    QTest::newRow("Control+Enter") << Qt::Key_Enter << Qt::ControlModifier;
+    QTest::newRow("Control+Tab") << Qt::Key_Tab << Qt::ControlModifier;
+    QTest::newRow("Escape") << Qt::Key_Escape << Qt::NoModifier;
+}
+
+void NoteTextEditorTest::leavesSavingAndFoldingToItsScreen()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(Qt::KeyboardModifier, modifier);
+    Fixture fixture;
+    fixture.editor.setNoteText(u"one"_s);
+
+    for (const QEvent::Type type : {QEvent::ShortcutOverride, QEvent::KeyPress}) {
+        QKeyEvent event(type, key, modifier, key == Qt::Key_Escape ? u"\x1b"_s : u"\r"_s);
+        event.ignore();
+        QCoreApplication::sendEvent(&fixture.editor, &event);
+        QVERIFY(!event.isAccepted());
+    }
+
+    QCOMPARE(fixture.editor.noteText(), u"one"_s);
+    QCOMPARE(fixture.edited.size(), 0);
+}
+
+void NoteTextEditorTest::countsACompositionOnlyWhenItIsCommitted()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    fixture.editor.setNoteText(u"想"_s);
+
+    fixture.compose(u"fa"_s);
+    QVERIFY(fixture.editor.isComposing());
+    QCOMPARE(fixture.editor.noteText(), u"想"_s);
+    QCOMPARE(fixture.edited.size(), 0);
+
+    fixture.compose({}, u"法"_s);
+    QVERIFY(!fixture.editor.isComposing());
+    QCOMPARE(fixture.editor.noteText(), u"想法"_s);
+    QCOMPARE(fixture.edited.size(), 1);
+}
+
+void NoteTextEditorTest::commitsACompositionThatTheInputMethodForgets()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+
+    fixture.compose(u"xiang"_s);
+    fixture.editor.commitComposition();
+    QVERIFY(!fixture.editor.isComposing());
+    QCOMPARE(fixture.editor.noteText(), u"xiang"_s);
+    QCOMPARE(fixture.edited.size(), 1);
+
+    fixture.editor.commitComposition();
+    QCOMPARE(fixture.editor.noteText(), u"xiang"_s);
+    QCOMPARE(fixture.edited.size(), 1);
+}
+
+void NoteTextEditorTest::keepsEscapeWhileComposing()
+{
+    Fixture fixture;
+    fixture.compose(u"ni"_s);
+
+    for (const QEvent::Type type : {QEvent::ShortcutOverride, QEvent::KeyPress}) {
+        QKeyEvent event(type, Qt::Key_Escape, Qt::NoModifier);
+        event.ignore();
+        QCoreApplication::sendEvent(&fixture.editor, &event);
+        QVERIFY(event.isAccepted());
+    }
+}
+
+void NoteTextEditorTest::offersAMenuInTheProgramsLanguage()
+{
+    Fixture fixture;
+    fixture.preferences.setLanguage(AppLanguage::chinese);
+    QVERIFY(fixture.show());
+    fixture.editor.setNoteText(u"one"_s);
+    QTest::keyClicks(&fixture.editor, u" two"_s);
+
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {10, 10},
+                            fixture.editor.mapToGlobal(QPoint(10, 10)));
+    QCoreApplication::sendEvent(&fixture.editor, &event);
+
+    QPointer<QMenu> menu = fixture.editor.findChild<QMenu *>(u"noteEditorMenu"_s);
+    QVERIFY(menu && menu->isVisible());
+    for (const QString &key :
+         {u"Undo"_s, u"Redo"_s, u"Cut"_s, u"Copy"_s, u"Paste"_s, u"Select all"_s}) {
+        const QString text = fixture.preferences.text(key);
+        QVERIFY2(text != key, qPrintable(key));
+        const auto actions = menu->actions();
+        QVERIFY(std::any_of(actions.begin(), actions.end(), [&](const QAction *action) {
+            return action->text().startsWith(text + u'\t');
+        }));
+    }
+    QVERIFY(menu->actions().first()->isEnabled());
+    menu->actions().first()->trigger();
+    QCOMPARE(fixture.editor.noteText(), u"one"_s);
+    menu->close();
+    QTRY_VERIFY(!menu);
+}
+
+void NoteTextEditorTest::keepsItsScrollBarOutOfTheLines()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    QVERIFY(qobject_cast<SlimScrollBar *>(fixture.editor.verticalScrollBar()));
+    const int width = fixture.editor.viewport()->width();
+
+    fixture.editor.setNoteText(u"line\n"_s.repeated(100));
+
+    QCOMPARE(fixture.editor.viewport()->width(), width);
+    QVERIFY(fixture.editor.verticalScrollBar()->maximum() > 0);
+    // The cursor is at the end, and in sight.
+    QVERIFY(fixture.editor.viewport()->rect().contains(fixture.editor.cursorRect()));
+}
+
+void NoteTextEditorTest::showsTheSurfaceBehindIt()
+{
+    Fixture fixture;
+    fixture.editor.setNoteText(u"x"_s);
+
+    const QImage image = Pixels::draw(fixture.editor);
+
+    QCOMPARE(image.pixelColor(200, 150).alpha(), 0);
+    QCOMPARE(image.pixelColor(0, 0).alpha(), 0);
+}
+
+void NoteTextEditorTest::holdsALongText()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const QString megabyte = u"All work and no play makes a long note.\n"_s.repeated(26'215);
+
+    fixture.editor.setNoteText(megabyte);
+    QTest::keyClicks(&fixture.editor, u"end"_s);
+
+    QCOMPARE(fixture.editor.noteText().size(), megabyte.size() + 3);
+    QVERIFY(fixture.editor.noteText().endsWith(u".\nend"));
+}
+
+QTEST_MAIN(NoteTextEditorTest)
+#include "NoteTextEditorTest.moc"
