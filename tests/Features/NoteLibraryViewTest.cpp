@@ -9,6 +9,7 @@
 #include "Views.h"
 
 #include <QAbstractItemModel>
+#include <QAccessible>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -40,6 +41,8 @@ private Q_SLOTS:
     void keepsThePlaceWhenNotesChange();
     void putsTheKeyboardOnANote();
     void leavesEscapeToThePanel();
+    void isAListOfButtonsForAReader();
+    void opensTheNoteThatAReaderPresses();
     void changesItsTextsWithTheLanguage();
 };
 
@@ -369,6 +372,42 @@ void NoteLibraryViewTest::leavesEscapeToThePanel()
     QCOMPARE(panel.escapes, 2);
     QCOMPARE(screen.search()->text(), u"milk"_s);
     screen.view.setParent(nullptr);
+}
+
+void NoteLibraryViewTest::isAListOfButtonsForAReader()
+{
+    Screen screen(withManyNotes(120));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClick(screen.search(), Qt::Key_Down);
+    QTest::keyClick(screen.list(), Qt::Key_Down);
+
+    QAccessibleInterface *const list = QAccessible::queryAccessibleInterface(screen.list());
+
+    QCOMPARE(list->role(), QAccessible::List);
+    QCOMPARE(list->childCount(), 120);
+    QAccessibleInterface *const row = list->child(1);
+    QCOMPARE(row->role(), QAccessible::Button);
+    QCOMPARE(row->text(QAccessible::Name), u"Open note: note 1"_s);
+    QCOMPARE(row->parent(), list);
+    QCOMPARE(list->indexOfChild(row), 1);
+    QCOMPARE(list->focusChild(), row);
+    QVERIFY(row->state().focused);
+    QVERIFY(!row->state().offscreen);
+    QVERIFY(list->child(119)->state().offscreen);
+    const QPoint centre = row->rect().center();
+    QCOMPARE(list->childAt(centre.x(), centre.y()), row);
+    QVERIFY(!list->child(120));
+}
+
+void NoteLibraryViewTest::opensTheNoteThatAReaderPresses()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(screen.view));
+    QAccessibleInterface *const list = QAccessible::queryAccessibleInterface(screen.list());
+
+    list->child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+
+    QCOMPARE(screen.chosen, QStringList{u"bread"_s});
 }
 
 void NoteLibraryViewTest::changesItsTextsWithTheLanguage()

@@ -2,6 +2,7 @@
 #include "NoteListView.h"
 
 #include "Metrics.h"
+#include "NoteListAccessible.h"
 #include "NoteListModel.h"
 #include "NoteRow.h"
 
@@ -26,6 +27,7 @@ NoteListView::NoteListView(NoteListModel *model, QWidget *parent)
     : QListView(parent)
     , m_model(model)
 {
+    NoteListAccessible::install();
     setFrameShape(QFrame::NoFrame);
     viewport()->setAutoFillBackground(false);
     viewport()->setAttribute(Qt::WA_Hover);
@@ -43,6 +45,8 @@ NoteListView::NoteListView(NoteListModel *model, QWidget *parent)
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &NoteListView::keepPlace);
     setModel(model);
     connect(model, &QAbstractItemModel::modelReset, this, &NoteListView::returnToPlace);
+    connect(model, &QAbstractItemModel::modelReset, this, &NoteListView::announceRows);
+    connect(model, &QAbstractItemModel::dataChanged, this, &NoteListView::announceRows);
     connect(this, &QAbstractItemView::clicked, this, &NoteListView::opened);
 }
 
@@ -109,6 +113,15 @@ void NoteListView::scrollContentsBy(int dx, int dy)
     const QPointF here = viewport()->mapFromGlobal(pointer);
     QHoverEvent hover(QEvent::HoverMove, here, pointer, here);
     viewportEvent(&hover);
+}
+
+void NoteListView::announceRows()
+{
+    if (!QAccessible::isActive())
+        return;
+    if (auto *rows =
+            dynamic_cast<NoteListAccessible *>(QAccessible::queryAccessibleInterface(this)))
+        rows->forgetRows();
 }
 
 void NoteListView::keepPlace()

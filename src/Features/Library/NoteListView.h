@@ -40,6 +40,7 @@ private:
         int scrollPosition = 0;
     };
 
+    void announceRows();
     void keepPlace();
     void returnToPlace();
 
