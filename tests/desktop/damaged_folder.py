@@ -9,6 +9,9 @@ from harness import DesktopTest, main, until
 INVALID = "A Markdown file has invalid metadata. Original files were left untouched."
 RECOVERY = ("A recovery copy needs attention. "
             "Original files were preserved in the data folder.")
+NOT_SAVED = "Could not save. Your text is still in this window."
+CHANGED = ("Notes changed outside Quillmark. "
+           "Copy your pending text and reopen the app to reload the files.")
 NAME = "11111111-2222-3333-4444-555555555555.md"
 
 
@@ -25,15 +28,16 @@ class DamagedFolder(DesktopTest):
         quillmark.open_editor()
         quillmark.element(name="Retry")
         quillmark.element(name="Not saved · Retry")
-        texts = quillmark.texts()
+        texts = [line for text in quillmark.texts() for line in text.splitlines()]
+        self.assertIn("Could not read your notes. Original files were protected.", texts)
         if message is not None:
             self.assertIn(message, texts)
-        self.assertFalse(quillmark.element("text", "Note text").has("editable"))
+        self.assertFalse(quillmark.element("text", "Note text").has("enabled"))
         self.assertFalse(quillmark.element(name="Save this thought").has("enabled"))
 
         self.keyboard.type("not to be written")
         self.keyboard.press("ctrl+Return")
-        quillmark.element(name="Retry").perform("Press")
+        self.mouse.click(quillmark.element(name="Retry").centre())
         self.keyboard.press("Escape")
         quillmark.launcher()
         quillmark.stop()
@@ -138,8 +142,7 @@ class DamagedFolder(DesktopTest):
 
         self.keyboard.type(" and more")
 
-        quillmark.element(name="Notes changed outside Quillmark. Copy your pending text and "
-                               "reopen the app to reload the files.")
+        quillmark.element(name=NOT_SAVED + "\n" + CHANGED)
         self.keyboard.press("Escape")
         quillmark.element(name="Not saved · Retry")
         self.assertIsNotNone(quillmark.shows_editor())

@@ -9,8 +9,8 @@ from harness import DesktopTest, main, until
 class Drafts(DesktopTest):
     def type_into_note(self, quillmark, title, text):
         quillmark.open_editor()
-        quillmark.element(name="Notes").perform("Press")
-        quillmark.element(name=f"Open note: {title}").perform("Press")
+        quillmark.element(name="Notes").press()
+        self.mouse.click(quillmark.element(name=f"Open note: {title}").centre())
         editor = quillmark.element("text", "Note text")
         until(lambda: editor.has("focused"), "the note's text has the keyboard")
         self.keyboard.press("ctrl+End")
@@ -58,8 +58,8 @@ class Drafts(DesktopTest):
         quillmark.kill()
         again = self.start()
         again.open_editor()
-        again.element(name="Notes").perform("Press")
-        again.element(name="Open note: milk").perform("Press")
+        again.element(name="Notes").press()
+        self.mouse.click(again.element(name="Open note: milk").centre())
         until(lambda: again.element("text", "Note text").text() == "milk and bread",
               "the draft is there after a restart")
 
@@ -78,15 +78,15 @@ class Drafts(DesktopTest):
         self.data.add_note("forget me", number=2)
         quillmark = self.start()
         quillmark.open_editor()
-        quillmark.element(name="Notes").perform("Press")
-        quillmark.element(name="Open note: forget me").perform("Press")
+        quillmark.element(name="Notes").press()
+        self.mouse.click(quillmark.element(name="Open note: forget me").centre())
 
-        quillmark.element(name="Delete note").perform("Press")
-        quillmark.element(name="Cancel").perform("Press")
+        quillmark.element(name="Delete note").press()
+        quillmark.element(name="Cancel").press()
         until(lambda: not quillmark.has_element(name="Cancel"), "the question is gone")
         self.assertEqual(len(self.data.note_files()), 2)
-        quillmark.element(name="Delete note").perform("Press")
-        quillmark.element(name="Delete").perform("Press")
+        quillmark.element(name="Delete note").press()
+        quillmark.element(name="Delete").press()
 
         until(lambda: len(self.data.note_files()) == 1, "one note is left")
         self.assertEqual([note.body for note in self.data.read_notes()], ["keep me"])

@@ -5,15 +5,13 @@ import os
 import subprocess
 
 from harness import DesktopTest, main, until
-from harness.input import Mouse
 from harness.translations import chinese
 from harness.waiting import holds_for
 
 
 class Starting(DesktopTest):
     def quit_from_menu(self, quillmark):
-        self.mouse.click(quillmark.launcher().centre(), Mouse.RIGHT)
-        x, y, width, height = until(quillmark.popup, "the menu is open").rectangle()
+        x, y, width, height = self.open_menu(quillmark).rectangle()
         self.mouse.click((x + width // 2, y + height * 3 // 4))
 
     def brightness(self, window):
@@ -134,11 +132,11 @@ class Starting(DesktopTest):
 
         self.quit_from_menu(quillmark)
         quillmark.element(name="Some changes could not be saved")
-        quillmark.element(name="Return to notes").perform("Press")
+        quillmark.element(name="Return to notes").press()
         until(lambda: not quillmark.has_element(name="Return to notes"), "the question is gone")
         self.assertTrue(quillmark.is_running())
         self.quit_from_menu(quillmark)
-        quillmark.element(name="Quit anyway").perform("Press")
+        quillmark.element(name="Quit anyway").press()
 
         self.assertEqual(quillmark.wait_until_ended(), 0)
         self.assertEqual(self.data.state(), before)

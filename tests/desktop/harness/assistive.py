@@ -1,123 +1,215 @@
 # SPDX-License-Identifier: MIT
-"""A program as a screen reader meets it (AT-SPI)."""
+"""A program as a screen reader meets it: the protocol AT-SPI, spoken over its bus.
 
-import warnings
+Every question goes to the program itself. Nothing is kept, so that no answer is an old one.
+"""
 
 import gi
 
-gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi, GLib  # noqa: E402
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
 
-_is_ready = False
+_ACCESSIBLE = "org.a11y.atspi.Accessible"
+_ACTION = "org.a11y.atspi.Action"
+_COMPONENT = "org.a11y.atspi.Component"
+_TEXT = "org.a11y.atspi.Text"
+_ROOT = "/org/a11y/atspi/accessible/root"
+_MILLISECONDS = 5000
+
+# The numbers of the states, which the protocol sends as a set of bits.
+_STATES = {"editable": 7, "enabled": 8, "focused": 12, "modal": 16, "pressed": 20, "checked": 4,
+           "showing": 25, "visible": 30}
 
 
-def _desktop():
-    """The root of everything accessible. What it says is asked for anew every time: this process
-    runs no main loop that would tell a cache of changes."""
-    global _is_ready
-    if not _is_ready:
-        Atspi.init()
-        Atspi.set_timeout(2000, 5000)
-        _is_ready = True
-    desktop = Atspi.get_desktop(0)
-    desktop.set_cache_mask(Atspi.Cache.NONE)
-    context = GLib.MainContext.default()
-    while context.pending():
-        context.iteration(False)
-    return desktop
+class Gone(Exception):
+    """The object, or its program, is there no more."""
+
+
+class Bus:
+    """A connection to the accessibility bus of one session."""
+
+    def __init__(self, session_address):
+        session = self._connect(session_address)
+        answer = session.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress",
+                                   None, None, Gio.DBusCallFlags.NONE, _MILLISECONDS, None)
+        session.close_sync(None)
+        self._connection = self._connect(answer.unpack()[0])
+        # Programs tell of the focus only while somebody wants to hear of it.
+        self.call("org.a11y.atspi.Registry", "/org/a11y/atspi/registry",
+                  "org.a11y.atspi.Registry", "RegisterEvent",
+                  GLib.Variant("(sass)", ("object:state-changed:focused", [], "")))
+
+    @staticmethod
+    def _connect(address):
+        flags = (Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
+                 | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
+        return Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
+
+    def close(self):
+        self._connection.close_sync(None)
+
+    def call(self, name, path, interface, method, arguments=None):
+        try:
+            answer = self._connection.call_sync(name, path, interface, method, arguments, None,
+                                                Gio.DBusCallFlags.NONE, _MILLISECONDS, None)
+        except GLib.Error as error:
+            raise Gone(error.message) from None
+        values = answer.unpack()
+        return values[0] if values else None
+
+    def send(self, name, path, interface, method, arguments):
+        """Does not wait for the answer: a program that shows a menu answers once it is closed."""
+        self._connection.call(name, path, interface, method, arguments, None,
+                              Gio.DBusCallFlags.NONE, _MILLISECONDS, None, None)
+        self._connection.flush_sync(None)
+
+    def property(self, name, path, interface, key):
+        return self.call(name, path, "org.freedesktop.DBus.Properties", "Get",
+                         GLib.Variant("(ss)", (interface, key)))
+
+    def listen(self):
+        """From here on hears what gets the keyboard focus."""
+        return FocusListener(self, self._connection)
+
+    def program(self, process):
+        """The program of this process, or None while it is not on the bus."""
+        registry = Element(self, "org.a11y.atspi.Registry", _ROOT)
+        try:
+            for child in registry.children():
+                if child.process() == process:
+                    return child
+        except Gone:
+            pass
+        return None
+
+
+class FocusListener:
+    """The names of what got the keyboard focus, as a screen reader speaks them; the one way to
+    learn what is in an open menu."""
+
+    def __init__(self, bus, connection):
+        self._bus = bus
+        self._connection = connection
+        self._names = []
+        self._subscription = connection.signal_subscribe(
+            None, "org.a11y.atspi.Event.Object", "StateChanged", None, "focused",
+            Gio.DBusSignalFlags.NONE, self._hear)
+
+    def _hear(self, _connection, sender, path, _interface, _signal, values):
+        if values.unpack()[1] == 1:
+            self._names.append(Element(self._bus, sender, path).name())
+
+    def names(self):
+        """All names until now, the latest last."""
+        context = GLib.MainContext.default()
+        while context.pending():
+            context.iteration(False)
+        return list(self._names)
+
+    def close(self):
+        self._connection.signal_unsubscribe(self._subscription)
 
 
 class Element:
     """One accessible object."""
 
-    def __init__(self, accessible):
-        self._accessible = accessible
+    def __init__(self, bus, name, path):
+        self._bus = bus
+        self._name = name
+        self._path = path
 
     def __repr__(self):
         return f"<{self.role()} “{self.name()}”>"
 
-    def name(self):
-        return self._accessible.get_name() or ""
+    def _call(self, interface, method, arguments=None):
+        return self._bus.call(self._name, self._path, interface, method, arguments)
 
-    def role(self):
-        """As in the specification of AT-SPI: "push button", "text", "window"."""
-        return self._accessible.get_role_name()
+    def process(self):
+        return self._bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                              "org.freedesktop.DBus", "GetConnectionUnixProcessID",
+                              GLib.Variant("(s)", (self._name,)))
+
+    def name(self):
+        return self._bus.property(self._name, self._path, _ACCESSIBLE, "Name")
 
     def description(self):
-        return self._accessible.get_description() or ""
+        return self._bus.property(self._name, self._path, _ACCESSIBLE, "Description")
 
-    def identifier(self):
-        return self._accessible.get_accessible_id() or ""
+    def role(self):
+        """As the protocol names it: "push button", "text", "menu item"."""
+        return self._call(_ACCESSIBLE, "GetRoleName")
 
     def has(self, state):
         """Whether a state such as "focused", "showing" or "enabled" is set."""
-        wanted = getattr(Atspi.StateType, state.upper())
-        return self._accessible.get_state_set().contains(wanted)
+        low, high = self._call(_ACCESSIBLE, "GetState")
+        return bool((low | high << 32) >> _STATES[state] & 1)
+
+    def centre(self):
+        """The middle of what is seen of it, on the screen."""
+        x, y, width, height = self._call(_COMPONENT, "GetExtents", GLib.Variant("(u)", (0,)))
+        return x + width // 2, y + height // 2
+
+    def _offers(self, interface):
+        return interface in self._call(_ACCESSIBLE, "GetInterfaces")
 
     def text(self):
-        """The content of a text."""
-        if "Text" not in self._accessible.get_interfaces():
+        """The content of a text; of anything else, its name."""
+        if not self._offers(_TEXT):
             return self.name()
-        return Atspi.Text.get_text(self._accessible, 0, -1)
+        return self._call(_TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))
 
     def actions(self):
-        if "Action" not in self._accessible.get_interfaces():
+        if not self._offers(_ACTION):
             return []
-        count = Atspi.Action.get_n_actions(self._accessible)
-        with warnings.catch_warnings():
-            # Its replacement, get_name, is hidden by the object's own.
-            warnings.simplefilter("ignore", DeprecationWarning)
-            return [Atspi.Action.get_action_name(self._accessible, index)
-                    for index in range(count)]
+        count = self._bus.property(self._name, self._path, _ACTION, "NActions")
+        return [self._call(_ACTION, "GetName", GLib.Variant("(i)", (index,)))
+                for index in range(count)]
 
     def perform(self, action):
-        return Atspi.Action.do_action(self._accessible, self.actions().index(action))
+        index = self.actions().index(action)
+        self._bus.send(self._name, self._path, _ACTION, "DoAction", GLib.Variant("(i)", (index,)))
+
+    def press(self):
+        """What a press does: a button is pressed, a choice toggled, a menu button shows its menu."""
+        offered = self.actions()
+        for action in ("Press", "Toggle", "ShowMenu"):
+            if action in offered:
+                self.perform(action)
+                return
+        raise AssertionError(f"{self} cannot be pressed, it offers {offered}")
 
     def children(self):
-        count = self._accessible.get_child_count()
-        found = (self._accessible.get_child_at_index(index) for index in range(count))
-        return [Element(child) for child in found if child is not None]
+        return [Element(self._bus, name, path)
+                for name, path in self._call(_ACCESSIBLE, "GetChildren")]
 
     def descendants(self):
-        """Everything below, parents first."""
-        for child in self.children():
+        """Everything below, parents first; what goes meanwhile is left out."""
+        try:
+            children = self.children()
+        except Gone:
+            return
+        for child in children:
             yield child
             yield from child.descendants()
 
-    def find(self, role=None, name=None, showing=True):
-        """The first descendant with this role and name, or None."""
+    def find(self, role=None, name=None):
+        """The first descendant on screen with this role and name, or None."""
         for element in self.descendants():
             try:
-                if role is not None and element.role() != role:
-                    continue
-                if name is not None and element.name() != name:
-                    continue
-                if showing and not element.has("showing"):
-                    continue
-                return element
-            except GLib.Error:
+                if ((name is None or element.name() == name)
+                        and (role is None or element.role() == role) and element.has("showing")):
+                    return element
+            except Gone:
                 continue
         return None
 
     def texts(self):
-        """Every name and text that is showing, in order."""
-        found = []
+        """Every name and text on screen, in order, each once."""
+        found = {}
         for element in self.descendants():
             try:
                 if element.has("showing"):
-                    found += [text for text in (element.name(), element.text()) if text]
-            except GLib.Error:
+                    found |= {text: None for text in (element.name(), element.text()) if text}
+            except Gone:
                 continue
-        return found
-
-
-def program(process):
-    """The program of this process, or None while it is not on the accessibility bus."""
-    try:
-        for index in range(_desktop().get_child_count()):
-            child = _desktop().get_child_at_index(index)
-            if child is not None and child.get_process_id() == process:
-                return Element(child)
-    except GLib.Error:
-        pass
-    return None
+        return list(found)

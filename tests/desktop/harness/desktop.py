@@ -2,6 +2,7 @@
 """One virtual desktop: X server, window manager, session bus and folders of its own."""
 
 import contextlib
+import functools
 import os
 import pathlib
 import shutil
@@ -11,7 +12,7 @@ import tempfile
 import Xlib.display
 import Xlib.error
 
-from . import processes
+from . import assistive, processes
 from .input import Keyboard, Mouse
 from .pictures import Picture
 from .quillmark import Quillmark
@@ -90,10 +91,6 @@ class Desktop:
         self.environment = self._make_environment(self.folder / "home")
         self._start_display()
         self._start_bus()
-        # libatspi and Xlib of this very process are to find the same desktop.
-        os.environ.update({key: self.environment[key] for key in
-                           ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")})
-        os.environ.pop("AT_SPI_BUS_ADDRESS", None)
         self.display = Xlib.display.Display(self.environment["DISPLAY"])
         self._exits.callback(self.display.close)
         self.windows = Windows(self.display)
@@ -183,6 +180,13 @@ class Desktop:
 
         until(is_managed, f"{self.window_manager} manages windows")
         probe.close()
+
+    @functools.cached_property
+    def assistive(self):
+        """What a screen reader would ask."""
+        bus = assistive.Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        self._exits.callback(bus.close)
+        return bus
 
     def log(self):
         """What the services of the desktop have printed."""

@@ -7,7 +7,7 @@ import pathlib
 import signal
 import subprocess
 
-from . import assistive, processes
+from . import processes
 from .notes import DataFolder
 from .waiting import until
 
@@ -81,12 +81,20 @@ class Quillmark:
         """The editor's window while it is on screen."""
         return self._shown(EDITOR_SIZE, False)
 
+    def _until_shown(self, shown, what):
+        def shown_or_ended():
+            if not self.is_running():
+                raise AssertionError(f"the program ended with {self._process.returncode}, "
+                                     f"awaited: {what}")
+            return shown()
+        return until(shown_or_ended, what)
+
     def launcher(self):
-        return until(self.shows_launcher, "the bubble is on screen")
+        return self._until_shown(self.shows_launcher, "the bubble is on screen")
 
     def editor(self):
         """The editor's window once it is on screen and has the keyboard."""
-        window = until(self.shows_editor, "the editor is on screen")
+        window = self._until_shown(self.shows_editor, "the editor is on screen")
         until(lambda: self.desktop.windows.has_input(window.id), "the editor has the keyboard")
         return window
 
@@ -107,18 +115,18 @@ class Quillmark:
     # What it says to a screen reader
 
     def accessible(self):
-        return until(lambda: assistive.program(self._process.pid),
+        return until(lambda: self.desktop.assistive.program(self._process.pid),
                      "the program is on the accessibility bus")
 
     def element(self, role=None, name=None, seconds=10.0):
         """The first showing element with this role and name, once there is one."""
         def found():
-            root = assistive.program(self._process.pid)
+            root = self.desktop.assistive.program(self._process.pid)
             return root and root.find(role, name)
         return until(found, f"there is a “{name or role}” ({role or 'any role'})", seconds)
 
     def has_element(self, role=None, name=None):
-        root = assistive.program(self._process.pid)
+        root = self.desktop.assistive.program(self._process.pid)
         return root is not None and root.find(role, name) is not None
 
     def texts(self):

@@ -10,8 +10,9 @@ import unittest
 
 from . import quillmark
 from .desktop import Desktop, WINDOW_MANAGERS
+from .input import Mouse
 from .notes import DataFolder
-from .quillmark import Quillmark
+from .waiting import until
 
 _SKIPPED = 77  # What the test driver takes for "not run".
 
@@ -30,6 +31,8 @@ class DesktopTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.desktop = cls.enterClassContext(Desktop(_options.window_manager, *cls.size))
+        # Before any program starts, so that each tells from its start what it should.
+        cls.desktop.assistive.listen().close()
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="home-", dir=self.desktop.folder)
@@ -68,6 +71,46 @@ class DesktopTest(unittest.TestCase):
 
     def write_settings(self, values):
         quillmark.write_settings(self.settings_file, values)
+
+    def open_menu(self, quillmark):
+        """The menu of the bubble."""
+        self.mouse.click(quillmark.launcher().centre(), Mouse.RIGHT)
+        return until(quillmark.popup, "the menu is open")
+
+    def walk_menu(self, quillmark):
+        """Goes down an open menu with the keyboard; what is read out, item by item."""
+        until(quillmark.popup, "the menu is open")
+        listener = self.desktop.assistive.listen()
+        self.addCleanup(listener.close)
+        while True:
+            heard = len(listener.names())
+            self.keyboard.press("Down")
+            yield until(lambda: listener.names()[heard:], "the next item is read out")[-1]
+
+    def choose(self, quillmark, *path):
+        """Chooses an item of an open menu; what comes before the last name are menus inside it."""
+        for depth, wanted in enumerate(path):
+            if depth > 0:
+                self.keyboard.press("Right")
+            first = None
+            for name in self.walk_menu(quillmark):
+                if name == wanted:
+                    break
+                self.assertNotEqual(name, first, f"the menu has no item “{wanted}”")
+                first = first or name
+        self.keyboard.press("Return")
+        until(lambda: quillmark.popup() is None, "the menu is closed")
+
+    def read_menu(self, quillmark):
+        """The names in an open menu, which is closed again."""
+        names = []
+        for name in self.walk_menu(quillmark):
+            if names and name == names[0]:
+                break
+            names.append(name)
+        self.keyboard.press("Escape")
+        until(lambda: quillmark.popup() is None, "the menu is closed")
+        return names
 
     def _report_failure(self):
         outcome = self._outcome.result
