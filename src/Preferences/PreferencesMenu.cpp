@@ -53,7 +53,7 @@ void renderChoices(const QMenu *menu, const Values &values, Value chosen,
 
 PreferencesMenu::PreferencesMenu(AppPreferences &preferences, NotesFolder notesFolder,
                                  QWidget *parent)
-    : QToolButton(parent)
+    : QPushButton(parent)
     , m_preferences(preferences)
     , m_notesFolder(std::move(notesFolder))
     , m_menu(makeMenu(this, u"preferencesMenuItems"_s))
@@ -63,7 +63,6 @@ PreferencesMenu::PreferencesMenu(AppPreferences &preferences, NotesFolder notesF
     , m_showFolder(new QAction(this))
 {
     setObjectName(u"preferencesMenu"_s);
-    setPopupMode(QToolButton::InstantPopup);
     setFocusPolicy(Qt::TabFocus);
     FocusRing::watch(this);
     setFixedSize(Metrics::preferencesButton);
@@ -119,7 +118,7 @@ void PreferencesMenu::keyPressEvent(QKeyEvent *event)
         event->key() == Qt::Key_Down)
         showMenu();
     else
-        QToolButton::keyPressEvent(event);
+        QPushButton::keyPressEvent(event);
 }
 
 void PreferencesMenu::paintEvent(QPaintEvent *)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QToolButton>
+#include <QPushButton>
 #include <QUrl>
 #include <functional>
 #include <optional>
@@ -10,7 +10,9 @@ class AppPreferences;
 class QMenu;
 
 /// The button in the header whose menu chooses language and appearance and shows the notes folder.
-class PreferencesMenu final : public QToolButton {
+///
+/// A push button, since Qt lets assistive tools open the menu of no other kind.
+class PreferencesMenu final : public QPushButton {
     Q_OBJECT
 
 public:
