@@ -18,8 +18,9 @@ namespace {
 
 constexpr uint32_t onAllDesktops = 0xFFFFFFFF;
 
-/// More than half opaque: what is left out is the softened edge of a shape and its shadow.
-constexpr int leastAlpha = 128;
+/// Nearly opaque. What is less is blended with black by the server, and on a light desktop the
+/// softened edge of a shape would look like a row of dark dots.
+constexpr int leastAlpha = 230;
 
 constexpr Qt::WindowFlags floatingFlags =
     Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
@@ -31,10 +32,10 @@ std::array<xcb_atom_t, 4> editorStates(const xcb_ewmh_connection_t &ewmh)
 }
 
 /// Raw X coordinates are device pixels; Qt scales about the top left corner of the screen.
-QPoint nativePosition(const QWidget &panel)
+QPoint nativePosition(const QWidget &panel, QPoint place)
 {
     const QPoint corner = panel.screen()->geometry().topLeft();
-    const QPointF inScreen = QPointF(panel.pos() - corner) * panel.devicePixelRatioF();
+    const QPointF inScreen = QPointF(place - corner) * panel.devicePixelRatioF();
     return corner + inScreen.toPoint();
 }
 
@@ -139,11 +140,11 @@ void PanelHints::activate(QWidget &panel)
     }
 }
 
-void PanelHints::correctPosition(QWidget &panel)
+void PanelHints::correctPosition(QWidget &panel, QPoint place)
 {
     if (const X11Session *const session = X11Session::current()) {
         const xcb_window_t window = X11Session::window(panel);
-        const QPoint wanted = nativePosition(panel);
+        const QPoint wanted = nativePosition(panel, place);
         const std::optional<QPoint> actual = actualPosition(*session, window);
         if (actual && *actual != wanted)
             moveTo(*session, window, wanted);

@@ -4,6 +4,7 @@
 #include <Qt>
 
 class QImage;
+class QPoint;
 class QWidget;
 
 /// What the X server and the window manager must know of the two panels. Does nothing on another
@@ -34,12 +35,12 @@ void afterShowingEditor(QWidget &panel);
 /// Takes the keyboard for the panel, as the answer to what the user just did.
 void activate(QWidget &panel);
 
-/// Moves the window to where the widget believes it is, when the window manager put it elsewhere:
-/// i3 places its frame there, not the window in it.
-void correctPosition(QWidget &panel);
+/// Moves the window to the place that was meant, in Qt's global coordinates, when the window
+/// manager put it elsewhere: i3 takes a place for that of its frame, not of the window in it.
+void correctPosition(QWidget &panel, QPoint place);
 
-/// Cuts the window to where the image, a rendering of the panel in device pixels, is more than
-/// half opaque. A null image gives the window its whole rectangle back.
+/// Cuts the window to where the image, a rendering of the panel in device pixels, is opaque but for
+/// a trace. A null image gives the window its whole rectangle back.
 void cutOut(QWidget &panel, const QImage &rendering);
 
 } // namespace PanelHints

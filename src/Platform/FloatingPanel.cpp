@@ -11,6 +11,7 @@
 #include <QInputMethod>
 #include <QKeyEvent>
 #include <QVBoxLayout>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -49,6 +50,12 @@ void FloatingPanel::setContent(QWidget *content)
         layout()->addWidget(content);
 }
 
+void FloatingPanel::place(const QRect &frame)
+{
+    m_place = frame.topLeft();
+    setGeometry(frame);
+}
+
 void FloatingPanel::makeKey()
 {
     show();
@@ -74,6 +81,7 @@ void FloatingPanel::setVisible(bool visible)
         QWidget::setVisible(true);
         raise();
     } else {
+        m_isBeingShown = true;
         PanelHints::prepareEditor(*this);
         updateShape();
         QWidget::setVisible(true);
@@ -84,9 +92,14 @@ void FloatingPanel::setVisible(bool visible)
 bool FloatingPanel::event(QEvent *event)
 {
     const bool isHandled = QWidget::event(event);
-    // The window manager has placed the editor once it has given it the keyboard.
-    if (event->type() == QEvent::WindowActivate && m_kind == Kind::editor)
-        PanelHints::correctPosition(*this);
+    // The window manager has placed the editor by the time it gives it the keyboard. Where the user
+    // moves it afterwards it stays.
+    if (event->type() == QEvent::WindowActivate && std::exchange(m_isBeingShown, false)) {
+        PanelHints::correctPosition(*this, m_place);
+        // i3 cuts its frame anew only when it hears of the shape.
+        if (m_isCutOut)
+            updateShape();
+    }
     // The launcher grows under the pointer.
     if (event->type() == QEvent::UpdateRequest && m_kind == Kind::launcher && m_isCutOut)
         updateShape();

@@ -23,6 +23,10 @@ public:
     /// Fills the panel, in place of an earlier content, which is deleted; none leaves it empty.
     void setContent(QWidget *content);
 
+    /// Puts the panel there, in Qt's global coordinates. The editor is also brought back there when
+    /// a window manager shows it elsewhere.
+    void place(const QRect &frame);
+
     /// Shows the panel above all windows and gives it the keyboard, as the answer to what the user
     /// just did.
     void makeKey();
@@ -48,5 +52,7 @@ private:
     const Kind m_kind;
     const CompositionWatch m_composition;
     QPointer<QWidget> m_content;
+    QPoint m_place;
+    bool m_isBeingShown = false;
     bool m_isCutOut = false;
 };

@@ -141,7 +141,7 @@ void FloatingPanelController::moveLauncher(LauncherInteraction::Translation tran
     const Rect moved{m_dragOrigin->x + translation.width, m_dragOrigin->y - translation.height,
                      PanelPlacement::launcherSize.width, PanelPlacement::launcherSize.height};
     if (!ended) {
-        m_launcher.setGeometry(m_screens.toQt(moved));
+        m_launcher.place(m_screens.toQt(moved));
         return;
     }
     m_dragOrigin.reset();
@@ -192,7 +192,7 @@ Rect FloatingPanelController::launcherFrame() const
 void FloatingPanelController::clampLauncher(const Rect &frame)
 {
     const Rect area = PanelPlacement::visibleArea(frame, m_screens.all(), m_screens.main());
-    m_launcher.setGeometry(
+    m_launcher.place(
         m_screens.toQt(PanelPlacement::clamped(frame, area, PanelPlacement::screenInset)));
 }
 
@@ -200,5 +200,5 @@ void FloatingPanelController::placeEditor()
 {
     const Rect launcher = launcherFrame();
     const Rect area = PanelPlacement::visibleArea(launcher, m_screens.all(), m_screens.main());
-    m_editor.setGeometry(m_screens.toQt(PanelPlacement::editorFrame(launcher, area)));
+    m_editor.place(m_screens.toQt(PanelPlacement::editorFrame(launcher, area)));
 }
