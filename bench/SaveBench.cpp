@@ -27,10 +27,7 @@ bool measure(int count, int turns)
     int number = 0;
     return compare(
         qPrintable(u"one note of %1"_s.arg(count)), turns, 1.5,
-        [&] {
-            note.body = body + QString::number(++number);
-            repository.save(snapshot);
-        },
+        [&] { note.body = body + QString::number(++number); }, [&] { repository.save(snapshot); },
         [&] {
             const QString text = NoteMarkdownCodec::encode(note);
             PlainStorage::saveOneNote(plain.path().native(), name, text.toUtf8().toStdString());

@@ -93,11 +93,6 @@ QStringView withoutBlanksAround(QStringView text)
     return text;
 }
 
-bool isLowerCase(QChar c)
-{
-    return c >= u'a' && c <= u'z';
-}
-
 const Field *find(const Fields &fields, QStringView key)
 {
     const auto found =
@@ -151,37 +146,34 @@ QString NoteMarkdownCodec::encode(const Note &note)
            "\n---\n"_L1 % note.body;
 }
 
-std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text)
+std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text, const QUuid &id,
+                                                   QLatin1StringView idText)
 {
-    constexpr qsizetype idLength = 36;
     constexpr qsizetype timeLength = 24;
     const auto take = [&text](qsizetype length) {
         const QStringView taken = text.first(std::min(length, text.size()));
         text = text.sliced(taken.size());
         return taken;
     };
-    const auto takes = [&take](QStringView expected) { return take(expected.size()) == expected; };
+    const auto takes = [&take](auto expected) { return take(expected.size()) == expected; };
 
-    if (!takes(u"---\nquillmark: 1\nid: "))
-        return std::nullopt;
-    const QStringView id = take(idLength);
-    if (!takes(u"\ncreated: "))
+    if (!takes(QStringView(u"---\nquillmark: 1\nid: ")) || !takes(idText) ||
+        !takes(QStringView(u"\ncreated: ")))
         return std::nullopt;
     const QStringView created = take(timeLength);
-    if (!takes(u"\nupdated: "))
+    if (!takes(QStringView(u"\nupdated: ")))
         return std::nullopt;
     const QStringView updated = take(timeLength);
-    if (!takes(closingFence) || std::ranges::any_of(id, isLowerCase))
+    if (!takes(closingFence))
         return std::nullopt;
 
-    const std::optional<QUuid> parsedId = parseId(id);
+    // A time of this length has its fraction in three digits and ends with Z: there is no room for
+    // a zone offset.
     const std::optional<Timestamp> createdAt = Timestamp::fromIso8601(created);
     const std::optional<Timestamp> updatedAt = Timestamp::fromIso8601(updated);
-    // A time of this length with a zone offset, which encode() does not write, would have no room
-    // for a fraction.
-    if (!parsedId || !createdAt || !updatedAt)
+    if (!createdAt || !updatedAt)
         return std::nullopt;
-    return Note{*parsedId, text.toString(), *createdAt, *updatedAt};
+    return Note{id, text.toString(), *createdAt, *updatedAt};
 }
 
 Note NoteMarkdownCodec::decode(QStringView text)

@@ -3,6 +3,7 @@
 
 #include "Note.h"
 
+#include <QLatin1StringView>
 #include <QString>
 #include <QStringView>
 #include <optional>
@@ -30,8 +31,10 @@ namespace NoteMarkdownCodec {
 /// Throws RepositoryError::invalidMarkdown for everything that deviates from the format.
 [[nodiscard]] Note decode(QStringView text);
 
-/// Reads only the very form that encode() writes: what it answers would be encoded to this text
-/// again. Nothing for all else, be it valid or not. Several times faster than decode().
-[[nodiscard]] std::optional<Note> decodeExact(QStringView text);
+/// Reads only the very form that encode() writes for the note of this identifier, spelled so.
+/// Spelled canonically, what it answers would be encoded to this text again. Nothing for all else,
+/// be it valid or not. Several times faster than decode().
+[[nodiscard]] std::optional<Note> decodeExact(QStringView text, const QUuid &id,
+                                              QLatin1StringView idText);
 
 } // namespace NoteMarkdownCodec

@@ -5,6 +5,17 @@
 #include "NoteMarkdownCodec.h"
 #include "RepositoryError.h"
 
+#include <algorithm>
+
+namespace {
+
+QLatin1StringView latin1(std::string_view text)
+{
+    return QLatin1StringView(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
 SnapshotReader::SnapshotReader(std::filesystem::path path)
     : m_path(std::move(path))
     , m_fingerprint(m_path)
@@ -23,7 +34,7 @@ void SnapshotReader::read(const NoteFolder &folder)
     });
     m_state.fingerprint = m_fingerprint.finish();
     m_state.files.shrink_to_fit();
-    m_snapshot.notes.squeeze();
+    collectNotes();
 }
 
 NoteFile SnapshotReader::readFile(Section section, std::string_view name, QStringView text)
@@ -54,14 +65,39 @@ void SnapshotReader::readMarker(QStringView text) const
 
 void SnapshotReader::readNote(NoteFile &file, std::string_view name, QStringView text)
 {
-    std::optional<Note> exact = NoteMarkdownCodec::decodeExact(text);
-    file.isExact = exact.has_value();
-    file.note = exact ? std::move(*exact) : NoteMarkdownCodec::decode(text);
-    const QUuid id = file.note.id;
-    if (parseId(stem(name)) != id || m_ids.contains(id))
+    // A name of lower case may pass for exact: a save does not keep such a file anyway.
+    const std::optional<QUuid> id = parseId(stem(name));
+    if (auto exact =
+            id ? NoteMarkdownCodec::decodeExact(text, *id, latin1(stem(name))) : std::nullopt) {
+        file.note = std::move(*exact);
+    } else {
+        file.note = NoteMarkdownCodec::decode(text);
+        file.isExact = false;
+    }
+    if (file.note.id != id)
         throw RepositoryError::invalidMarkdown();
-    m_ids.insert(id);
-    m_snapshot.notes.append(file.note);
+    rememberId(*id);
+}
+
+void SnapshotReader::rememberId(const QUuid &id)
+{
+    // Names ascend, and so do the identifiers that they spell, unless one is of lower case.
+    auto place = m_ids.end();
+    if (!m_ids.empty() && !(m_ids.back() < id)) {
+        place = std::ranges::lower_bound(m_ids, id);
+        if (*place == id)
+            throw RepositoryError::invalidMarkdown();
+    }
+    m_ids.insert(place, id);
+}
+
+void SnapshotReader::collectNotes()
+{
+    m_snapshot.notes.reserve(static_cast<qsizetype>(m_ids.size()));
+    for (const NoteFile &file : m_state.files) {
+        if (file.place.section == Section::notes)
+            m_snapshot.notes.append(file.note);
+    }
 }
 
 void SnapshotReader::readDraft(std::string_view name, const QString &text)
@@ -71,7 +107,7 @@ void SnapshotReader::readDraft(std::string_view name, const QString &text)
         return;
     }
     const std::optional<QUuid> id = parseId(stem(name));
-    if (!id || !m_ids.contains(*id))
+    if (!id || !std::ranges::binary_search(m_ids, *id))
         throw RepositoryError::invalidMarkdown();
     m_snapshot.editingDrafts.insert(canonicalText(*id), text);
 }

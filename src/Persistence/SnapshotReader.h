@@ -5,7 +5,6 @@
 #include "NoteFolder.h"
 #include "Utf8.h"
 
-#include <QSet>
 #include <utility>
 
 /// Builds the snapshot that a Markdown folder holds, and what is to be remembered of its files.
@@ -27,12 +26,15 @@ private:
     [[nodiscard]] NoteFile readFile(Section section, std::string_view name, QStringView text);
     void readMarker(QStringView text) const;
     void readNote(NoteFile &file, std::string_view name, QStringView text);
+    void rememberId(const QUuid &id);
+    void collectNotes();
     void readDraft(std::string_view name, const QString &text);
 
     const std::filesystem::path m_path;
     NoteSnapshot m_snapshot;
     FolderState m_state;
-    QSet<QUuid> m_ids;
+    /// Of the notes that were read, ascending.
+    std::vector<QUuid> m_ids;
     FolderFingerprint m_fingerprint;
     Utf8Decoder m_decoder;
 };

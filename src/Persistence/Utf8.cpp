@@ -2,6 +2,7 @@
 #include "Utf8.h"
 
 #include <QStringConverter>
+#include <algorithm>
 
 namespace {
 
@@ -9,10 +10,25 @@ namespace {
 constexpr auto exact =
     QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom;
 
+bool isAscii(std::string_view bytes)
+{
+    unsigned char all = 0;
+    for (const char c : bytes)
+        all |= static_cast<unsigned char>(c);
+    return all < 0x80;
+}
+
 } // namespace
 
 std::optional<QStringView> Utf8Decoder::decode(std::string_view bytes)
 {
+    if (m_buffer.size() < bytes.size())
+        m_buffer.resize(bytes.size());
+    // Two loops that a compiler turns into vector instructions; most texts need no more.
+    if (isAscii(bytes)) {
+        std::ranges::transform(bytes, m_buffer.begin(), [](char c) { return QLatin1Char(c); });
+        return QStringView(m_buffer.data(), static_cast<qsizetype>(bytes.size()));
+    }
     QStringDecoder decoder(QStringConverter::Utf8, exact);
     const auto size = static_cast<qsizetype>(bytes.size());
     const auto space = static_cast<std::size_t>(decoder.requiredSpace(size));

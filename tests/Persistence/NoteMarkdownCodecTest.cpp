@@ -36,6 +36,12 @@ QString headerWith(const QString &before, const QString &after)
     return header().replace(before, after);
 }
 
+std::optional<Note> decodeExact(const QString &text)
+{
+    return NoteMarkdownCodec::decodeExact(text, QUuid(idText),
+                                          "8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F"_L1);
+}
+
 } // namespace
 
 class NoteMarkdownCodecTest : public QObject {
@@ -46,6 +52,8 @@ private Q_SLOTS:
     void endsWithTheClosingFenceWhenTheBodyIsEmpty();
     void givesBackEveryBody_data();
     void givesBackEveryBody();
+    void readsAsExactOnlyWhatItWouldWrite_data();
+    void readsAsExactOnlyWhatItWouldWrite();
     void reads_data();
     void reads();
     void refuses_data();
@@ -88,6 +96,28 @@ void NoteMarkdownCodecTest::givesBackEveryBody()
     const Note note = noteWith(body);
 
     QCOMPARE(NoteMarkdownCodec::decode(NoteMarkdownCodec::encode(note)), note);
+    QCOMPARE(decodeExact(NoteMarkdownCodec::encode(note)), note);
+}
+
+void NoteMarkdownCodecTest::readsAsExactOnlyWhatItWouldWrite_data()
+{
+    reads_data();
+    QTest::newRow("another identifier") << headerWith(u"8C5B"_s, u"8C5C"_s);
+    QTest::newRow("a shorter fraction and a zone") << headerWith(u"30.250Z"_s, u"30.2+01:00"_s);
+    QTest::newRow("no fraction and a zone") << headerWith(u"30.250Z"_s, u"3+00:00"_s);
+    QTest::newRow("a time that is none") << headerWith(u"08:15"_s, u"28:15"_s);
+    QTest::newRow("cut off") << header().chopped(9);
+}
+
+void NoteMarkdownCodecTest::readsAsExactOnlyWhatItWouldWrite()
+{
+    QFETCH(QString, header);
+    const QString text = file(header);
+
+    const std::optional<Note> exact = decodeExact(text);
+
+    QCOMPARE(exact.has_value(), header == ::header());
+    QVERIFY(!exact || NoteMarkdownCodec::encode(*exact) == text);
 }
 
 void NoteMarkdownCodecTest::reads_data()
