@@ -86,6 +86,7 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
     connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &CaptureView::render);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &CaptureView::render);
     connect(m_editor, &NoteTextEditor::textEdited, &m_store, &NoteStore::setDraft);
+    connect(m_editor, &NoteTextEditor::compositionChanged, this, &CaptureView::render);
     connect(m_save, &QAbstractButton::clicked, this, &CaptureView::save);
     connect(m_saveAction, &QAction::triggered, this, &CaptureView::save);
     connect(&m_midnight, &QTimer::timeout, this, &CaptureView::renderDate);
@@ -95,7 +96,8 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
 
 bool CaptureView::canSave() const
 {
-    return !m_store.isReadOnly() && !isBlank(m_store.draft());
+    // What is being composed becomes part of the text when it is saved.
+    return !m_store.isReadOnly() && (m_editor->isComposing() || !isBlank(m_store.draft()));
 }
 
 void CaptureView::save()

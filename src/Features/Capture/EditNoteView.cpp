@@ -65,6 +65,7 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
     connect(m_delete, &QAbstractButton::clicked, this, &EditNoteView::confirmDelete);
     connect(m_editor, &NoteTextEditor::textEdited, this,
             [this](const QString &text) { m_store.updateDraft(m_note, text); });
+    connect(m_editor, &NoteTextEditor::compositionChanged, this, &EditNoteView::render);
     connect(m_save, &QAbstractButton::clicked, this, &EditNoteView::save);
     connect(m_saveAction, &QAction::triggered, this, &EditNoteView::save);
 
@@ -78,7 +79,8 @@ EditNoteView::~EditNoteView()
 
 bool EditNoteView::canSave() const
 {
-    return !m_store.isReadOnly() && !isBlank(m_store.text(m_note));
+    // What is being composed becomes part of the text when it is saved.
+    return !m_store.isReadOnly() && (m_editor->isComposing() || !isBlank(m_store.text(m_note)));
 }
 
 void EditNoteView::copy()

@@ -201,9 +201,12 @@ void NoteTextEditor::keyPressEvent(QKeyEvent *event)
 void NoteTextEditor::inputMethodEvent(QInputMethodEvent *event)
 {
     // First, so that whoever hears of committed text finds the composition over.
+    const bool wasComposing = isComposing();
     m_preedit = event->preeditString();
     QTextEdit::inputMethodEvent(event);
     viewport()->update();
+    if (isComposing() != wasComposing)
+        Q_EMIT compositionChanged();
 }
 
 bool NoteTextEditor::showsPlaceholder() const

@@ -37,6 +37,9 @@ Q_SIGNALS:
     /// The user changed the text. What an input method still composes is not part of it.
     void textEdited(const QString &text);
 
+    /// isComposing() has changed.
+    void compositionChanged();
+
 protected:
     bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
