@@ -40,6 +40,7 @@ private:
         int scrollPosition = 0;
     };
 
+    void announceCurrentRow();
     void announceRows();
     void keepPlace();
     void returnToPlace();
