@@ -5,6 +5,7 @@
 
 #include <QImage>
 #include <QPoint>
+#include <QRegion>
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
@@ -57,25 +58,6 @@ void moveTo(const X11Session &session, xcb_window_t window, QPoint position)
     xcb_configure_window(session.connection(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
                          values.data());
     xcb_flush(session.connection());
-}
-
-/// The runs of opaque pixels, row by row.
-std::vector<xcb_rectangle_t> opaqueRuns(const QImage &rendering)
-{
-    std::vector<xcb_rectangle_t> runs;
-    for (int y = 0; y < rendering.height(); ++y) {
-        int start = 0;
-        for (int x = 0; x <= rendering.width(); ++x) {
-            if (x < rendering.width() && qAlpha(rendering.pixel(x, y)) >= leastAlpha)
-                continue;
-            if (x > start) {
-                runs.push_back({static_cast<int16_t>(start), static_cast<int16_t>(y),
-                                static_cast<uint16_t>(x - start), 1});
-            }
-            start = x + 1;
-        }
-    }
-    return runs;
 }
 
 } // namespace
@@ -140,31 +122,58 @@ void PanelHints::activate(QWidget &panel)
     }
 }
 
-void PanelHints::correctPosition(QWidget &panel, QPoint place)
+bool PanelHints::correctPosition(QWidget &panel, QPoint place)
 {
-    if (const X11Session *const session = X11Session::current()) {
-        const xcb_window_t window = X11Session::window(panel);
-        const QPoint wanted = nativePosition(panel, place);
-        const std::optional<QPoint> actual = actualPosition(*session, window);
-        if (actual && *actual != wanted)
-            moveTo(*session, window, wanted);
-    }
+    const X11Session *const session = X11Session::current();
+    if (!session)
+        return false;
+    const xcb_window_t window = X11Session::window(panel);
+    const QPoint wanted = nativePosition(panel, place);
+    const std::optional<QPoint> actual = actualPosition(*session, window);
+    if (!actual || *actual == wanted)
+        return false;
+    moveTo(*session, window, wanted);
+    return true;
 }
 
-void PanelHints::cutOut(QWidget &panel, const QImage &rendering)
+QRegion PanelHints::opaquePart(const QImage &image)
+{
+    // Runs row by row, from left to right: the order in which regions are built from rectangles.
+    QList<QRect> runs;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *const line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        int start = 0;
+        for (int x = 0; x <= image.width(); ++x) {
+            if (x < image.width() && qAlpha(line[x]) >= leastAlpha)
+                continue;
+            if (x > start)
+                runs.append({start, y, x - start, 1});
+            start = x + 1;
+        }
+    }
+    QRegion region;
+    region.setRects(runs.constData(), static_cast<int>(runs.size()));
+    return region;
+}
+
+void PanelHints::cutOut(QWidget &panel, const QRegion &region)
 {
     const X11Session *const session = X11Session::current();
     if (!session)
         return;
     const xcb_window_t window = X11Session::window(panel);
-    if (rendering.isNull()) {
+    if (region.isEmpty()) {
         xcb_shape_mask(session->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0,
                        XCB_PIXMAP_NONE);
     } else {
-        const std::vector<xcb_rectangle_t> runs = opaqueRuns(rendering);
+        std::vector<xcb_rectangle_t> rectangles;
+        for (const QRect &rect : region)
+            rectangles.push_back({static_cast<int16_t>(rect.x()), static_cast<int16_t>(rect.y()),
+                                  static_cast<uint16_t>(rect.width()),
+                                  static_cast<uint16_t>(rect.height())});
         xcb_shape_rectangles(session->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
                              XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
-                             static_cast<uint32_t>(runs.size()), runs.data());
+                             static_cast<uint32_t>(rectangles.size()), rectangles.data());
     }
     xcb_flush(session->connection());
 }

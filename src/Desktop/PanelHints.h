@@ -5,6 +5,7 @@
 
 class QImage;
 class QPoint;
+class QRegion;
 class QWidget;
 
 /// What the X server and the window manager must know of the two panels. Does nothing on another
@@ -37,10 +38,13 @@ void activate(QWidget &panel);
 
 /// Moves the window to the place that was meant, in Qt's global coordinates, when the window
 /// manager put it elsewhere: i3 takes a place for that of its frame, not of the window in it.
-void correctPosition(QWidget &panel, QPoint place);
+/// True when it had to be moved.
+bool correctPosition(QWidget &panel, QPoint place);
 
-/// Cuts the window to where the image, a rendering of the panel in device pixels, is opaque but for
-/// a trace. A null image gives the window its whole rectangle back.
-void cutOut(QWidget &panel, const QImage &rendering);
+/// Where an image in one of the 32-bit formats with alpha is opaque but for a trace, in its pixels.
+[[nodiscard]] QRegion opaquePart(const QImage &image);
+
+/// Cuts the window to a region in device pixels; an empty one gives it its whole rectangle back.
+void cutOut(QWidget &panel, const QRegion &region);
 
 } // namespace PanelHints

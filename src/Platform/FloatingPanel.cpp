@@ -94,12 +94,10 @@ bool FloatingPanel::event(QEvent *event)
     const bool isHandled = QWidget::event(event);
     // The window manager has placed the editor by the time it gives it the keyboard. Where the user
     // moves it afterwards it stays.
-    if (event->type() == QEvent::WindowActivate && std::exchange(m_isBeingShown, false)) {
-        PanelHints::correctPosition(*this, m_place);
+    if (event->type() == QEvent::WindowActivate && std::exchange(m_isBeingShown, false) &&
+        PanelHints::correctPosition(*this, m_place))
         // i3 cuts its frame anew only when it hears of the shape.
-        if (m_isCutOut)
-            updateShape();
-    }
+        updateShape();
     // The launcher grows under the pointer.
     if (event->type() == QEvent::UpdateRequest && m_kind == Kind::launcher && m_isCutOut)
         updateShape();
@@ -135,9 +133,14 @@ void FloatingPanel::updateShape()
         PanelHints::cutOut(*this, {});
         return;
     }
-    QImage rendering(size() * devicePixelRatioF(), QImage::Format_ARGB32_Premultiplied);
-    rendering.setDevicePixelRatio(devicePixelRatioF());
-    rendering.fill(Qt::transparent);
-    render(&rendering, {}, {}, DrawChildren);
-    PanelHints::cutOut(*this, rendering);
+    // The editor's outline is always the same, and it has much more to draw.
+    const QSize pixels = size() * devicePixelRatioF();
+    if (m_kind == Kind::launcher || m_shape.boundingRect().size() != pixels) {
+        QImage rendering(pixels, QImage::Format_ARGB32_Premultiplied);
+        rendering.setDevicePixelRatio(devicePixelRatioF());
+        rendering.fill(Qt::transparent);
+        render(&rendering, {}, {}, DrawChildren);
+        m_shape = PanelHints::opaquePart(rendering);
+    }
+    PanelHints::cutOut(*this, m_shape);
 }

@@ -5,6 +5,7 @@
 #include "Geometry.h"
 
 #include <QPointer>
+#include <QRegion>
 #include <QWidget>
 #include <functional>
 
@@ -55,4 +56,6 @@ private:
     QPoint m_place;
     bool m_isBeingShown = false;
     bool m_isCutOut = false;
+    /// In device pixels.
+    QRegion m_shape;
 };
