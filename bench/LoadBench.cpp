@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // How long it takes to load many notes, beside a plain program that lists the folder and reads
-// every file. Ends with an error when a limit is missed.
+// every file. Ends with an error when a limit is missed. With few notes the plain program has all
+// that it reads in the processor's caches, so that parsing and hashing weigh more.
 
 #include "PlainStorage.h"
 #include "StorageMeasure.h"
@@ -11,7 +12,7 @@
 
 namespace {
 
-bool measure(int count, int turns)
+bool measure(int count, int turns, double limit)
 {
     const MeasuredFolder folder("LoadBench");
     LocalNoteRepository(folder.fileURL()).save(manyNotes(count));
@@ -20,7 +21,7 @@ bool measure(int count, int turns)
     std::size_t size = 0;
 
     const bool isMet = compare(
-        qPrintable(u"load of %1 notes"_s.arg(count)), turns, 1.5,
+        qPrintable(u"load of %1 notes"_s.arg(count)), turns, limit,
         [&] {
             snapshot = {};
             repository.emplace(folder.fileURL());
@@ -34,7 +35,7 @@ bool measure(int count, int turns)
 
 int main()
 {
-    bool isMet = measure(1000, 51);
-    isMet = measure(10000, 21) && isMet;
+    bool isMet = measure(1000, 51, 2.0);
+    isMet = measure(10000, 31, 1.5) && isMet;
     return isMet ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -63,7 +63,8 @@ FolderFingerprint::FolderFingerprint(const std::filesystem::path &folder)
 
 void FolderFingerprint::add(Section section, std::string_view name, std::string_view bytes)
 {
-    m_sha256.add(m_prefixes[static_cast<std::size_t>(section)]);
-    m_sha256.add(name);
+    m_path = m_prefixes[static_cast<std::size_t>(section)];
+    m_path += name;
+    m_sha256.add(m_path);
     m_sha256.add(bytes);
 }

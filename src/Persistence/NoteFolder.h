@@ -53,6 +53,7 @@ public:
 
 private:
     std::array<std::string, 3> m_prefixes;
+    std::string m_path;
     Sha256 m_sha256;
 };
 
