@@ -14,7 +14,7 @@ class QPainter;
 /// other heights, moves nothing: a view in Chinese is laid out like one in English.
 namespace TextLine {
 
-/// As wide as the text, as high as the font.
+/// As wide as the text. The height is that of the font whatever the text is.
 [[nodiscard]] QSize size(const QFontMetrics &metrics, const QString &text);
 
 /// With the painter's font and pen. Only the horizontal part of the alignment counts.

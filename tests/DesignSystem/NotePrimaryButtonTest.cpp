@@ -4,6 +4,7 @@
 #include "Pixels.h"
 #include "Symbol.h"
 #include "SystemAppearance.h"
+#include "TextLine.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -46,8 +47,8 @@ void NotePrimaryButtonTest::isPaddedSeventeenByEleven()
     const auto button = makeButton();
     const QFontMetrics metrics(button->font());
 
-    QCOMPARE(button->sizeHint(), QSize(metrics.horizontalAdvance(u"Save changes"_s) + 2 * 17,
-                                       metrics.height() + 2 * 11));
+    QCOMPARE(button->sizeHint(),
+             TextLine::size(metrics, u"Save changes"_s).grownBy({17, 11, 17, 11}));
     QVERIFY(makeButton(u"arrow.up.right"_s)->sizeHint().width() >
             button->sizeHint().width() + Symbol::size(13).width());
 }

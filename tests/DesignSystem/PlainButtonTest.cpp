@@ -3,6 +3,7 @@
 #include "Metrics.h"
 #include "Pixels.h"
 #include "SystemAppearance.h"
+#include "TextLine.h"
 
 #include <QTest>
 
@@ -53,7 +54,7 @@ void PlainButtonTest::isAsBigAsItsTextWithoutPadding()
     button.setText(u"Retry"_s);
     const QFontMetrics metrics(button.font());
 
-    QCOMPARE(button.sizeHint(), QSize(metrics.horizontalAdvance(u"Retry"_s), metrics.height()));
+    QCOMPARE(button.sizeHint(), TextLine::size(metrics, u"Retry"_s));
 }
 
 void PlainButtonTest::putsTheSymbolBeforeTheText()
