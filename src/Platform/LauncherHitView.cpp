@@ -3,11 +3,11 @@
 
 #include "AppPreferences.h"
 #include "Screens.h"
+#include "ThemedMenu.h"
 
 #include <QAccessibleWidget>
 #include <QAction>
 #include <QContextMenuEvent>
-#include <QMenu>
 #include <QMouseEvent>
 #include <utility>
 
@@ -71,7 +71,7 @@ LauncherHitView::LauncherHitView(const Screens &screens, const AppPreferences *p
 
 QMenu *LauncherHitView::makeMenu()
 {
-    auto *const menu = new QMenu(this);
+    auto *const menu = new ThemedMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu->addAction(text(u"New note"_s)), &QAction::triggered, this,
             &LauncherHitView::openRequested);

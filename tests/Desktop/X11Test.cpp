@@ -1,0 +1,435 @@
+// SPDX-License-Identifier: MIT
+#include "ApplicationFocus.h"
+#include "DesktopAppearance.h"
+#include "KeepOnTop.h"
+#include "PanelHints.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QPainter>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWindow>
+#include <cstdlib>
+#include <memory>
+#include <xcb/shape.h>
+#include <xcb/xcb_ewmh.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+template <class Reply>
+using ReplyPointer = std::unique_ptr<Reply, decltype(&std::free)>;
+
+template <class Reply>
+ReplyPointer<Reply> owned(Reply *reply)
+{
+    return {reply, &std::free};
+}
+
+constexpr xcb_window_t noWindow = XCB_WINDOW_NONE;
+
+/// A display of the test's own, without a window manager.
+class VirtualDisplay final {
+public:
+    VirtualDisplay()
+    {
+        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_server.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1440x900x24"_s,
+                                   u"-nolisten"_s, u"tcp"_s, u"-noreset"_s});
+        if (m_server.waitForStarted() && m_server.waitForReadyRead())
+            m_name = ':' + m_server.readLine().trimmed();
+    }
+    ~VirtualDisplay()
+    {
+        m_server.terminate();
+        m_server.waitForFinished();
+    }
+
+    [[nodiscard]] QByteArray name() const { return m_name; }
+
+private:
+    QProcess m_server;
+    QByteArray m_name;
+};
+
+/// The part of a window manager or another program, over a connection of its own.
+class OtherProgram final {
+public:
+    OtherProgram()
+        : m_connection(xcb_connect(nullptr, nullptr))
+    {
+        xcb_ewmh_init_atoms_replies(&m_ewmh, xcb_ewmh_init_atoms(m_connection, &m_ewmh), nullptr);
+    }
+    ~OtherProgram()
+    {
+        xcb_ewmh_connection_wipe(&m_ewmh);
+        xcb_disconnect(m_connection);
+    }
+
+    [[nodiscard]] xcb_window_t root() const { return m_ewmh.screens[0]->root; }
+    [[nodiscard]] xcb_ewmh_connection_t &ewmh() { return m_ewmh; }
+
+    /// On top of all windows that are there.
+    xcb_window_t openWindow(QRect frame)
+    {
+        const xcb_window_t window = xcb_generate_id(m_connection);
+        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, root(),
+                          static_cast<int16_t>(frame.x()), static_cast<int16_t>(frame.y()),
+                          static_cast<uint16_t>(frame.width()),
+                          static_cast<uint16_t>(frame.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_map_window(m_connection, window);
+        sync();
+        return window;
+    }
+    void closeWindow(xcb_window_t window)
+    {
+        xcb_destroy_window(m_connection, window);
+        sync();
+    }
+
+    void setActiveWindow(xcb_window_t window)
+    {
+        xcb_ewmh_set_active_window(&m_ewmh, 0, window);
+        sync();
+    }
+    void setCurrentDesktop(uint32_t desktop)
+    {
+        xcb_ewmh_set_current_desktop(&m_ewmh, 0, desktop);
+        sync();
+    }
+    void setProcessId(xcb_window_t window, uint32_t id)
+    {
+        xcb_ewmh_set_wm_pid(&m_ewmh, window, id);
+        sync();
+    }
+    void setCompositing(bool isComposited)
+    {
+        if (isComposited && !m_compositor)
+            m_compositor = openWindow({-1, -1, 1, 1});
+        xcb_set_selection_owner(m_connection, isComposited ? m_compositor : noWindow,
+                                m_ewmh._NET_WM_CM_Sn[0], XCB_CURRENT_TIME);
+        sync();
+    }
+    void listenToRequests()
+    {
+        (void)activationRequests();
+        m_requests.clear();
+        const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &mask);
+        sync();
+    }
+
+    /// What was asked of the window manager since listenToRequests().
+    [[nodiscard]] QList<xcb_client_message_event_t> activationRequests()
+    {
+        sync();
+        while (const auto event = owned(xcb_poll_for_event(m_connection))) {
+            const auto *message = reinterpret_cast<xcb_client_message_event_t *>(event.get());
+            if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE &&
+                message->type == m_ewmh._NET_ACTIVE_WINDOW)
+                m_requests.append(*message);
+        }
+        return m_requests;
+    }
+
+    [[nodiscard]] xcb_window_t topmost() const
+    {
+        const auto tree = owned(
+            xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, root()), nullptr));
+        return xcb_query_tree_children(tree.get())[xcb_query_tree_children_length(tree.get()) - 1];
+    }
+    [[nodiscard]] QRegion shape(xcb_window_t window) const
+    {
+        const auto reply = owned(xcb_shape_get_rectangles_reply(
+            m_connection, xcb_shape_get_rectangles(m_connection, window, XCB_SHAPE_SK_BOUNDING),
+            nullptr));
+        QRegion region;
+        for (int i = 0; i < xcb_shape_get_rectangles_rectangles_length(reply.get()); ++i) {
+            const auto &part = xcb_shape_get_rectangles_rectangles(reply.get())[i];
+            region += QRect(part.x, part.y, part.width, part.height);
+        }
+        return region;
+    }
+    [[nodiscard]] QList<xcb_atom_t> atoms(xcb_window_t window, xcb_atom_t property) const
+    {
+        const auto reply = owned(xcb_get_property_reply(
+            m_connection, xcb_get_property(m_connection, 0, window, property, XCB_ATOM_ATOM, 0, 64),
+            nullptr));
+        const auto *first = static_cast<xcb_atom_t *>(xcb_get_property_value(reply.get()));
+        return {first, first + reply->value_len};
+    }
+    [[nodiscard]] QPoint position(xcb_window_t window) const
+    {
+        const auto reply = owned(xcb_translate_coordinates_reply(
+            m_connection, xcb_translate_coordinates(m_connection, window, root(), 0, 0), nullptr));
+        return {reply->dst_x, reply->dst_y};
+    }
+    void move(xcb_window_t window, QPoint position)
+    {
+        const int32_t values[]{position.x(), position.y()};
+        xcb_configure_window(m_connection, window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                             values);
+        sync();
+    }
+
+private:
+    /// Until the server has done all that was asked.
+    void sync() const
+    {
+        owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    }
+
+    xcb_connection_t *const m_connection;
+    xcb_ewmh_connection_t m_ewmh{};
+    xcb_window_t m_compositor = noWindow;
+    QList<xcb_client_message_event_t> m_requests;
+};
+
+xcb_window_t windowOf(const QWidget &widget)
+{
+    return static_cast<xcb_window_t>(widget.effectiveWinId());
+}
+
+} // namespace
+
+class X11Test final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup();
+
+    void knowsTheActiveWindowAndItsProcess();
+    void knowsNobodyWhileNoWindowIsActive();
+    void asksToActivateAWindowThatIsStillThere();
+    void passesOverAWindowThatIsGone();
+    void passesOverAWindowThatHasBecomeAnotherPrograms();
+
+    void raisesTheLauncherWhenAnotherWindowIsActivated();
+    void leavesTheOrderOfWindowsAloneAtRest();
+
+    void tellsTheWindowManagerWhatTheEditorIs();
+    void asksForTheKeyboardAsAPagerDoes();
+    void bringsAMisplacedWindowBack();
+
+    void cutsAWindowToWhatIsOpaque();
+    void makesACutWindowWholeAgain();
+
+    void knowsWhetherWindowsAreComposited();
+
+private:
+    OtherProgram m_other;
+};
+
+void X11Test::cleanup()
+{
+    m_other.setActiveWindow(noWindow);
+}
+
+void X11Test::knowsTheActiveWindowAndItsProcess()
+{
+    const xcb_window_t window = m_other.openWindow({0, 0, 100, 100});
+    m_other.setProcessId(window, 4711);
+    m_other.setActiveWindow(window);
+
+    const X11ApplicationFocus focus;
+
+    QCOMPARE(focus.frontmost(), (RunningApplication{window, 4711}));
+}
+
+void X11Test::knowsNobodyWhileNoWindowIsActive()
+{
+    const X11ApplicationFocus focus;
+
+    QVERIFY(!focus.frontmost().has_value());
+}
+
+void X11Test::asksToActivateAWindowThatIsStillThere()
+{
+    const xcb_window_t window = m_other.openWindow({0, 0, 100, 100});
+    m_other.setProcessId(window, 4711);
+    m_other.listenToRequests();
+
+    X11ApplicationFocus().activate({window, 4711});
+
+    QTRY_VERIFY(!m_other.activationRequests().isEmpty());
+    const auto requests = m_other.activationRequests();
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(requests.constFirst().window, window);
+}
+
+void X11Test::passesOverAWindowThatIsGone()
+{
+    const xcb_window_t window = m_other.openWindow({0, 0, 100, 100});
+    m_other.setProcessId(window, 4711);
+    m_other.listenToRequests();
+    m_other.closeWindow(window);
+    const xcb_window_t marker = m_other.openWindow({0, 0, 100, 100});
+
+    X11ApplicationFocus focus;
+    focus.activate({window, 4711});
+    focus.activate({marker, 0});
+
+    QTRY_VERIFY(!m_other.activationRequests().isEmpty());
+    const auto requests = m_other.activationRequests();
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(requests.constFirst().window, marker);
+}
+
+void X11Test::passesOverAWindowThatHasBecomeAnotherPrograms()
+{
+    const xcb_window_t window = m_other.openWindow({0, 0, 100, 100});
+    m_other.setProcessId(window, 4712);
+    m_other.listenToRequests();
+    const xcb_window_t marker = m_other.openWindow({0, 0, 100, 100});
+
+    X11ApplicationFocus focus;
+    focus.activate({window, 4711});
+    focus.activate({marker, 0});
+
+    QTRY_VERIFY(!m_other.activationRequests().isEmpty());
+    const auto requests = m_other.activationRequests();
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(requests.constFirst().window, marker);
+}
+
+void X11Test::raisesTheLauncherWhenAnotherWindowIsActivated()
+{
+    QWidget launcher(nullptr, PanelHints::launcherFlags());
+    new KeepOnTop(launcher);
+    launcher.resize(64, 64);
+    launcher.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&launcher));
+    const xcb_window_t covering = m_other.openWindow({0, 0, 1440, 900});
+    QCOMPARE(m_other.topmost(), covering);
+
+    m_other.setActiveWindow(covering);
+
+    QTRY_COMPARE(m_other.topmost(), windowOf(launcher));
+    m_other.closeWindow(covering);
+}
+
+void X11Test::leavesTheOrderOfWindowsAloneAtRest()
+{
+    QWidget launcher(nullptr, PanelHints::launcherFlags());
+    new KeepOnTop(launcher);
+    launcher.resize(64, 64);
+    launcher.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&launcher));
+    QWidget marker(nullptr, PanelHints::launcherFlags());
+
+    const xcb_window_t covering = m_other.openWindow({0, 0, 1440, 900});
+    m_other.setCurrentDesktop(1);
+    // The next window's arrival shows that everything before it has been seen.
+    marker.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&marker));
+    marker.lower();
+    QTRY_COMPARE(m_other.topmost(), covering);
+    m_other.closeWindow(covering);
+}
+
+void X11Test::tellsTheWindowManagerWhatTheEditorIs()
+{
+    QWidget editor(nullptr, PanelHints::editorFlags());
+
+    PanelHints::prepareEditor(editor);
+    editor.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&editor));
+
+    const xcb_ewmh_connection_t &ewmh = m_other.ewmh();
+    const auto states = m_other.atoms(windowOf(editor), ewmh._NET_WM_STATE);
+    QVERIFY(states.contains(ewmh._NET_WM_STATE_ABOVE));
+    QVERIFY(states.contains(ewmh._NET_WM_STATE_STICKY));
+    QVERIFY(states.contains(ewmh._NET_WM_STATE_SKIP_TASKBAR));
+    QVERIFY(states.contains(ewmh._NET_WM_STATE_SKIP_PAGER));
+}
+
+void X11Test::asksForTheKeyboardAsAPagerDoes()
+{
+    QWidget editor(nullptr, PanelHints::editorFlags());
+    editor.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&editor));
+    m_other.listenToRequests();
+
+    PanelHints::activate(editor);
+
+    QTRY_VERIFY(!m_other.activationRequests().isEmpty());
+    const auto requests = m_other.activationRequests();
+    QCOMPARE(requests.constLast().window, windowOf(editor));
+    QCOMPARE(requests.constLast().data.data32[0], uint32_t(XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER));
+}
+
+void X11Test::bringsAMisplacedWindowBack()
+{
+    QWidget editor(nullptr, PanelHints::editorFlags());
+    editor.setGeometry(300, 200, 100, 100);
+    editor.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&editor));
+    m_other.move(windowOf(editor), {302, 218});
+
+    QVERIFY(PanelHints::correctPosition(editor, {300, 200}));
+
+    QTRY_COMPARE(m_other.position(windowOf(editor)), QPoint(300, 200));
+    QVERIFY(!PanelHints::correctPosition(editor, {300, 200}));
+}
+
+void X11Test::cutsAWindowToWhatIsOpaque()
+{
+    QWidget panel(nullptr, PanelHints::launcherFlags());
+    panel.resize(64, 64);
+    panel.show();
+    QImage rendering(64, 64, QImage::Format_ARGB32_Premultiplied);
+    rendering.fill(QColor(0, 0, 0, 60));
+    QPainter(&rendering).fillRect(10, 20, 30, 40, Qt::white);
+
+    PanelHints::cutOut(panel, PanelHints::opaquePart(rendering));
+
+    QTRY_COMPARE(m_other.shape(windowOf(panel)), QRegion(10, 20, 30, 40));
+}
+
+void X11Test::makesACutWindowWholeAgain()
+{
+    QWidget panel(nullptr, PanelHints::launcherFlags());
+    panel.resize(64, 64);
+    panel.show();
+    PanelHints::cutOut(panel, QRegion(10, 20, 30, 40));
+    QTRY_COMPARE(m_other.shape(windowOf(panel)), QRegion(10, 20, 30, 40));
+
+    PanelHints::cutOut(panel, {});
+
+    QTRY_COMPARE(m_other.shape(windowOf(panel)), QRegion(0, 0, 64, 64));
+}
+
+void X11Test::knowsWhetherWindowsAreComposited()
+{
+    DesktopAppearance appearance;
+    const QSignalSpy changed(&appearance, &SystemAppearance::changed);
+    QVERIFY(!appearance.isComposited());
+    QVERIFY(appearance.reduceTransparency());
+
+    m_other.setCompositing(true);
+    QTRY_VERIFY(appearance.isComposited());
+    QVERIFY(!appearance.reduceTransparency());
+
+    m_other.setCompositing(false);
+    QTRY_VERIFY(!appearance.isComposited());
+    QCOMPARE(changed.size(), 2);
+}
+
+int main(int argc, char *argv[])
+{
+    const VirtualDisplay display;
+    if (display.name().isEmpty())
+        qFatal("Xvfb is needed for this test");
+    qputenv("DISPLAY", display.name());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+
+    const QApplication application(argc, argv);
+    X11Test test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "X11Test.moc"
