@@ -11,6 +11,7 @@
 #include "PlainTextField.h"
 #include "SymbolView.h"
 #include "TextLabel.h"
+#include "TextLine.h"
 #include "TintedFrame.h"
 
 #include <QKeyEvent>
@@ -37,7 +38,7 @@ TextLabel *makeCentredLabel(QWidget *parent, const TextStyle &style, const QStri
 int baselineHeight(const TextLabel &label)
 {
     const QFontMetrics metrics = label.fontMetrics();
-    return (metrics.height() - metrics.capHeight()) / 2;
+    return (TextLine::size(metrics, {}).height() - metrics.capHeight()) / 2;
 }
 
 PlainTextField *makeSearchField(QWidget *parent)
