@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-enum Outcome { saved, failedWithTheError, failedOtherwise };
+enum Outcome { saved = 1, failedWithTheError, failedOtherwise };
 
 /// Saves in a process that is refused some system calls.
 int save(const DataFolder &data, const std::vector<RefusedCall> &calls,
@@ -34,6 +34,12 @@ int save(const DataFolder &data, const std::vector<RefusedCall> &calls,
             return failedOtherwise;
         }
     });
+}
+
+/// A write only when it is as long as a note.
+RefusedCall refused(long number, int error)
+{
+    return {number, error, number == SYS_write ? 100U : 0U};
 }
 
 NoteSnapshot oldNotes()
@@ -96,7 +102,7 @@ void RefusedCallTest::leavesTheOldNotesAndNothingElse()
     LocalNoteRepository(data.fileURL()).save(oldNotes());
     const auto before = data.content();
 
-    QCOMPARE(save(data, {{number, error}}, newNotes()), int(failedWithTheError));
+    QCOMPARE(save(data, {refused(number, error)}, newNotes()), int(failedWithTheError));
 
     QCOMPARE(data.content(), before);
 }
@@ -108,7 +114,7 @@ void RefusedCallTest::leavesNothingWhenTheFirstSaveFails()
     const DataFolder data;
     fs::create_directory(data.path());
 
-    QCOMPARE(save(data, {{number, error}}, newNotes()), int(failedWithTheError));
+    QCOMPARE(save(data, {refused(number, error)}, newNotes()), int(failedWithTheError));
 
     QVERIFY(data.content().isEmpty());
 }
@@ -131,7 +137,7 @@ void RefusedCallTest::savesWithoutLinks()
     fs::create_symlink("photos/a.jpg", data.path("Markdown/link"));
     const struct stat before = data.status("Markdown/photos/a.jpg");
 
-    QCOMPARE(save(data, {{SYS_linkat, error}}, newNotes()), int(saved));
+    QCOMPARE(save(data, {refused(SYS_linkat, error)}, newNotes()), int(saved));
 
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
     QCOMPARE(data.read("Markdown/photos/a.jpg"), QByteArray(200'000, 'x'));
@@ -148,7 +154,7 @@ void RefusedCallTest::seesAChangeFromOutsideWithoutLinks()
     LocalNoteRepository repository(data.fileURL());
     repository.save(oldNotes());
 
-    const int outcome = withRefusedCalls({{SYS_linkat, EPERM}}, [&]() -> int {
+    const int outcome = withRefusedCalls({refused(SYS_linkat, EPERM)}, [&]() -> int {
         try {
             data.write(noteFile(numberedId(1)), "theirs");
             repository.save(newNotes());
@@ -171,7 +177,7 @@ void RefusedCallTest::refusesAPipeThatItCannotLink()
     QCOMPARE(::mkfifo(data.path("Markdown/pipe").c_str(), 0600), 0);
     const auto before = data.content();
 
-    QCOMPARE(save(data, {{SYS_linkat, EPERM}}, newNotes()), int(failedOtherwise));
+    QCOMPARE(save(data, {refused(SYS_linkat, EPERM)}, newNotes()), int(failedOtherwise));
 
     QCOMPARE(data.content(), before);
 }
@@ -190,7 +196,7 @@ void RefusedCallTest::savesWithoutAnExchange()
     const DataFolder data;
     LocalNoteRepository(data.fileURL()).save(oldNotes());
 
-    QCOMPARE(save(data, {{SYS_renameat2, error}}, newNotes()), int(saved));
+    QCOMPARE(save(data, {refused(SYS_renameat2, error)}, newNotes()), int(saved));
 
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
     QCOMPARE(data.count(".quillmark-"), 0);
@@ -200,7 +206,7 @@ void RefusedCallTest::makesTheFirstFolderWithoutFlagsOfRenames()
 {
     const DataFolder data;
 
-    QCOMPARE(save(data, {{SYS_renameat2, EINVAL}}, newNotes()), int(saved));
+    QCOMPARE(save(data, {refused(SYS_renameat2, EINVAL)}, newNotes()), int(saved));
 
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
 }
@@ -213,8 +219,8 @@ void RefusedCallTest::savesWhereFoldersCannotBeSynced()
     LocalNoteRepository(data.fileURL()).save(oldNotes());
     const NoteSnapshot fewer = snapshotOf({numberedNote(1, u"kept"_s)}, u"old"_s);
 
-    QCOMPARE(save(data, {{SYS_fsync, EINVAL}}, fewer), int(saved));
-    QCOMPARE(save(data, {{SYS_fsync, EINVAL}}, newNotes()), int(failedWithTheError));
+    QCOMPARE(save(data, {refused(SYS_fsync, EINVAL)}, fewer), int(saved));
+    QCOMPARE(save(data, {refused(SYS_fsync, EINVAL)}, newNotes()), int(failedWithTheError));
 
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), fewer);
 }
@@ -223,9 +229,9 @@ void RefusedCallTest::leavesTheOldNotesToTheNextSave()
 {
     const DataFolder data;
     LocalNoteRepository(data.fileURL()).save(oldNotes());
-    QCOMPARE(save(data, {{SYS_write, ENOSPC}}, newNotes()), int(failedWithTheError));
+    QCOMPARE(save(data, {refused(SYS_write, ENOSPC)}, newNotes()), int(failedWithTheError));
 
-    QCOMPARE(save(data, {{SYS_ptrace, ENOSYS}}, newNotes()), int(saved));
+    QCOMPARE(save(data, {refused(SYS_ptrace, ENOSYS)}, newNotes()), int(saved));
 
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
 }

@@ -16,19 +16,25 @@
 struct RefusedCall {
     long number;
     int error;
+
+    /// Only calls whose third argument, for a write its length, is at least this. The sanitizers
+    /// write a few bytes to themselves.
+    std::uint32_t leastThird = 0;
 };
 
 namespace RefusedCallDetail {
 
 inline bool install(const std::vector<RefusedCall> &calls)
 {
-    std::vector<sock_filter> program{
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
+    std::vector<sock_filter> program;
     for (const RefusedCall &call : calls) {
-        program.push_back(
-            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(call.number), 0, 1));
-        program.push_back(
-            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<std::uint32_t>(call.error)));
+        const auto number = static_cast<std::uint32_t>(call.number);
+        const auto error = static_cast<std::uint32_t>(call.error);
+        program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)));
+        program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 3));
+        program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])));
+        program.push_back(BPF_JUMP(BPF_JMP | BPF_JGE | BPF_K, call.leastThird, 0, 1));
+        program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error));
     }
     program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
     const sock_fprog filter{static_cast<unsigned short>(program.size()), program.data()};
@@ -39,7 +45,7 @@ inline bool install(const std::vector<RefusedCall> &calls)
 } // namespace RefusedCallDetail
 
 /// Runs an action in a process of its own in which the calls are refused. Answers what the action
-/// answers, a number from 0 to 99, or 100 and more when the process could not run it to its end.
+/// answers, a number from 1 to 99, or another one when the process could not run it to its end.
 template <typename Action>
 int withRefusedCalls(const std::vector<RefusedCall> &calls, Action action)
 {
