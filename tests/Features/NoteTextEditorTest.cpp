@@ -57,6 +57,7 @@ private Q_SLOTS:
     void keepsItsScrollBarOutOfTheLines();
     void showsTheSurfaceBehindIt();
     void holdsALongText();
+    void breaksEndlessWordsAnywhere();
 };
 
 namespace {
@@ -600,6 +601,28 @@ void NoteTextEditorTest::holdsALongText()
 
     QCOMPARE(fixture.editor.noteText().size(), megabyte.size() + 3);
     QVERIFY(fixture.editor.noteText().endsWith(u".\nend"));
+}
+
+/// Only where a word has no end: everything else breaks between words, Chinese by its own rules.
+void NoteTextEditorTest::breaksEndlessWordsAnywhere()
+{
+    Fixture fixture;
+    const QString endless(100'000, u'x');
+
+    fixture.editor.setNoteText(u"word 骨架 "_s.repeated(1000) + QString(10'000, u'骨'));
+    QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+
+    fixture.editor.setNoteText(endless);
+    QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAnywhere);
+    QCOMPARE(fixture.editor.noteText(), endless);
+
+    fixture.editor.setNoteText(u"word"_s);
+    QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+
+    setClipboard(endless);
+    fixture.editor.paste();
+    QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAnywhere);
+    QCOMPARE(fixture.editor.noteText(), u"word"_s + endless);
 }
 
 QTEST_MAIN(NoteTextEditorTest)

@@ -85,6 +85,22 @@ QString uniformLineEnd(QStringView text)
     return first.isEmpty() ? u"\n"_s : first.toString();
 }
 
+/// A word of thousands of characters, such as an encoded picture. To look for a place to break it
+/// QTextLayout takes time that grows with the square of its length, seconds for 100,000 characters.
+/// Chinese and its like may be broken after every character and are no such words.
+bool hasEndlessWord(QStringView text)
+{
+    constexpr qsizetype endless = 2000;
+    constexpr char16_t firstOfEastAsia = 0x2e80;
+    qsizetype length = 0;
+    for (const QChar c : text) {
+        length = c.isSpace() || c.unicode() >= firstOfEastAsia ? 0 : length + 1;
+        if (length == endless)
+            return true;
+    }
+    return false;
+}
+
 QString plainText(const QMimeData &data)
 {
     if (data.hasText() || !data.hasHtml())
@@ -125,6 +141,8 @@ void NoteTextEditor::setNoteText(const QString &text)
     if (text == m_text)
         return;
     const QSignalBlocker notTheUser(this);
+    setWordWrapMode(hasEndlessWord(text) ? QTextOption::WrapAnywhere
+                                         : QTextOption::WrapAtWordBoundaryOrAnywhere);
     replaceText(*document(), text);
     m_lineEnd = uniformLineEnd(text);
     m_text = text;
@@ -288,6 +306,9 @@ bool NoteTextEditor::canInsertFromMimeData(const QMimeData *source) const
 
 void NoteTextEditor::insertFromMimeData(const QMimeData *source)
 {
-    textCursor().insertText(plainText(*source));
+    const QString text = plainText(*source);
+    if (hasEndlessWord(text))
+        setWordWrapMode(QTextOption::WrapAnywhere);
+    textCursor().insertText(text);
     ensureCursorVisible();
 }
