@@ -15,6 +15,8 @@
 #include <QInputMethod>
 #include <QSettings>
 #include <cmath>
+#include <memory>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -67,6 +69,7 @@ void FloatingPanelController::expand()
     }
     m_previousApplication = m_focus.frontmost();
     m_isExpanded = true;
+    m_isWarm = true;
     m_editor.setContent(makeEditorContent());
     placeEditor();
     m_launcher.hide();
@@ -94,6 +97,9 @@ void FloatingPanelController::collapse()
 QWidget *FloatingPanelController::makeLauncherContent()
 {
     auto *const view = new LauncherView(m_preferences, m_screens);
+    // Queued: the launcher shows first that it has seen the pointer.
+    connect(view, &LauncherView::approached, this, &FloatingPanelController::warmUp,
+            Qt::QueuedConnection);
     connect(view, &LauncherView::openRequested, this, &FloatingPanelController::expand);
     connect(view, &LauncherView::moved, this, &FloatingPanelController::moveLauncher);
     connect(view, &LauncherView::quitRequested, this, &FloatingPanelController::quitRequested);
@@ -113,6 +119,15 @@ QWidget *FloatingPanelController::makeEditorContent()
     auto *const environment = new AppEnvironment(m_preferences, m_system);
     environment->setContent(workspace);
     return environment;
+}
+
+void FloatingPanelController::warmUp()
+{
+    if (std::exchange(m_isWarm, true))
+        return;
+    // Fonts are most of it. They are not loaded at the start, because the launcher needs none.
+    const std::unique_ptr<QWidget> workspace(makeEditorContent());
+    workspace->grab();
 }
 
 void FloatingPanelController::applyPreferences()

@@ -50,6 +50,9 @@ private:
     [[nodiscard]] QWidget *makeLauncherContent();
     [[nodiscard]] QWidget *makeEditorContent();
 
+    /// Loads what the first workspace needs while the pointer is still on its way to the click.
+    void warmUp();
+
     void applyPreferences();
     void applySystemAppearance();
     void moveLauncher(LauncherInteraction::Translation translation, bool ended);
@@ -79,4 +82,5 @@ private:
     /// Who had the keyboard when the editor last opened.
     std::optional<RunningApplication> m_previousApplication;
     bool m_isExpanded = false;
+    bool m_isWarm = false;
 };

@@ -13,6 +13,7 @@
 #include <QEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -41,13 +42,34 @@ QColor mixed(const QColor &from, const QColor &to, double progress)
                             channel(from.blueF(), to.blueF()), channel(from.alphaF(), to.alphaF()));
 }
 
-void paintShadow(QPainter &painter, const QRectF &disc)
+/// The disc about the origin.
+QRectF discAtRest()
 {
-    for (int ring = 1; ring <= shadowRings; ++ring) {
-        const QRectF reach = disc.adjusted(-ring, -ring, ring, ring).translated(0, shadowDrop);
-        painter.fillPath(GlassSurface::outline(reach, GlassSurface::cornerRadius + ring),
-                         QColor::fromRgbF(0, 0, 0, shadowOpacity));
+    QRectF disc(0, 0, Metrics::launcherDisc, Metrics::launcherDisc);
+    disc.moveCenter({});
+    return disc;
+}
+
+/// The rings about the disc at rest: computed once, since they are drawn at every step of the
+/// hover.
+std::array<QPainterPath, shadowRings> makeShadow()
+{
+    std::array<QPainterPath, shadowRings> rings;
+    int width = 0;
+    for (QPainterPath &ring : rings) {
+        ++width;
+        const QRectF reach = discAtRest().adjusted(-width, -width, width, width);
+        ring = GlassSurface::outline(reach.translated(0, shadowDrop),
+                                     GlassSurface::cornerRadius + width);
     }
+    return rings;
+}
+
+void paintShadow(QPainter &painter)
+{
+    static const std::array<QPainterPath, shadowRings> rings = makeShadow();
+    for (const QPainterPath &ring : rings)
+        painter.fillPath(ring, QColor::fromRgbF(0, 0, 0, shadowOpacity));
 }
 
 } // namespace
@@ -86,6 +108,7 @@ bool LauncherView::event(QEvent *event)
     switch (event->type()) {
     case QEvent::Enter:
         setHovered(true);
+        Q_EMIT approached();
         break;
     case QEvent::Leave:
     case QEvent::Hide:
@@ -111,8 +134,7 @@ void LauncherView::paintEvent(QPaintEvent * /*event*/)
 {
     const QRectF disc = this->disc();
     const double scale = disc.width() / Metrics::launcherDisc;
-    QRectF atRest(0, 0, Metrics::launcherDisc, Metrics::launcherDisc);
-    atRest.moveCenter({});
+    const QRectF atRest = discAtRest();
 
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -120,7 +142,7 @@ void LauncherView::paintEvent(QPaintEvent * /*event*/)
     painter.scale(scale, scale);
     if (const ViewEnvironment *environment = ViewEnvironment::of(this);
         !environment || !environment->reduceTransparency())
-        paintShadow(painter, atRest);
+        paintShadow(painter);
     GlassSurface::paint(painter, atRest, this);
     Symbol::paint(
         painter, atRest, u"plus"_s, plusPixelSize,

@@ -23,6 +23,8 @@ public:
     [[nodiscard]] QRectF disc() const;
 
 Q_SIGNALS:
+    /// The pointer came over the launcher, perhaps to click.
+    void approached();
     void openRequested();
     void moved(LauncherInteraction::Translation translation, bool ended);
     void quitRequested();

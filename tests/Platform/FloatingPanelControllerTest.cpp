@@ -8,12 +8,14 @@
 #include "FakeScreens.h"
 #include "FileError.h"
 #include "LauncherHitView.h"
+#include "LauncherView.h"
 #include "NoteStore.h"
 #include "NoteTheme.h"
 #include "NoteWorkspaceView.h"
 #include "SystemAppearance.h"
 
 #include <QApplication>
+#include <QEnterEvent>
 #include <QPointer>
 #include <QSettings>
 #include <QSignalSpy>
@@ -57,6 +59,7 @@ private Q_SLOTS:
     void bringsAnOpenEditorForwardAndKeepsItsScreen();
     void buildsAFreshWorkspaceAtEachOpening();
     void keepsNoWorkspaceBehindTheLauncher();
+    void staysFoldedWhenThePointerOnlyPasses();
 
     void writesWhenItFolds();
     void foldsOnEscape();
@@ -345,6 +348,24 @@ void FloatingPanelControllerTest::keepsNoWorkspaceBehindTheLauncher()
     m_controller->collapse();
 
     QTRY_VERIFY(open.isNull());
+}
+
+void FloatingPanelControllerTest::staysFoldedWhenThePointerOnlyPasses()
+{
+    make();
+    m_controller->launcher().show();
+    auto *view = m_controller->launcher().findChild<LauncherView *>();
+    const QSignalSpy approached(view, &LauncherView::approached);
+
+    QEnterEvent enter({32, 32}, {32, 32}, {32, 32});
+    QCoreApplication::sendEvent(view, &enter);
+    QCOMPARE(approached.size(), 1);
+    QCoreApplication::processEvents();
+
+    QVERIFY(!m_controller->isExpanded());
+    QVERIFY(!m_controller->editor().isVisible());
+    QVERIFY(m_controller->launcher().isVisible());
+    QCOMPARE(m_repository->saves(), 0);
 }
 
 void FloatingPanelControllerTest::writesWhenItFolds()
