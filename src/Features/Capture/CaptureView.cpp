@@ -8,12 +8,11 @@
 #include "Metrics.h"
 #include "NotePrimaryButton.h"
 #include "NoteTextEditor.h"
-#include "SaveAction.h"
+#include "SaveKeys.h"
 #include "SymbolView.h"
 #include "TextLabel.h"
 #include "UserText.h"
 
-#include <QAction>
 #include <QDateTime>
 #include <chrono>
 
@@ -64,7 +63,7 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
     , m_count(makeLabel(this, TextStyles::status, u"characterCount"_s))
     , m_hint(makeLabel(this, TextStyles::shortcutHint, u"saveHint"_s))
     , m_save(makeSaveButton(this))
-    , m_saveAction(makeSaveAction(this))
+    , m_saveKeys(new SaveKeys(this))
 {
     m_statusSymbol->setObjectName(u"captureStatusSymbol"_s);
     m_midnight.setSingleShot(true);
@@ -88,7 +87,7 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
     connect(m_editor, &NoteTextEditor::textEdited, &m_store, &NoteStore::setDraft);
     connect(m_editor, &NoteTextEditor::compositionChanged, this, &CaptureView::render);
     connect(m_save, &QAbstractButton::clicked, this, &CaptureView::save);
-    connect(m_saveAction, &QAction::triggered, this, &CaptureView::save);
+    connect(m_saveKeys, &SaveKeys::pressed, this, &CaptureView::save);
     connect(&m_midnight, &QTimer::timeout, this, &CaptureView::renderDate);
 
     render();
@@ -126,7 +125,7 @@ void CaptureView::render()
     m_hint->setText(m_preferences.text(u"⌘ ↵ Save & close"_s));
     m_save->setText(m_preferences.text(u"Save this thought"_s));
     m_save->setEnabled(canSave());
-    m_saveAction->setEnabled(canSave());
+    m_saveKeys->setEnabled(canSave());
 }
 
 void CaptureView::renderDate()

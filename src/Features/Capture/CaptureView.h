@@ -9,9 +9,9 @@
 class AppPreferences;
 class NotePrimaryButton;
 class NoteTextEditor;
+class SaveKeys;
 class SymbolView;
 class TextLabel;
-class QAction;
 
 /// The screen for a new thought. Its text lives in the store as the capture draft.
 class CaptureView final : public QWidget {
@@ -46,5 +46,5 @@ private:
     TextLabel *const m_count;
     TextLabel *const m_hint;
     NotePrimaryButton *const m_save;
-    QAction *const m_saveAction;
+    SaveKeys *const m_saveKeys;
 };

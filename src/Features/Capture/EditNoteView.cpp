@@ -11,11 +11,10 @@
 #include "NoteTextEditor.h"
 #include "PlainButton.h"
 #include "QuietIconButton.h"
-#include "SaveAction.h"
+#include "SaveKeys.h"
 #include "TextLabel.h"
 #include "UserText.h"
 
-#include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
 
@@ -47,7 +46,7 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
                                   u"A sentence. A thought.\nGet it down before it goes."_s, this))
     , m_status(named(u"editStatus"_s, new TextLabel(TextStyles::status, this)))
     , m_save(named(u"saveEdit"_s, new NotePrimaryButton({}, this)))
-    , m_saveAction(makeSaveAction(this))
+    , m_saveKeys(new SaveKeys(this))
 {
     column(this,
            {row({m_back, stretch(), m_copy, m_delete}), m_date, filling(m_editor),
@@ -67,7 +66,7 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
             [this](const QString &text) { m_store.updateDraft(m_note, text); });
     connect(m_editor, &NoteTextEditor::compositionChanged, this, &EditNoteView::render);
     connect(m_save, &QAbstractButton::clicked, this, &EditNoteView::save);
-    connect(m_saveAction, &QAction::triggered, this, &EditNoteView::save);
+    connect(m_saveKeys, &SaveKeys::pressed, this, &EditNoteView::save);
 
     render();
 }
@@ -137,5 +136,5 @@ void EditNoteView::render()
     m_save->setText(m_preferences.text(u"Save changes"_s));
     m_save->setEnabled(canSave());
     // The save button lies under the alert, but its keys reach everywhere.
-    m_saveAction->setEnabled(canSave() && !m_alert);
+    m_saveKeys->setEnabled(canSave() && !m_alert);
 }

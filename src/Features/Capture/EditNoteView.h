@@ -12,8 +12,8 @@ class NotePrimaryButton;
 class NoteStore;
 class NoteTextEditor;
 class PlainButton;
-class QAction;
 class QuietIconButton;
+class SaveKeys;
 class TextLabel;
 
 /// The screen for one existing note. What is typed is the store's editing draft until it is saved.
@@ -49,7 +49,7 @@ private:
     NoteTextEditor *const m_editor;
     TextLabel *const m_status;
     NotePrimaryButton *const m_save;
-    QAction *const m_saveAction;
+    SaveKeys *const m_saveKeys;
 
     /// Lies over the whole window while it asks.
     QPointer<DeleteAlert> m_alert;
