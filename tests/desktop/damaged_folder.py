@@ -137,6 +137,8 @@ class DamagedFolder(DesktopTest):
         quillmark.open_editor()
         self.keyboard.type("mine")
         until(lambda: self.data.draft() == "mine", "the draft is on the disk")
+        until(lambda: [path.name for path in self.data.path.iterdir()] == ["Markdown"],
+              "the save has cleaned up")
         self.data.add_note("theirs", number=2)
         before = self.data.state()
 

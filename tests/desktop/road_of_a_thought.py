@@ -2,6 +2,7 @@
 """From another program to a note on the disk, and back."""
 
 import datetime
+import signal
 
 from harness import DesktopTest, main, until
 from harness.notes import MARKER
@@ -114,6 +115,32 @@ class RoadOfAThought(DesktopTest):
         self.assertEqual(quillmark.element("text", "Note text").text(), "not yet")
         self.keyboard.type("!")
         until(lambda: self.data.draft() == "not yet!", "typing goes on at the end of the draft")
+
+    def type_while_it_is_busy(self, quillmark, text, last_key):
+        """All keys wait in one queue when the program comes to look at them."""
+        quillmark.send(signal.SIGSTOP)
+        self.keyboard.type(text)
+        self.keyboard.press(last_key)
+        quillmark.send(signal.SIGCONT)
+
+    def test_what_was_typed_before_the_save_key_is_saved_however_late_it_is_read(self):
+        quillmark = self.start()
+        quillmark.open_editor()
+
+        self.type_while_it_is_busy(quillmark, "faster than the computer", "ctrl+Return")
+
+        quillmark.launcher()
+        self.assertEqual([note.body for note in self.data.read_notes()],
+                         ["faster than the computer"])
+
+    def test_what_was_typed_before_escape_is_in_the_draft_however_late_it_is_read(self):
+        quillmark = self.start()
+        quillmark.open_editor()
+
+        self.type_while_it_is_busy(quillmark, "faster than the computer", "Escape")
+
+        quillmark.launcher()
+        self.assertEqual(self.data.draft(), "faster than the computer")
 
     def test_spaces_alone_cannot_be_saved(self):
         quillmark = self.start()
