@@ -9,8 +9,8 @@ class QWidget;
 /// The keys that save, wherever in the view's window the keyboard is: Ctrl+Return and
 /// Super+Return, also with the Enter key of the keypad. Holding them saves once.
 ///
-/// Not a QShortcut: Qt hands those out as soon as they arrive from the X server, before the letters
-/// that were typed ahead of them and still wait. On a busy computer it would save half a thought.
+/// Not a QShortcut: while assistive technology is in use Qt holds each letter back until that has
+/// answered, but lets shortcuts pass. Half a thought would be saved. Keys keep their order.
 class SaveKeys final : public QObject {
     Q_OBJECT
 

@@ -71,6 +71,10 @@ class Bus:
         """From here on hears what gets the keyboard focus."""
         return FocusListener(self, self._connection)
 
+    def registry_process(self):
+        """The process that programs ask about each key before they act on it."""
+        return Element(self, "org.a11y.atspi.Registry", _ROOT).process()
+
     def program(self, process):
         """The program of this process, or None while it is not on the bus."""
         registry = Element(self, "org.a11y.atspi.Registry", _ROOT)
