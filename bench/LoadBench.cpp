@@ -35,7 +35,7 @@ bool measure(int count, int turns, double limit)
 
 int main()
 {
-    bool isMet = measure(1000, 51, 2.0);
-    isMet = measure(10000, 31, 1.5) && isMet;
+    bool isMet = measure(1000, 101, 2.0);
+    isMet = measure(10000, 51, 1.5) && isMet;
     return isMet ? EXIT_SUCCESS : EXIT_FAILURE;
 }

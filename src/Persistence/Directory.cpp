@@ -153,11 +153,18 @@ Directory Directory::openFolder(const char *name) const
 
 Directory Directory::makeFolder(const char *name) const
 {
+    return makeFolder(name, m_path / name);
+}
+
+Directory Directory::makeFolder(const char *name, const std::filesystem::path &shownAs) const
+{
     if (uninterrupted([&] { return ::mkdirat(m_descriptor.get(), name, folderMode); }) != 0)
-        throw error(name);
-    if (std::optional<Directory> folder = tryOpenFolder(name))
+        throw FileError(shownAs, errno);
+    if (std::optional<Directory> folder = tryOpenFolder(name)) {
+        folder->showAs(shownAs);
         return std::move(*folder);
-    const FileError failure = error(name);
+    }
+    const FileError failure(shownAs, errno);
     static_cast<void>(tryRemove(name, DirectoryListing::Kind::folder));
     throw failure;
 }

@@ -42,6 +42,10 @@ public:
 
     [[nodiscard]] Directory openFolder(const char *name) const;
     [[nodiscard]] Directory makeFolder(const char *name) const;
+
+    /// Makes a folder that errors call by another path, also the error that it cannot be made.
+    [[nodiscard]] Directory makeFolder(const char *name,
+                                       const std::filesystem::path &shownAs) const;
     [[nodiscard]] Directory openOrMakeFolder(const char *name) const;
 
     /// Reads a whole regular file; anything else is refused at once, without waiting on it.

@@ -108,5 +108,5 @@ bool FolderSwap::tryMove(std::string &name, const std::string &to) noexcept
 void FolderSwap::move(std::string &name, const std::string &to)
 {
     if (!tryMove(name, to))
-        throw m_parent.error(to.c_str());
+        throw m_parent.error(m_names.live.c_str());
 }

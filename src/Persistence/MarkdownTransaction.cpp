@@ -32,10 +32,11 @@ void refuseRecoveryCopy(const Directory &folder)
 /// The hidden folder in which the new content is made. Gone with this, unless it was released.
 class Stage {
 public:
-    Stage(const Directory &parent, std::string name)
+    /// Errors show it as what it is about to become.
+    Stage(const Directory &parent, std::string name, const std::filesystem::path &target)
         : m_parent(parent)
         , m_name(std::move(name))
-        , m_folder(parent.makeFolder(m_name.c_str()))
+        , m_folder(parent.makeFolder(m_name.c_str(), target))
     {
     }
     Stage(const Stage &) = delete;
@@ -48,7 +49,6 @@ public:
     }
 
     [[nodiscard]] const Directory &folder() const { return m_folder; }
-    [[nodiscard]] const std::string &name() const { return m_name; }
     void release() { m_isReleased = true; }
 
 private:
@@ -89,7 +89,7 @@ void MarkdownTransaction::replace(
                                   .stage = freshName(stagePrefix),
                                   .recovery = freshName(recoveryPrefix)};
     const std::optional<Directory> original = openTarget(parent, names.live.c_str());
-    Stage stage(parent, names.stage);
+    Stage stage(parent, names.stage, target);
     const LinkedTree links = original ? LinkedTree(*original, stage.folder()) : LinkedTree();
 
     prepare(parent.path() / names.stage);

@@ -41,7 +41,8 @@ const char *NoteFolder::sectionName(Section section) noexcept
     Q_UNREACHABLE();
 }
 
-void NoteFolder::visit(const Visitor &visitor) const
+void NoteFolder::visit(const Visitor &visitor,
+                       const std::function<void(std::size_t fileCount)> &expect) const
 {
     std::string bytes;
     m_directory.readFile(markerName, largestFile, bytes);
@@ -49,6 +50,8 @@ void NoteFolder::visit(const Visitor &visitor) const
     for (const Section section : {Section::notes, Section::drafts}) {
         const Directory folder = m_directory.openFolder(sectionName(section));
         const DirectoryListing files = markdownFiles(folder);
+        if (expect)
+            expect(files.entries().size());
         for (const DirectoryListing::Entry &file : files.entries()) {
             folder.readFile(files.name(file), largestFile, bytes);
             visitor(section, files.name(file), bytes);

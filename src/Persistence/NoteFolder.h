@@ -30,8 +30,10 @@ public:
 
     /// Reads the marker, then each Markdown file of "Notes", then of "Drafts", by ascending name:
     /// each once, and each in whole before the next. Both views live as long as one visit. Throws a
-    /// FileError that names the first file that is not a regular one or cannot be read.
-    void visit(const Visitor &visitor) const;
+    /// FileError that names the first file that is not a regular one or cannot be read. When given,
+    /// expect is told the number of each section's files before they are read.
+    void visit(const Visitor &visitor,
+               const std::function<void(std::size_t fileCount)> &expect = nullptr) const;
 
 private:
     explicit NoteFolder(Directory directory)

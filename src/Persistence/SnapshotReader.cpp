@@ -24,22 +24,27 @@ SnapshotReader::SnapshotReader(std::filesystem::path path)
 
 void SnapshotReader::read(const NoteFolder &folder)
 {
-    folder.visit([this](Section section, std::string_view name, std::string_view bytes) {
+    const auto expect = [this](std::size_t fileCount) {
+        m_state.files.reserve(m_state.files.size() + fileCount);
+        m_ids.reserve(m_ids.size() + fileCount);
+    };
+    const auto see = [this](Section section, std::string_view name, std::string_view bytes) {
         const std::optional<QStringView> text = m_decoder.decode(bytes);
         if (!text)
             throw FileError(m_path / NoteFolder::sectionName(section) / name,
                             FileError::Reason::notUtf8);
-        m_state.files.push_back(readFile(section, name, *text));
         m_fingerprint.add(section, name, bytes);
-    });
+        m_state.files.push_back(readFile(section, name, *text));
+    };
+    folder.visit(see, expect);
     m_state.fingerprint = m_fingerprint.finish();
-    m_state.files.shrink_to_fit();
     collectNotes();
 }
 
 NoteFile SnapshotReader::readFile(Section section, std::string_view name, QStringView text)
 {
     NoteFile file;
+    file.place = {section, NoteFileName(name)};
     switch (section) {
     case Section::marker:
         readMarker(text);
@@ -53,7 +58,6 @@ NoteFile SnapshotReader::readFile(Section section, std::string_view name, QStrin
         readDraft(name, file.note.body);
         break;
     }
-    file.place = {section, NoteFileName(name)};
     return file;
 }
 

@@ -78,6 +78,8 @@ void RefusedCallTest::leavesTheOldNotesAndNothingElse_data()
 {
     leavesNothingWhenTheFirstSaveFails_data();
     QTest::newRow("read, disk error") << int(SYS_read) << EIO;
+    QTest::newRow("rename, disk error") << int(SYS_renameat) << EIO;
+    QTest::newRow("exchange, disk error") << int(SYS_renameat2) << EIO;
 }
 
 void RefusedCallTest::leavesNothingWhenTheFirstSaveFails_data()
