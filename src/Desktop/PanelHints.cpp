@@ -108,6 +108,11 @@ void PanelHints::afterShowingEditor(QWidget &panel)
     }
 }
 
+bool PanelHints::menusMissEvents()
+{
+    return X11Session::current() && qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
 void PanelHints::activate(QWidget &panel)
 {
     panel.raise();

@@ -33,6 +33,10 @@ void prepareLauncher(QWidget &panel);
 void prepareEditor(QWidget &panel);
 void afterShowingEditor(QWidget &panel);
 
+/// Whether a menu sees no key and no click that goes to another program's window and would stay
+/// open: in a Wayland session, where native windows are outside the X server.
+[[nodiscard]] bool menusMissEvents();
+
 /// Takes the keyboard for the panel, as the answer to what the user just did.
 void activate(QWidget &panel);
 

@@ -2,6 +2,7 @@
 #include "LauncherHitView.h"
 
 #include "AppPreferences.h"
+#include "PanelHints.h"
 #include "Screens.h"
 #include "ThemedMenu.h"
 
@@ -9,11 +10,16 @@
 #include <QAction>
 #include <QContextMenuEvent>
 #include <QMouseEvent>
+#include <QTimer>
+#include <chrono>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+/// How long a menu that cannot see a click elsewhere stays open without the pointer.
+constexpr std::chrono::milliseconds menuPatience{600};
 
 /// A button that can be pressed and has a menu.
 class LauncherInterface final : public QAccessibleWidget {
@@ -83,7 +89,19 @@ QMenu *LauncherHitView::makeMenu()
 
 void LauncherHitView::showMenu()
 {
-    makeMenu()->popup(mapToGlobal(rect().center()));
+    openMenu(mapToGlobal(rect().center()));
+}
+
+bool LauncherHitView::eventFilter(QObject *receiver, QEvent *event)
+{
+    auto *const menu = qobject_cast<QMenu *>(receiver);
+    if (menu && event->type() == QEvent::Leave) {
+        QTimer::singleShot(menuPatience, menu, [menu] {
+            if (!menu->underMouse())
+                menu->close();
+        });
+    }
+    return QWidget::eventFilter(receiver, event);
 }
 
 void LauncherHitView::mousePressEvent(QMouseEvent *event)
@@ -108,7 +126,15 @@ void LauncherHitView::mouseReleaseEvent(QMouseEvent *event)
 
 void LauncherHitView::contextMenuEvent(QContextMenuEvent *event)
 {
-    makeMenu()->popup(event->globalPos());
+    openMenu(event->globalPos());
+}
+
+void LauncherHitView::openMenu(QPoint place)
+{
+    QMenu *const menu = makeMenu();
+    if (PanelHints::menusMissEvents())
+        menu->installEventFilter(this);
+    menu->popup(place);
 }
 
 Point LauncherHitView::position(const QMouseEvent &event) const

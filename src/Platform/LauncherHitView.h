@@ -32,12 +32,14 @@ Q_SIGNALS:
     void quitRequested();
 
 protected:
+    bool eventFilter(QObject *receiver, QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
+    void openMenu(QPoint place);
     [[nodiscard]] Point position(const QMouseEvent &event) const;
     [[nodiscard]] QString text(const QString &key) const;
     void render();
