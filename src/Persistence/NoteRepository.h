@@ -8,8 +8,7 @@
 
 /// Where the notes are kept. Both operations throw a StorageError when they fail, and have then
 /// changed nothing.
-class NoteRepository
-{
+class NoteRepository {
 public:
     NoteRepository() = default;
     NoteRepository(const NoteRepository &) = delete;

@@ -6,8 +6,7 @@
 #include <exception>
 
 /// The base of everything that the storage throws. NoteStore is the only place that catches.
-class StorageError : public std::exception
-{
+class StorageError : public std::exception {
 public:
     /// What happened and what to do, for the user.
     [[nodiscard]] virtual Message message() const = 0;
