@@ -31,7 +31,7 @@ inline double contrast(const QColor &one, const QColor &other)
         return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
                0.0722 * linear(color.blueF());
     };
-    const auto [dark, light] = std::minmax(luminance(one), luminance(other));
+    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
     return (light + 0.05) / (dark + 0.05);
 }
 
