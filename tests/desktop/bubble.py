@@ -16,7 +16,7 @@ class Bubble(DesktopTest):
         before = self.other.text()
         self.keyboard.type("here")
         until(lambda: self.other.text() == before + "here", "the keys go to the other program")
-        self.assertEqual(self.windows.active(), self.other.id)
+        until(lambda: self.windows.active() == self.other.id, "the other program is active")
 
     def expect_place(self, quillmark, place):
         until(lambda: quillmark.launcher().rectangle() == place, f"the bubble is at {place}")
@@ -112,7 +112,7 @@ class Bubble(DesktopTest):
 
         self.open_menu(quillmark)
 
-        self.assertEqual(self.windows.active(), self.other.id)
+        until(lambda: self.windows.active() == self.other.id, "the other program stays active")
         self.assertEqual(self.read_menu(quillmark), ["New note", "Quit Quillmark"])
         self.assertIsNone(quillmark.shows_editor())
         self.expect_keyboard_stayed()

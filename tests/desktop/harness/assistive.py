@@ -98,6 +98,8 @@ class FocusListener:
         self._subscription = connection.signal_subscribe(
             None, "org.a11y.atspi.Event.Object", "StateChanged", None, "focused",
             Gio.DBusSignalFlags.NONE, self._hear)
+        # The bus answers in order: by now it knows of the subscription.
+        bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId")
 
     def _hear(self, _connection, sender, path, _interface, _signal, values):
         if values.unpack()[1] == 1:
