@@ -4,8 +4,7 @@
 #include "NoteRepository.h"
 
 /// Keeps the notes in memory only. Never fails and checks nothing.
-class MemoryNoteRepository final : public NoteRepository
-{
+class MemoryNoteRepository final : public NoteRepository {
 public:
     explicit MemoryNoteRepository(NoteSnapshot snapshot = {});
 
