@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "PenwickApp.h"
 
+#include <QFileInfo>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -19,6 +22,15 @@ constexpr auto help =
     "  --appearance=dark    with --ui-testing: dark\n"
     "  --version            prints the version and ends\n"
     "  --help               prints this and ends\n";
+
+/// Where no session bus runs, the D-Bus library would start one that outlives the program.
+void doWithoutMissingBus()
+{
+    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (!qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") &&
+        (runtimeFolder.isEmpty() || !QFileInfo::exists(runtimeFolder + "/bus"_L1)))
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+}
 
 } // namespace
 
@@ -40,6 +52,7 @@ int main(int argc, char **argv)
     // Only X11, in a Wayland session through XWayland, lets a window stay on top at its place.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
+    doWithoutMissingBus();
 
     PenwickApp app(argc, argv);
     return app.run();
