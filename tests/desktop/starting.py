@@ -4,7 +4,7 @@
 import os
 import subprocess
 
-from harness import DesktopTest, main, until
+from harness import DesktopTest, main, processes, until
 from harness.translations import chinese
 from harness.waiting import holds_for
 
@@ -167,6 +167,18 @@ class Starting(DesktopTest):
 
         quillmark.launcher()
         self.assertEqual([note.body for note in self.data.read_notes()], ["alone"])
+
+
+    def test_it_starts_no_session_bus_of_its_own(self):
+        before = processes.children()
+        quillmark = self.start(DBUS_SESSION_BUS_ADDRESS=None, XDG_RUNTIME_DIR=None,
+                               QT_LINUX_ACCESSIBILITY_ALWAYS_ON=None)
+        quillmark.open_editor()
+        self.keyboard.press("Escape")
+        quillmark.launcher()
+
+        # A daemon that it had started would have been left to this process.
+        self.assertEqual(set(processes.children()) - set(before), {quillmark.process})
 
 
 if __name__ == "__main__":

@@ -54,14 +54,19 @@ def _children_of(parent):
     return found
 
 
+def children():
+    """The children of this process, with those that it was left."""
+    return _children_of(os.getpid())
+
+
 def kill_adopted(seconds=5.0):
     """Kills and reaps every child that is left, and what these leave behind in turn."""
     end = time.monotonic() + seconds
     while time.monotonic() < end:
-        children = _children_of(os.getpid())
-        if not children:
+        left = children()
+        if not left:
             return
-        for child in children:
+        for child in left:
             try:
                 os.kill(child, signal.SIGKILL)
                 os.waitpid(child, 0)
