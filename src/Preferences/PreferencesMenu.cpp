@@ -113,9 +113,10 @@ void PreferencesMenu::render()
 
 void PreferencesMenu::keyPressEvent(QKeyEvent *event)
 {
-    // Space opens the menu by itself.
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
-        event->key() == Qt::Key_Down)
+    // Space opens the menu by itself; with Ctrl or Super the Return key saves the note.
+    const bool isPlain = !(event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier));
+    if (isPlain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
+                    event->key() == Qt::Key_Down))
         showMenu();
     else
         QPushButton::keyPressEvent(event);

@@ -18,6 +18,7 @@
 #include "TextLabel.h"
 
 #include <QLayout>
+#include <initializer_list>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -77,6 +78,11 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
                 {Metrics::footerSpacing, Metrics::footerPadding})});
     setTabOrder(m_tabs[1], menu);
     setTabOrder(menu, m_collapse);
+    // Assistive tools read the children in their stacking order: as they are seen, top to bottom.
+    for (QWidget *const part : std::initializer_list<QWidget *>{
+             mark, title, m_tabs[0], m_tabs[1], menu, m_collapse, m_banner, m_content, drive,
+             m_storage, m_count, dot, m_tagline})
+        part->raise();
 
     connect(&m_store, &NoteStore::snapshotChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteWorkspaceView::render);

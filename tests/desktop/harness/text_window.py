@@ -46,6 +46,19 @@ class TextWindow:
                 self._display.refresh_keyboard_mapping(event)
         return self._text
 
+    def clipboard(self):
+        """What a paste into the window would bring; None when nobody offers text."""
+        clipboard = self._display.intern_atom("CLIPBOARD")
+        kind = self._display.intern_atom("UTF8_STRING")
+        place = self._display.intern_atom("PASTED")
+        self._window.convert_selection(clipboard, kind, place, X.CurrentTime)
+        while True:
+            event = self._display.next_event()
+            if event.type == X.SelectionNotify:
+                break
+        found = self._window.get_full_property(place, X.AnyPropertyType)
+        return None if event.property == X.NONE or not found else found.value.decode()
+
     def raise_above_others(self):
         self._window.configure(stack_mode=X.Above)
         self._display.sync()
