@@ -40,6 +40,24 @@ class InputMethod(DesktopTest):
         until(self.quillmark.shows_launcher, "the bubble is back")
         self.assertEqual([note.body for note in self.data.read_notes()], ["想到就记"])
 
+    def test_a_composed_word_is_searched_for(self):
+        self.keyboard.type("xiangdao ")
+        self.until_text_is("想到")
+        self.keyboard.press("ctrl+Return")
+        until(self.quillmark.shows_launcher, "the bubble is back")
+        self.quillmark.open_editor()
+        self.quillmark.element(name="Notes").press()
+        self.quillmark.element(name="Open note: 想到")
+
+        self.keyboard.type("jiuji ")
+        self.quillmark.element(name="No matching thoughts yet.")
+        self.keyboard.press("ctrl+u")
+        self.quillmark.element(name="Open note: 想到")
+        self.compose("xiangdao")
+        self.keyboard.press("space")
+        until(lambda: "想到" in self.quillmark.texts(), "the word is in the search field")
+        self.quillmark.element(name="Open note: 想到")
+
     def test_return_and_escape_belong_to_the_input_method_while_it_composes(self):
         self.compose("xiang")
         self.keyboard.press("Escape")
