@@ -38,6 +38,15 @@ public:
                (static_cast<char16_t>(unit - 0xFF01) < 0x5E);
     }
 
+    /// The folded form of a plain unit.
+    [[nodiscard]] static constexpr char16_t plainlyFolded(char16_t unit) noexcept
+    {
+        constexpr char16_t widening = 0xFEE0;
+        const auto narrow = static_cast<char16_t>(unit >= 0xFF01 ? unit - widening : unit);
+        return narrow >= u'A' && narrow <= u'Z' ? static_cast<char16_t>(narrow + (u'a' - u'A'))
+                                                : narrow;
+    }
+
 private:
     static constexpr size_t pageSize = 256;
 

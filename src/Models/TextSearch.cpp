@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <string_view>
 
 namespace {
@@ -93,6 +94,73 @@ private:
     Mask m_asksNoSecond;
 };
 
+/// Asks for each marked unit of a block, in order, until one is what is looked for.
+template <class Question>
+bool anyOf(const Block &block, const Question &isFoundAt)
+{
+    // Four at a time, since most are none.
+    const auto fours = std::bit_cast<std::array<quint64, blockSize / 4>>(block);
+    for (size_t k = 0; k < blockSize; ++k) {
+        if (k % 4 == 0 && fours[k / 4] == 0)
+            k += 3;
+        else if (block[k] != no && isFoundAt(k))
+            return true;
+    }
+    return false;
+}
+
+bool isPlain(Units text)
+{
+    size_t i = 0;
+    for (; i + blockSize <= text.size(); i += blockSize) {
+        // Most blocks are ASCII, which is the cheaper question.
+        char16_t bits = 0;
+        for (size_t k = 0; k < blockSize; ++k)
+            bits = static_cast<char16_t>(bits | text[i + k]);
+        if (bits < 0x80)
+            continue;
+        Mask odd = no;
+        for (size_t k = 0; k < blockSize; ++k)
+            odd = static_cast<Mask>(odd | isOdd(text[i + k]));
+        if (odd != no)
+            return false;
+    }
+    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(i), text.end(),
+                       &TextFolding::isPlain);
+}
+
+/// In plain text a match is as long as the query. Its two ends are looked for, since neighbouring
+/// letters keep each other's company too often to tell much.
+bool isFoundInPlain(Units text, Units query)
+{
+    if (text.size() < query.size())
+        return false;
+    const auto isFoundAt = [&](size_t position) {
+        return std::equal(query.begin(), query.end(),
+                          text.begin() + static_cast<std::ptrdiff_t>(position),
+                          [](char16_t wanted, char16_t unit) {
+                              return TextFolding::plainlyFolded(unit) == wanted;
+                          });
+    };
+    const Wanted first(query.front());
+    const Wanted last(query.back());
+    const size_t distance = query.size() - 1;
+    const size_t end = text.size() - distance;
+    size_t i = 0;
+    for (; i + blockSize <= end; i += blockSize) {
+        Block block;
+        for (size_t k = 0; k < blockSize; ++k)
+            block[k] = first.is(text[i + k]) & last.is(text[i + k + distance]);
+        if (anyOf(block, [&](size_t k) { return isFoundAt(i + k); }))
+            return true;
+    }
+    for (; i < end; ++i) {
+        if (isFoundAt(i))
+            return true;
+    }
+    return false;
+}
+
 /// True when a part of a folded character and the folded text behind it begin with the query.
 bool continues(Units part, Units text, size_t position, Units query)
 {
@@ -147,19 +215,15 @@ bool TextSearch::isFoundIn(QStringView view) const
         return true;
     }
 
+    if (isPlain(text))
+        return isFoundInPlain(text, query);
+
     const Beginning beginning(query);
     size_t i = 0;
     for (; i + blockSize < text.size(); i += blockSize) {
         const Block block = beginning.mayBeIn(&text[i]);
-        // Four at a time, since most are none.
-        const auto fours = std::bit_cast<std::array<quint64, blockSize / 4>>(block);
-        for (size_t k = 0; k < blockSize; ++k) {
-            if (k % 4 == 0 && fours[k / 4] == 0) {
-                k += 3;
-            } else if (block[k] != no && matchesAround(text, i + k, query)) {
-                return true;
-            }
-        }
+        if (anyOf(block, [&](size_t k) { return matchesAround(text, i + k, query); }))
+            return true;
     }
     for (; i < text.size(); ++i) {
         const char16_t next = i + 1 < text.size() ? text[i + 1] : u'\0';

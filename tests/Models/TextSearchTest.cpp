@@ -164,6 +164,30 @@ private Q_SLOTS:
         }
         QVERIFY(found > cases / 4 && found < cases * 3 / 4);
     }
+
+    void agreesWithThePlainReferenceWhereNothingFoldsOddly()
+    {
+        // Such texts are scanned in another way, so they are tried by themselves.
+        const QString alphabet = u"aAbBzZ1 .~想到就，Ａｂ１～"_s;
+        const auto generated = [&alphabet](QRandomGenerator &random, int longest) {
+            QString text;
+            for (int length = random.bounded(longest + 1); length > 0; --length)
+                text += alphabet[random.bounded(static_cast<int>(alphabet.size()))];
+            return text;
+        };
+        QRandomGenerator random(19);
+        int found = 0;
+        constexpr int cases = 20'000;
+        for (int i = 0; i < cases; ++i) {
+            const QString text = generated(random, 200);
+            const QString query = generated(random, 4);
+            const bool expected = isPlainlyFound(query, text);
+            found += expected ? 1 : 0;
+            QVERIFY2(TextSearch(query).isFoundIn(text) == expected,
+                     qUtf8Printable(u"\"%1\" in \"%2\""_s.arg(query, text)));
+        }
+        QVERIFY(found > cases / 4 && found < cases * 3 / 4);
+    }
 };
 
 QTEST_GUILESS_MAIN(TextSearchTest)
