@@ -2,7 +2,9 @@
 #include "AppEnvironment.h"
 #include "AppPreferences.h"
 #include "FailingRepository.h"
+#include "FakeScreens.h"
 #include "FileError.h"
+#include "LauncherView.h"
 #include "NoteId.h"
 #include "NoteStore.h"
 #include "NoteWorkspaceView.h"
@@ -294,20 +296,19 @@ QImage wallpaper(const QSize &size, double scale, AppAppearance appearance)
 }
 
 /// What is on screen: the panel, and the menus that are open over it.
-QImage picture(Stage &stage)
+QImage picture(QWidget &panel, AppAppearance appearance)
 {
     const QMargins around(wallpaperMargin, wallpaperMargin, wallpaperMargin, wallpaperMargin);
-    QRect whole(stage.environment.mapToGlobal(QPoint()), stage.environment.size());
-    QWidgetList windows{&stage.environment};
+    QRect whole(panel.mapToGlobal(QPoint()), panel.size());
+    QWidgetList windows{&panel};
     for (QWidget *const window : QApplication::topLevelWidgets()) {
-        if (window != &stage.environment && window->isVisible()) {
+        if (window != &panel && window->isVisible()) {
             windows.append(window);
             whole |= window->geometry();
         }
     }
     whole = whole.marginsAdded(around);
-    QImage image = wallpaper(whole.size(), stage.environment.devicePixelRatioF(),
-                             stage.preferences.appearance());
+    QImage image = wallpaper(whole.size(), panel.devicePixelRatioF(), appearance);
     QPainter painter(&image);
     for (QWidget *const window : windows)
         painter.drawPixmap(window->mapToGlobal(QPoint()) - whole.topLeft(), window->grab());
@@ -323,6 +324,40 @@ void settle()
     }
 }
 
+bool savePicture(const QString &name, QWidget &panel, AppLanguage language,
+                 AppAppearance appearance, const QDir &folder)
+{
+    const QString scale = QString::number(panel.devicePixelRatioF());
+    const QString file =
+        u"%1-%2-%3@%4x.png"_s.arg(name, rawValue(language), rawValue(appearance), scale);
+    return picture(panel, appearance).save(folder.filePath(file));
+}
+
+bool takePictureOfBubble(bool isHovered, AppLanguage language, AppAppearance appearance,
+                         const QDir &folder)
+{
+    AppPreferences preferences(nullptr, language, appearance);
+    SystemAppearance system;
+    const FakeScreens screens;
+    auto *const view = new LauncherView(preferences, screens);
+    AppEnvironment environment(preferences, system);
+    environment.setAttribute(Qt::WA_TranslucentBackground);
+    environment.setContent(view);
+    environment.resize(64, 64);
+    environment.show();
+    settle();
+    const double width = view->disc().width();
+    if (isHovered) {
+        const QPointF centre = QRectF(view->rect()).center();
+        QEnterEvent enter(centre, centre, view->mapToGlobal(centre));
+        QApplication::sendEvent(view, &enter);
+        if (!QTest::qWaitFor([&] { return view->disc().width() > 1.039 * width; }))
+            return false;
+    }
+    return savePicture(isHovered ? u"bubble-hovered"_s : u"bubble"_s, environment, language,
+                       appearance, folder);
+}
+
 bool takePicture(const Scene &scene, AppLanguage language, AppAppearance appearance,
                  const QDir &folder)
 {
@@ -331,10 +366,7 @@ bool takePicture(const Scene &scene, AppLanguage language, AppAppearance appeara
     if (scene.act)
         scene.act(stage);
     settle();
-    const QString scale = QString::number(stage.environment.devicePixelRatioF());
-    const QString file =
-        u"%1-%2-%3@%4x.png"_s.arg(scene.name, rawValue(language), rawValue(appearance), scale);
-    const bool isSaved = picture(stage).save(folder.filePath(file));
+    const bool isSaved = savePicture(scene.name, stage.environment, language, appearance, folder);
     for (QMenu *const menu : stage.environment.findChildren<QMenu *>())
         menu->close();
     return isSaved;
@@ -350,12 +382,16 @@ int main(int argc, char *argv[])
     const QDir folder(arguments.value(1, u"."_s));
     const QString wanted = arguments.value(2);
     bool isComplete = QDir().mkpath(folder.path());
-    for (const Scene &scene : scenes()) {
-        if (!scene.name.contains(wanted))
-            continue;
-        for (const AppLanguage language : {AppLanguage::english, AppLanguage::chinese}) {
-            for (const AppAppearance appearance : {AppAppearance::light, AppAppearance::dark})
-                isComplete &= takePicture(scene, language, appearance, folder);
+    for (const AppLanguage language : {AppLanguage::english, AppLanguage::chinese}) {
+        for (const AppAppearance appearance : {AppAppearance::light, AppAppearance::dark}) {
+            for (const Scene &scene : scenes()) {
+                if (scene.name.contains(wanted))
+                    isComplete &= takePicture(scene, language, appearance, folder);
+            }
+            for (const bool isHovered : {false, true}) {
+                if (u"bubble-hovered"_s.contains(wanted))
+                    isComplete &= takePictureOfBubble(isHovered, language, appearance, folder);
+            }
         }
     }
     if (!isComplete)
