@@ -43,6 +43,9 @@ void SnapshotReader::read(const NoteFolder &folder)
 
 NoteFile SnapshotReader::readFile(Section section, std::string_view name, QStringView text)
 {
+    // Longer than an identifier, and so no name of a note or a draft.
+    if (!NoteFileName::fits(name))
+        throw RepositoryError::invalidMarkdown();
     NoteFile file;
     file.place = {section, NoteFileName(name)};
     switch (section) {

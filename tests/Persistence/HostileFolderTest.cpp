@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "LocalNoteRepository.h"
+#include "NoteMarkdownCodec.h"
+#include "RepositoryError.h"
 
 #include "DataFolder.h"
 #include "Notes.h"
@@ -96,6 +98,7 @@ private Q_SLOTS:
     void namesWhatIsNoFile();
     void namesItAlsoWhenItAppearsBeforeASave_data() { namesWhatIsNoFile_data(); }
     void namesItAlsoWhenItAppearsBeforeASave();
+    void refusesNamesLongerThanAnIdentifier();
     void doesNotFollowALinkedFolder_data();
     void doesNotFollowALinkedFolder();
     void acceptsALinkToTheDataFolder();
@@ -173,6 +176,25 @@ void HostileFolderTest::namesItAlsoWhenItAppearsBeforeASave()
         QCOMPARE(error->reason(), Reason(reason));
     }
     QCOMPARE(listing(data), before);
+}
+
+void HostileFolderTest::refusesNamesLongerThanAnIdentifier()
+{
+    for (const char *folder : {"Markdown/Notes/", "Markdown/Drafts/"}) {
+        const DataFolder data;
+        const Note note = numberedNote(1, u"a"_s);
+        LocalNoteRepository(data.fileURL()).save(snapshotOf({note}));
+        const std::string name = folder + std::string(252, 'x') + ".md";
+        data.write(name, NoteMarkdownCodec::encode(note).toUtf8());
+        const QByteArray before = listing(data);
+
+        const auto error = thrown<RepositoryError>(
+            [&] { static_cast<void>(LocalNoteRepository(data.fileURL()).load()); });
+
+        QVERIFY(error.has_value());
+        QCOMPARE(error->kind(), RepositoryError::Kind::invalidMarkdown);
+        QCOMPARE(listing(data), before);
+    }
 }
 
 void HostileFolderTest::doesNotFollowALinkedFolder_data()
