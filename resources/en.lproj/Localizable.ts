@@ -307,6 +307,22 @@ with a quick note.</translation>
         <translation>“%@” is too large for a note. Shorten it or move it away, then try again.</translation>
     </message>
     <message>
+        <source>“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again.</source>
+        <translation>“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</source>
+        <translation>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” is the second draft of one note. Move one of the two away, then reopen the app.</source>
+        <translation>“%@” is the second draft of one note. Move one of the two away, then reopen the app.</translation>
+    </message>
+    <message>
+        <source>“%@” has too long a path. Move your data to a folder with a shorter one, then reopen the app.</source>
+        <translation>“%@” has too long a path. Move your data to a folder with a shorter one, then reopen the app.</translation>
+    </message>
+    <message>
         <source>“%@” was not written: its text holds a broken character. Remove it, then try again.</source>
         <translation>“%@” was not written: its text holds a broken character. Remove it, then try again.</translation>
     </message>

@@ -307,6 +307,22 @@ with a quick note.</source>
         <translation>“%@”过大，不能用作笔记。请缩短或移走它，然后重试。</translation>
     </message>
     <message>
+        <source>“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again.</source>
+        <translation>“%@”最多可容纳 100,000 条笔记。请删除或移走一些，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</source>
+        <translation>“%@”最多可容纳 256 MiB 文本。请删除或移走一些笔记，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” is the second draft of one note. Move one of the two away, then reopen the app.</source>
+        <translation>“%@”是同一条笔记的第二份草稿。请移走其中一份，然后重新打开应用。</translation>
+    </message>
+    <message>
+        <source>“%@” has too long a path. Move your data to a folder with a shorter one, then reopen the app.</source>
+        <translation>“%@”的路径过长。请将数据移到路径较短的文件夹，然后重新打开应用。</translation>
+    </message>
+    <message>
         <source>“%@” was not written: its text holds a broken character. Remove it, then try again.</source>
         <translation>“%@”未写入：文字中有损坏的字符。请删除该字符，然后重试。</translation>
     </message>

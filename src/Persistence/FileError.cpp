@@ -26,6 +26,12 @@ QString sentence(FileError::Reason reason)
         return u"“%@” belongs to another disk. Unmount it, then try again."_s;
     case FileError::Reason::tooLarge:
         return u"“%@” is too large for a note. Shorten it or move it away, then try again."_s;
+    case FileError::Reason::tooManyNotes:
+        return u"“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again."_s;
+    case FileError::Reason::tooMuchText:
+        return u"“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again."_s;
+    case FileError::Reason::secondDraft:
+        return u"“%@” is the second draft of one note. Move one of the two away, then reopen the app."_s;
     case FileError::Reason::notUnicode:
         return u"“%@” was not written: its text holds a broken character. Remove it, then try again."_s;
     }
@@ -48,6 +54,8 @@ QString sentence(int systemError)
     case EMFILE:
     case ENFILE:
         return u"“%@” was not opened: too many files are open. Close some programs, then try again."_s;
+    case ENAMETOOLONG:
+        return u"“%@” has too long a path. Move your data to a folder with a shorter one, then reopen the app."_s;
     case ENOENT:
         return u"“%@” is missing. Put it back, then reopen the app."_s;
     case EIO:

@@ -16,6 +16,9 @@ public:
         notFolder,      ///< A link or a file stands where a folder must be.
         mountPoint,     ///< Another file system is mounted inside the notes.
         tooLarge,       ///< More bytes than a file may have.
+        tooManyNotes,   ///< More notes than the folder may have.
+        tooMuchText,    ///< More bytes than all files of the folder may have together.
+        secondDraft,    ///< Another file is the same draft, under a name of another case.
         notUnicode,     ///< The text to be written holds half a surrogate pair.
     };
 

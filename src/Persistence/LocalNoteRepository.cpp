@@ -105,6 +105,7 @@ void LocalNoteRepository::refuseExternalChange(SavePlan &plan) const
         m_state ? std::optional(m_state->fingerprint) : std::nullopt;
     if (fingerprint(plan) != known)
         throw RepositoryError::externalChange();
+    plan.seeNoMore();
 }
 
 std::optional<Sha256::Digest> LocalNoteRepository::fingerprint(SavePlan &plan) const

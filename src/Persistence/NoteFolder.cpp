@@ -3,6 +3,12 @@
 
 namespace {
 
+/// There may be a draft for every note, and that of the capture screen.
+constexpr std::size_t mostFiles(Section section)
+{
+    return section == Section::notes ? NoteFolder::mostNotes : NoteFolder::mostNotes + 1;
+}
+
 /// By ascending name.
 DirectoryListing markdownFiles(const Directory &section)
 {
@@ -45,15 +51,21 @@ void NoteFolder::visit(const Visitor &visitor,
                        const std::function<void(std::size_t fileCount)> &expect) const
 {
     std::string bytes;
+    std::size_t total = 0;
     m_directory.readFile(markerName, largestFile, bytes);
     visitor(Section::marker, markerName, bytes);
     for (const Section section : {Section::notes, Section::drafts}) {
         const Directory folder = m_directory.openFolder(sectionName(section));
         const DirectoryListing files = markdownFiles(folder);
+        if (files.entries().size() > mostFiles(section))
+            throw FileError(folder.path(), FileError::Reason::tooManyNotes);
         if (expect)
             expect(files.entries().size());
         for (const DirectoryListing::Entry &file : files.entries()) {
             folder.readFile(files.name(file), largestFile, bytes);
+            total += bytes.size();
+            if (total > mostBytes)
+                throw FileError(m_directory.path(), FileError::Reason::tooMuchText);
             visitor(section, files.name(file), bytes);
         }
     }

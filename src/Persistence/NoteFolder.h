@@ -19,6 +19,12 @@ public:
     /// A larger file is refused, when it is read and when it would be written.
     static constexpr std::size_t largestFile = 64 * 1024 * 1024;
 
+    /// More notes are refused likewise: a save of so many takes seconds, and nobody should wait.
+    static constexpr std::size_t mostNotes = 100'000;
+
+    /// And so are more bytes in all files together, since all of them are held in memory.
+    static constexpr std::size_t mostBytes = 256 * 1024 * 1024;
+
     /// Nothing when the data folder or its Markdown folder does not exist.
     [[nodiscard]] static std::optional<NoteFolder> openIfExists(const std::filesystem::path &data);
 
@@ -30,8 +36,9 @@ public:
 
     /// Reads the marker, then each Markdown file of "Notes", then of "Drafts", by ascending name:
     /// each once, and each in whole before the next. Both views live as long as one visit. Throws a
-    /// FileError that names the first file that is not a regular one or cannot be read. When given,
-    /// expect is told the number of each section's files before they are read.
+    /// FileError that names the first file that is not a regular one or cannot be read, or the
+    /// folder that holds more than it may. When given, expect is told the number of each section's
+    /// files before they are read.
     void visit(const Visitor &visitor,
                const std::function<void(std::size_t fileCount)> &expect = nullptr) const;
 

@@ -67,6 +67,9 @@ SavePlan::SavePlan(const NoteSnapshot &snapshot, const FolderState *known,
     , m_fingerprint(m_path)
 {
     const std::vector<NoteFile> notes = noteFiles(snapshot.notes);
+    if (notes.size() > NoteFolder::mostNotes)
+        throw FileError(m_path / NoteFolder::sectionName(Section::notes),
+                        FileError::Reason::tooManyNotes);
     const std::vector<NoteFile> drafts = draftFiles(snapshot, notes);
     m_state.files.reserve(1 + notes.size() + drafts.size());
     m_state.files.push_back(
@@ -137,7 +140,15 @@ void SavePlan::see(Section section, std::string_view name, std::string_view byte
     if (isRewritten || std::ranges::binary_search(m_removals, place))
         remember(place, bytes);
     else
-        m_fingerprint.add(section, name, bytes);
+        add(section, name, bytes);
+}
+
+void SavePlan::seeNoMore()
+{
+    while (m_nextWrite < m_writes.size())
+        addWrite();
+    if (m_size > NoteFolder::mostBytes)
+        throw FileError(m_path, FileError::Reason::tooMuchText);
 }
 
 void SavePlan::addWritesBefore(const NoteFilePlace &place)
@@ -149,7 +160,13 @@ void SavePlan::addWritesBefore(const NoteFilePlace &place)
 void SavePlan::addWrite()
 {
     const Write &file = m_writes[m_nextWrite++];
-    m_fingerprint.add(file.place.section, file.place.name.c_str(), file.bytes);
+    add(file.place.section, file.place.name.c_str(), file.bytes);
+}
+
+void SavePlan::add(Section section, std::string_view name, std::string_view bytes)
+{
+    m_fingerprint.add(section, name, bytes);
+    m_size += section == Section::marker ? 0 : bytes.size();
 }
 
 void SavePlan::remember(const NoteFilePlace &place, std::string_view bytes)
@@ -180,8 +197,6 @@ void SavePlan::checkReplaced(const std::filesystem::path &displaced) const
 
 FolderState SavePlan::takeState()
 {
-    while (m_nextWrite < m_writes.size())
-        addWrite();
     m_state.fingerprint = m_fingerprint.finish();
     return std::move(m_state);
 }

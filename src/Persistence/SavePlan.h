@@ -16,7 +16,8 @@ class SavePlan {
 public:
     /// Compares with what is known of the folder; null when there is none. The path names it in
     /// the fingerprint and in errors. Throws RepositoryError::invalidMarkdown for a snapshot that
-    /// could not be read back, and a FileError for a text that no file can hold.
+    /// could not be read back, and a FileError for a text that no file can hold and for more notes
+    /// than the folder may have.
     SavePlan(const NoteSnapshot &snapshot, const FolderState *known, std::filesystem::path path);
 
     /// True when the folder holds the snapshot already.
@@ -26,8 +27,12 @@ public:
     void apply(const std::filesystem::path &stage) const;
 
     /// Takes in one file of the live folder. All have to be taken in, in the order of
-    /// NoteFolder::visit(), before the two calls below.
+    /// NoteFolder::visit().
     void see(Section section, std::string_view name, std::string_view bytes);
+
+    /// To be called after the last of them and before the two calls below. Throws a FileError when
+    /// the folder would hold more than it may.
+    void seeNoMore();
 
     /// Throws RepositoryError::externalChange when a file that was replaced or removed is no longer
     /// what was seen, so that another program's text would be lost with it.
@@ -52,6 +57,7 @@ private:
     void remove(const Directory &folder, Section section) const;
     void addWritesBefore(const NoteFilePlace &place);
     void addWrite();
+    void add(Section section, std::string_view name, std::string_view bytes);
     void remember(const NoteFilePlace &place, std::string_view bytes);
 
     const std::filesystem::path m_path;
@@ -64,5 +70,7 @@ private:
     /// The fingerprint that the folder will have, and the first write that is not in it yet.
     FolderFingerprint m_fingerprint;
     std::size_t m_nextWrite = 0;
+    /// Of all files that are in it.
+    std::size_t m_size = 0;
     std::vector<Replaced> m_replaced;
 };

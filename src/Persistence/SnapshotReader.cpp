@@ -6,6 +6,7 @@
 #include "RepositoryError.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -109,12 +110,21 @@ void SnapshotReader::collectNotes()
 
 void SnapshotReader::readDraft(std::string_view name, const QString &text)
 {
+    // A load keeps one text of a draft only, and the next save would remove the other's file.
+    const auto refuseSecond = [&](bool isSecond) {
+        if (isSecond)
+            throw FileError(m_path / NoteFolder::sectionName(Section::drafts) / name,
+                            FileError::Reason::secondDraft);
+    };
     if (stem(name) == stem(NoteFolder::captureName)) {
+        refuseSecond(std::exchange(m_hasCaptureDraft, true));
         m_snapshot.captureDraft = text;
         return;
     }
     const std::optional<QUuid> id = parseId(stem(name));
     if (!id || !std::ranges::binary_search(m_ids, *id))
         throw RepositoryError::invalidMarkdown();
-    m_snapshot.editingDrafts.insert(canonicalText(*id), text);
+    const QString key = canonicalText(*id);
+    refuseSecond(m_snapshot.editingDrafts.contains(key));
+    m_snapshot.editingDrafts.insert(key, text);
 }

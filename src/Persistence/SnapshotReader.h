@@ -37,4 +37,5 @@ private:
     std::vector<QUuid> m_ids;
     FolderFingerprint m_fingerprint;
     Utf8Decoder m_decoder;
+    bool m_hasCaptureDraft = false;
 };

@@ -99,6 +99,8 @@ private Q_SLOTS:
     void namesItAlsoWhenItAppearsBeforeASave_data() { namesWhatIsNoFile_data(); }
     void namesItAlsoWhenItAppearsBeforeASave();
     void refusesNamesLongerThanAnIdentifier();
+    void refusesNamesThatDifferInCaseOnly_data();
+    void refusesNamesThatDifferInCaseOnly();
     void doesNotFollowALinkedFolder_data();
     void doesNotFollowALinkedFolder();
     void acceptsALinkToTheDataFolder();
@@ -195,6 +197,51 @@ void HostileFolderTest::refusesNamesLongerThanAnIdentifier()
         QCOMPARE(error->kind(), RepositoryError::Kind::invalidMarkdown);
         QCOMPARE(listing(data), before);
     }
+}
+
+void HostileFolderTest::refusesNamesThatDifferInCaseOnly_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("isDraft");
+
+    const std::string id = canonicalText(numberedId(1)).toStdString();
+    const std::string lower = canonicalText(numberedId(1)).toLower().toStdString();
+    const auto row = [](const std::string &name, bool isDraft) {
+        QTest::addRow("%s", name.c_str()) << QByteArray::fromStdString(name) << isDraft;
+    };
+    row("Markdown/Notes/" + id + ".MD", false);
+    row("Markdown/Notes/" + id + ".mD", false);
+    row("Markdown/Notes/" + lower + ".md", false);
+    row("Markdown/Drafts/" + id + ".Md", true);
+    row("Markdown/Drafts/" + lower + ".md", true);
+    row("Markdown/Drafts/capture.MD", true);
+}
+
+void HostileFolderTest::refusesNamesThatDifferInCaseOnly()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(bool, isDraft);
+    const DataFolder data;
+    const Note note = numberedNote(1, u"a"_s);
+    LocalNoteRepository(data.fileURL())
+        .save(snapshotOf({note}, u"typed"_s, {{canonicalText(note.id), u"edited"_s}}));
+    data.write(name.toStdString(), isDraft ? "another text" : noteBytes(note));
+    const QByteArray before = listing(data);
+
+    // One of the two texts would be lost with the next save.
+    std::optional<FileError> error;
+    const auto refused = refusal([&] {
+        error = thrown<FileError>(
+            [&] { static_cast<void>(LocalNoteRepository(data.fileURL()).load()); });
+    });
+
+    if (isDraft) {
+        QVERIFY(error.has_value());
+        QCOMPARE(error->reason(), Reason::secondDraft);
+    } else {
+        QCOMPARE(refused, RepositoryError::invalidMarkdown());
+    }
+    QCOMPARE(listing(data), before);
 }
 
 void HostileFolderTest::doesNotFollowALinkedFolder_data()

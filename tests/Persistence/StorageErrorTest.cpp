@@ -70,7 +70,7 @@ void StorageErrorTest::namesTheFileInEveryMessage()
 {
     const std::filesystem::path path("/notes/one.md");
     for (const int code :
-         {ENOSPC, EDQUOT, EACCES, EPERM, EROFS, EMFILE, ENFILE, ENOENT, EIO, ELOOP})
+         {ENOSPC, EDQUOT, EACCES, EPERM, EROFS, EMFILE, ENFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
         QVERIFY2(FileError(path, code).description().contains(u"/notes/one.md"_s), strerror(code));
     QVERIFY(FileError(path, ELOOP).description().contains(QString::fromLocal8Bit(strerror(ELOOP))));
 }
@@ -80,16 +80,17 @@ void StorageErrorTest::saysADifferentThingForEachReason()
     using Reason = FileError::Reason;
     QSet<QString> keys;
     for (const Reason reason : {Reason::notUtf8, Reason::notRegularFile, Reason::notFolder,
-                                Reason::mountPoint, Reason::tooLarge, Reason::notUnicode}) {
+                                Reason::mountPoint, Reason::tooLarge, Reason::tooManyNotes,
+                                Reason::tooMuchText, Reason::secondDraft, Reason::notUnicode}) {
         const Message message = FileError("/notes/one.md", reason).message();
         QVERIFY(message.key.contains(u"%@"_s));
         QVERIFY(message.english().contains(u"/notes/one.md"_s));
         keys.insert(message.key);
     }
-    for (const int code : {ENOSPC, EDQUOT, EACCES, EROFS, EMFILE, ENOENT, EIO, ELOOP})
+    for (const int code : {ENOSPC, EDQUOT, EACCES, EROFS, EMFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
         keys.insert(FileError("/notes/one.md", code).message().key);
 
-    QCOMPARE(keys.size(), 14);
+    QCOMPARE(keys.size(), 18);
 }
 
 void StorageErrorTest::showsANameThatIsNotUtf8()
