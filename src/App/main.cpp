@@ -2,9 +2,11 @@
 #include "PenwickApp.h"
 
 #include <QFileInfo>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <sys/resource.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -32,6 +34,18 @@ void doWithoutMissingBus()
         qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
 }
 
+/// A crash must not leave a copy of the notes behind, neither in a core file nor with a crash
+/// reporter. One byte is too little for a file, and to the kernel it means that no reporter is
+/// started either, which 0 does not (core(5)). A debugger may raise the limit again.
+void leaveNoCoreFile()
+{
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_CORE, &limit) == 0) {
+        limit.rlim_cur = std::min<rlim_t>(1, limit.rlim_max);
+        ::setrlimit(RLIMIT_CORE, &limit);
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -53,6 +67,7 @@ int main(int argc, char **argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
     doWithoutMissingBus();
+    leaveNoCoreFile();
 
     PenwickApp app(argc, argv);
     return app.run();

@@ -57,9 +57,10 @@ class DesktopTest(unittest.TestCase):
     def keyboard(self):
         return self.desktop.keyboard
 
-    def start(self, *arguments, **variables):
-        """Starts the program and ends it with the test."""
-        program = self.desktop.start_quillmark(self.program, self.home, *arguments, **variables)
+    def start(self, *arguments, program=None, **variables):
+        """Starts the program, or another one that turns into it, and ends it with the test."""
+        program = self.desktop.start_quillmark(program or self.program, self.home, *arguments,
+                                               **variables)
         self._started.append(program)
         self.addCleanup(program.stop)
         return program

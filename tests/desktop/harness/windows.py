@@ -33,6 +33,16 @@ class Window:
             return None
         return None if found is None else found.value
 
+    def properties(self):
+        """The name of every property with its value as text."""
+        try:
+            names = [self._display.get_atom_name(atom) for atom in self._window.list_properties()]
+        except _GONE:
+            return {}
+        values = {name: self.property(name) for name in names}
+        return {name: value.decode(errors="replace") if isinstance(value, bytes) else str(value)
+                for name, value in values.items()}
+
     def title(self):
         value = self.property("_NET_WM_NAME") or self.property("WM_NAME") or b""
         return value.decode() if isinstance(value, bytes) else str(value)
@@ -132,6 +142,10 @@ class Windows:
             yield child.id
             if depth > 1:
                 yield from self._tree(child, depth - 1)
+
+    def all(self):
+        """The root and every window of every program."""
+        return [self._root_window, *(self.find(number) for number in self._tree(self._root, 99))]
 
     def of_process(self, process):
         """Every window that names this process, inside window managers' frames too."""

@@ -1,0 +1,171 @@
+# SPDX-License-Identifier: MIT
+"""A save that fails says why, loses nothing, and is tried again."""
+
+import os
+import re
+import resource
+import shutil
+import signal
+
+from harness import DesktopTest, main, until
+from harness.translations import table
+
+NOT_SAVED = "Could not save. Your text is still in this window."
+RECOVERY = ("A recovery copy needs attention. "
+            "Original files were preserved in the data folder.")
+
+# A system call of a save, how it fails, and the sentence that follows.
+FAILURES = [
+    ("linkat", "ENOSPC",
+     "“%@” was not written: the disk is full. Free some space, then try again."),
+    ("mkdirat", "EDQUOT",
+     "“%@” was not written: your disk quota is used up. Delete other files, then try again."),
+    ("mkdirat", "EACCES",
+     "“%@” may not be used. Check its permissions and its owner, then try again."),
+    ("mkdirat", "EROFS",
+     "“%@” is on a read-only disk. Make the disk writable, then try again."),
+    ("fsync", "EIO",
+     "“%@” could not be used: the disk reports an error. Check the disk, then try again."),
+]
+
+
+class FailingDisk(DesktopTest):
+    def setUp(self):
+        super().setUp()
+        self.data.create()
+        self.data.add_note("milk", number=1)
+        # While it is there, nothing can be saved.
+        self.obstacle = self.data.path / ".quillmark-recovery-of-a-test"
+
+    def fail_to_save(self):
+        """An open editor with text that is on the screen only."""
+        quillmark = self.start()
+        quillmark.open_editor()
+        self.keyboard.type("one")
+        until(lambda: self.data.draft() == "one", "the first draft is on the disk")
+        until(lambda: len(os.listdir(self.data.path)) == 1, "the save has cleaned up")
+        self.obstacle.mkdir()
+        self.keyboard.type(" two")
+        self.expect_failure(quillmark)
+        return quillmark
+
+    def expect_failure(self, quillmark):
+        quillmark.element(name=NOT_SAVED + "\n" + RECOVERY)
+        quillmark.element(name="Not saved · Retry")
+        self.assertEqual(quillmark.element("text", "Note text").text(), "one two")
+        self.assertEqual(self.data.draft(), "one")
+
+    def expect_saved(self, text):
+        until(lambda: self.data.draft() == text, "the draft is on the disk")
+
+    def test_it_is_tried_again_at_the_next_key(self):
+        quillmark = self.fail_to_save()
+        self.obstacle.rmdir()
+
+        self.keyboard.type("!")
+
+        self.expect_saved("one two!")
+        quillmark.element(name="Saved on this Mac")
+        self.assertFalse(quillmark.has_element(name="Retry"))
+
+    def test_it_is_tried_again_by_retry(self):
+        quillmark = self.fail_to_save()
+        quillmark.element(name="Retry").press()
+        self.expect_failure(quillmark)
+        self.obstacle.rmdir()
+
+        quillmark.element(name="Retry").press()
+
+        self.expect_saved("one two")
+        until(lambda: not quillmark.has_element(name="Retry"), "the banner is gone")
+
+    def test_it_is_tried_again_when_the_editor_folds(self):
+        quillmark = self.fail_to_save()
+        self.keyboard.press("Escape")
+        self.expect_failure(quillmark)
+        self.assertIsNotNone(quillmark.shows_editor())
+        self.obstacle.rmdir()
+
+        self.keyboard.press("Escape")
+
+        quillmark.launcher()
+        self.assertEqual(self.data.draft(), "one two")
+
+    def test_it_is_tried_again_at_the_end_of_the_session(self):
+        quillmark = self.fail_to_save()
+        self.obstacle.rmdir()
+
+        quillmark.send(signal.SIGTERM)
+
+        self.assertEqual(quillmark.wait_until_ended(), 0)
+        self.assertEqual(self.data.draft(), "one two")
+
+    def test_a_capture_that_fails_stays_and_is_written_once(self):
+        quillmark = self.fail_to_save()
+        self.keyboard.press("ctrl+Return")
+        self.expect_failure(quillmark)
+        self.obstacle.rmdir()
+
+        self.keyboard.press("ctrl+Return")
+
+        quillmark.launcher()
+        self.assertEqual(sorted(note.body for note in self.data.read_notes()), ["milk", "one two"])
+        self.assertEqual(self.data.draft(), "")
+
+    def test_too_many_open_files_are_named_and_survived(self):
+        quillmark = self.start()
+        quillmark.open_editor()
+        self.keyboard.type("one")
+        self.expect_saved("one")
+        until(lambda: len(os.listdir(self.data.path)) == 1, "the save has cleaned up")
+        before = resource.prlimit(quillmark.process, resource.RLIMIT_NOFILE)
+        open_now = max(int(name) for name in os.listdir(f"/proc/{quillmark.process}/fd"))
+        resource.prlimit(quillmark.process, resource.RLIMIT_NOFILE, (open_now + 2, before[1]))
+        state = self.data.state()
+
+        self.keyboard.type(" two")
+
+        self.expect_sentence(quillmark, "en", "“%@” was not opened: too many files are open. "
+                             "Close some programs, then try again.")
+        self.assertEqual(self.data.state(), state)
+        resource.prlimit(quillmark.process, resource.RLIMIT_NOFILE, before)
+        quillmark.element(name="Retry").press()
+        self.expect_saved("one two")
+
+    def expect_sentence(self, quillmark, language, sentence):
+        """The sentence is on the screen and names a file of the notes."""
+        before, after = map(re.escape, table(language)[sentence].split("%@"))
+        wanted = re.compile(before + re.escape(str(self.data.path)) + "[^“”]*" + after)
+
+        def shown():
+            return any(wanted.fullmatch(line) for text in quillmark.texts()
+                       for line in text.splitlines())
+        until(shown, f"“{sentence}” is shown in {language}")
+
+    def test_every_failure_of_the_disk_is_a_sentence_in_both_languages(self):
+        if shutil.which("strace") is None:
+            self.skipTest("strace is not installed")
+        for call, name, sentence in FAILURES:
+            for language in ("en", "zh-Hans"):
+                with self.subTest(failure=name, language=language):
+                    self.expect_named(call, name, sentence, language)
+
+    def expect_named(self, call, name, sentence, language):
+        self.write_settings({"ui.language": language})
+        # With -D the program, and not the tracer, is the process that is started.
+        injection = f"inject={call}:error={name}"
+        before = self.data.state()
+        quillmark = self.start("-D", "-f", "-qq", "-o", "/dev/null", "-e", f"trace={call}",
+                               "-e", injection, "-e", "signal=none", self.program,
+                               program="strace")
+        quillmark.open_editor()
+
+        self.keyboard.type("text")
+
+        self.expect_sentence(quillmark, language, sentence)
+        self.assertEqual(self.data.state(), before)
+        quillmark.kill()
+
+
+if __name__ == "__main__":
+    main()
