@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr uint8_t eventTypeMask = 0x7f;
-
 bool hasOwner(const X11Session &session, xcb_atom_t selection)
 {
     const auto request = xcb_get_selection_owner(session.connection(), selection);
@@ -53,7 +51,7 @@ bool CompositorWatch::nativeEventFilter(const QByteArray & /*eventType*/, void *
                                         qintptr * /*result*/)
 {
     const auto *const event = static_cast<xcb_generic_event_t *>(message);
-    if ((event->response_type & eventTypeMask) != m_selectionEvent)
+    if (X11Session::eventType(*event) != m_selectionEvent)
         return false;
     const auto *const selection =
         reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event);

@@ -8,11 +8,9 @@
 
 namespace {
 
-constexpr uint8_t eventTypeMask = 0x7f;
-
 bool tellsOfOtherWindows(X11Session &session, const xcb_generic_event_t &event)
 {
-    if ((event.response_type & eventTypeMask) != XCB_PROPERTY_NOTIFY)
+    if (X11Session::eventType(event) != XCB_PROPERTY_NOTIFY)
         return false;
     const auto &change = reinterpret_cast<const xcb_property_notify_event_t &>(event);
     return change.window == session.root() &&

@@ -64,6 +64,12 @@ xcb_window_t X11Session::window(const QWidget &widget)
     return static_cast<xcb_window_t>(widget.effectiveWinId());
 }
 
+uint8_t X11Session::eventType(const xcb_generic_event_t &event) noexcept
+{
+    constexpr uint8_t sentByAnother = 0x80;
+    return event.response_type & static_cast<uint8_t>(~sentByAnother);
+}
+
 bool X11Session::eventFilter(QObject *receiver, QEvent *event)
 {
     switch (event->type()) {

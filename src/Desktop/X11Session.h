@@ -32,6 +32,9 @@ public:
     /// The X window of a top-level widget.
     [[nodiscard]] static xcb_window_t window(const QWidget &widget);
 
+    /// What kind an event is, also one that another program sent.
+    [[nodiscard]] static uint8_t eventType(const xcb_generic_event_t &event) noexcept;
+
     bool eventFilter(QObject *receiver, QEvent *event) override;
 
 private:

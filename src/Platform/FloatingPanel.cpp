@@ -2,6 +2,7 @@
 #include "FloatingPanel.h"
 
 #include "AccessibleRole.h"
+#include "FocusWatch.h"
 #include "KeepOnTop.h"
 #include "PanelHints.h"
 
@@ -35,6 +36,8 @@ FloatingPanel::FloatingPanel(Kind kind, Size contentSize)
     if (kind == Kind::launcher) {
         setAttribute(Qt::WA_ShowWithoutActivating);
         new KeepOnTop(*this);
+    } else {
+        new FocusWatch(*this);
     }
 }
 

@@ -77,6 +77,21 @@ class RoadOfAThought(DesktopTest):
         self.assertEqual({path.name for path in self.data.path.iterdir()}, {"Markdown"})
         self.expect_keyboard_back()
 
+    def test_an_editor_that_is_opened_again_at_once_is_ready(self):
+        quillmark = self.start()
+        quillmark.open_editor()
+        for body in ("first", "second", "third"):
+            editor = quillmark.element("text", "Note text")
+            until(lambda: editor.has("focused"), "the text has the keyboard, and says so")
+            self.keyboard.type(body)
+            self.keyboard.press("ctrl+Return")
+            quillmark.open_editor()
+
+        quillmark.element(name="Notes").press()
+        search = quillmark.element("text", "Find a thought…")
+        until(lambda: search.has("focused"), "the search has the keyboard")
+        self.assertEqual(len(self.data.note_files()), 3)
+
     def test_super_return_writes_the_note_as_well(self):
         quillmark = self.start()
         quillmark.open_editor()
