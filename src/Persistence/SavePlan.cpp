@@ -54,6 +54,15 @@ std::vector<NoteFile> draftFiles(const NoteSnapshot &snapshot, const std::vector
     return files;
 }
 
+/// The folder may come from a time or a program that let others look in. What its owner may not do
+/// stays as it is.
+void closeToOthers(const Directory &folder)
+{
+    const mode_t mode = folder.ownStatus().st_mode & ALLPERMS;
+    if ((mode & ~mode_t{S_IRWXU}) != 0)
+        folder.setMode(mode & S_IRWXU);
+}
+
 bool isUnchanged(const NoteFile &known, const NoteFile &wanted)
 {
     return known.isExact && known.note == wanted.note;
@@ -102,9 +111,11 @@ void SavePlan::apply(const std::filesystem::path &stage) const
     // Shown to the user as what it is about to be.
     Directory folder = Directory::open(stage);
     folder.showAs(m_path);
+    closeToOthers(folder);
     write(folder, Section::marker);
     for (const Section section : {Section::notes, Section::drafts}) {
         const Directory files = folder.openOrMakeFolder(NoteFolder::sectionName(section));
+        closeToOthers(files);
         remove(files, section);
         write(files, section);
     }

@@ -67,6 +67,7 @@ private Q_SLOTS:
     void makesTheFolderWithTheFirstSave();
     void writesEachFileInItsForm();
     void makesFilesForTheUserAlone();
+    void closesToOthersWhatItWritesAndNothingElse();
 
     void readsNotesInTheOrderOfTheirNames();
     void readsAnExtensionOfEitherCase();
@@ -179,6 +180,35 @@ void LocalNoteRepositoryTest::makesFilesForTheUserAlone()
     QCOMPARE(data.status(noteFile(note.id)).st_mode & 07777, 0600U);
     QCOMPARE(data.status("Markdown/.format").st_mode & 07777, 0600U);
     QCOMPARE(data.status("Markdown/Notes").st_mode & 07777, 0700U);
+}
+
+void LocalNoteRepositoryTest::closesToOthersWhatItWritesAndNothingElse()
+{
+    const DataFolder data;
+    const Note changed = numberedNote(1, u"a"_s);
+    const Note same = numberedNote(2, u"b"_s);
+    writeFolder(data, {changed, same});
+    data.write("Markdown/Notes/photo.jpg", "of another program");
+    data.write("Markdown/shared/list.txt", "of another program");
+    for (const auto &entry : fs::recursive_directory_iterator(data.path()))
+        fs::permissions(entry.path(), fs::perms(entry.is_directory() ? 0755 : 0644));
+    fs::permissions(data.path(), fs::perms(0755));
+    LocalNoteRepository repository(data.fileURL());
+    NoteSnapshot snapshot = repository.load();
+
+    snapshot.notes[0].body = u"changed"_s;
+    repository.save(snapshot);
+
+    const auto mode = [&](std::string_view path) { return data.status(path).st_mode & 07777; };
+    QCOMPARE(mode("Markdown"), 0700U);
+    QCOMPARE(mode("Markdown/Notes"), 0700U);
+    QCOMPARE(mode("Markdown/Drafts"), 0700U);
+    QCOMPARE(mode(noteFile(changed.id)), 0600U);
+    QCOMPARE(mode(""), 0755U);
+    QCOMPARE(mode("Markdown/shared"), 0755U);
+    QCOMPARE(mode("Markdown/shared/list.txt"), 0644U);
+    QCOMPARE(mode("Markdown/Notes/photo.jpg"), 0644U);
+    QCOMPARE(mode(noteFile(same.id)), 0644U);
 }
 
 void LocalNoteRepositoryTest::readsNotesInTheOrderOfTheirNames()
