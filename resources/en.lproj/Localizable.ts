@@ -315,6 +315,10 @@ with a quick note.</translation>
         <translation>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</translation>
     </message>
     <message>
+        <source>“%@” lies in too many folders. Move it further up or away, then try again.</source>
+        <translation>“%@” lies in too many folders. Move it further up or away, then try again.</translation>
+    </message>
+    <message>
         <source>“%@” is the second draft of one note. Move one of the two away, then reopen the app.</source>
         <translation>“%@” is the second draft of one note. Move one of the two away, then reopen the app.</translation>
     </message>

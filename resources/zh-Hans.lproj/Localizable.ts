@@ -315,6 +315,10 @@ with a quick note.</source>
         <translation>“%@”最多可容纳 256 MiB 文本。请删除或移走一些笔记，然后重试。</translation>
     </message>
     <message>
+        <source>“%@” lies in too many folders. Move it further up or away, then try again.</source>
+        <translation>“%@”所在的文件夹层级过深。请将它移到更上层或移走，然后重试。</translation>
+    </message>
+    <message>
         <source>“%@” is the second draft of one note. Move one of the two away, then reopen the app.</source>
         <translation>“%@”是同一条笔记的第二份草稿。请移走其中一份，然后重新打开应用。</translation>
     </message>

@@ -22,11 +22,14 @@ public:
         return *this;
     }
 
-    /// A close that reports an interruption has closed all the same, so it is never repeated.
-    ~Descriptor()
+    ~Descriptor() { static_cast<void>(close()); }
+
+    /// False, with errno set, when something written was lost on its way. A close that reports an
+    /// interruption has closed all the same, so it is never repeated.
+    [[nodiscard]] bool close() noexcept
     {
-        if (m_fd >= 0)
-            ::close(m_fd);
+        const int fd = std::exchange(m_fd, -1);
+        return fd < 0 || ::close(fd) == 0 || errno == EINTR;
     }
 
     [[nodiscard]] bool isOpen() const noexcept { return m_fd >= 0; }
@@ -36,12 +39,14 @@ private:
     int m_fd;
 };
 
-/// Repeats a system call for as long as a signal interrupts it.
+/// Repeats a system call that a signal interrupts. More interruptions than any signals explain are
+/// an error like others.
 template <typename Call>
 auto uninterrupted(Call call)
 {
+    constexpr int mostTries = 100;
     auto result = call();
-    while (result < 0 && errno == EINTR)
+    for (int i = 1; i < mostTries && result < 0 && errno == EINTR; ++i)
         result = call();
     return result;
 }

@@ -3,7 +3,10 @@
 
 #include <array>
 #include <climits>
+#include <cstring>
 #include <fcntl.h>
+#include <linux/limits.h>
+#include <sys/xattr.h>
 
 namespace {
 
@@ -20,6 +23,23 @@ DirectoryListing::Kind kindOfMode(mode_t mode)
     return S_ISLNK(mode) ? DirectoryListing::Kind::link : DirectoryListing::Kind::other;
 }
 
+/// Extended attributes, access control lists included. What one of the two file systems does not
+/// know or allow is left out.
+void copyAttributes(int from, int to)
+{
+    std::string names(XATTR_LIST_MAX, '\0');
+    const ssize_t size = ::flistxattr(from, names.data(), names.size());
+    std::string value;
+    for (const char *name = names.data(); name < names.data() + size;
+         name += std::strlen(name) + 1) {
+        value.resize(XATTR_SIZE_MAX);
+        const ssize_t length = ::fgetxattr(from, name, value.data(), value.size());
+        if (length >= 0)
+            static_cast<void>(
+                ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(length), 0));
+    }
+}
+
 bool writeAll(int fd, std::string_view bytes)
 {
     while (!bytes.empty()) {
@@ -27,9 +47,32 @@ bool writeAll(int fd, std::string_view bytes)
             uninterrupted([&] { return ::write(fd, bytes.data(), bytes.size()); });
         if (count < 0)
             return false;
+        if (count == 0) {
+            errno = EIO;
+            return false;
+        }
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return true;
+}
+
+/// A folder or file that is a copy of another one gets what the other has beside its content. An
+/// owner or group that the user may not give away is left, and with it the rights of the group,
+/// which would be rights of another one.
+bool copyMetadata(int from, const struct stat &status, int to)
+{
+    struct stat own;
+    if (::fstat(to, &own) != 0)
+        return false;
+    mode_t mode = status.st_mode & ALLPERMS;
+    if (own.st_uid != status.st_uid && ::fchown(to, status.st_uid, static_cast<gid_t>(-1)) != 0)
+        mode &= ~mode_t{S_ISUID};
+    if (own.st_gid != status.st_gid && ::fchown(to, static_cast<uid_t>(-1), status.st_gid) != 0)
+        mode &= ~mode_t{S_ISGID | S_IRWXG};
+    copyAttributes(from, to);
+    const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
+    return uninterrupted([&] { return ::fchmod(to, mode); }) == 0 &&
+           ::futimens(to, times.data()) == 0;
 }
 
 } // namespace
@@ -61,10 +104,25 @@ Directory Directory::openOrMake(const std::filesystem::path &path)
         return std::move(*directory);
     if (!path.has_filename())
         return openOrMake(path.parent_path());
-    const Directory parent = openOrMake(path.parent_path());
-    Directory directory = parent.openOrMakeFolder(path.filename().c_str());
-    parent.sync();
-    return directory;
+    return openOrMake(path.parent_path()).openOrMakeFolder(path.filename().c_str());
+}
+
+void Directory::syncPath(const std::filesystem::path &path)
+{
+    const dev_t device = open(path).identity().device;
+    for (std::filesystem::path above = path; above.has_relative_path();) {
+        above = above.parent_path();
+        // The user may have no right to list a folder, such as that of all home folders. Somebody
+        // else made it then.
+        Descriptor descriptor(uninterrupted(
+            [&] { return ::open(above.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+        if (!descriptor.isOpen())
+            continue;
+        const Directory folder(std::move(descriptor), above);
+        if (folder.identity().device != device)
+            return;
+        folder.sync();
+    }
 }
 
 DirectoryListing Directory::list() const
@@ -104,21 +162,21 @@ DirectoryListing::Kind Directory::kind(const dirent64 &entry) const noexcept
         return kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
     // Not every file system tells the kind; what cannot be told is treated with most suspicion.
     struct stat found;
-    return statusOf(entry.d_name, found) ? kindOfMode(found.st_mode)
-                                         : DirectoryListing::Kind::other;
+    return tryStatus(entry.d_name, found) ? kindOfMode(found.st_mode)
+                                          : DirectoryListing::Kind::other;
 }
 
 std::optional<struct stat> Directory::status(const char *name) const
 {
     struct stat found;
-    if (statusOf(name, found))
+    if (tryStatus(name, found))
         return found;
     if (errno == ENOENT)
         return std::nullopt;
     throw error(name);
 }
 
-bool Directory::statusOf(const char *name, struct stat &found) const noexcept
+bool Directory::tryStatus(const char *name, struct stat &found) const noexcept
 {
     return uninterrupted([&] {
                return ::fstatat(m_descriptor.get(), name, &found, AT_SYMLINK_NOFOLLOW);
@@ -131,6 +189,18 @@ struct stat Directory::ownStatus() const
     if (::fstat(m_descriptor.get(), &found) != 0)
         throw FileError(m_path, errno);
     return found;
+}
+
+FileIdentity Directory::identity() const
+{
+    const struct stat status = ownStatus();
+    return {status.st_dev, status.st_ino};
+}
+
+bool Directory::isAt(const char *name, const FileIdentity &identity) const noexcept
+{
+    struct stat found;
+    return tryStatus(name, found) && FileIdentity{found.st_dev, found.st_ino} == identity;
 }
 
 std::optional<Directory> Directory::tryOpenFolder(const char *name) const
@@ -195,11 +265,12 @@ void Directory::readFile(const char *name, std::size_t limit, std::string &bytes
         if (count < 0)
             throw error(name);
         size += static_cast<std::size_t>(count);
+        // It may grow while it is read.
+        if (size > limit)
+            throw error(name, FileError::Reason::tooLarge);
         const bool isShort = static_cast<std::size_t>(count) < wanted;
         if (count == 0 || (isShort && size >= expected))
             break;
-        if (size > limit)
-            throw error(name, FileError::Reason::tooLarge);
         if (!isShort)
             bytes.resize(2 * bytes.size());
     }
@@ -210,8 +281,8 @@ void Directory::replaceFile(const char *name, std::string_view bytes) const
 {
     if (!tryRemove(name, DirectoryListing::Kind::file) && errno != ENOENT)
         throw error(name);
-    const Descriptor file = makeFile(name);
-    if (!writeAll(file.get(), bytes))
+    Descriptor file = makeFile(name);
+    if (!writeAll(file.get(), bytes) || !file.close())
         throw error(name);
 }
 
@@ -226,7 +297,7 @@ void Directory::copyFile(const char *name, const Directory &into) const
 {
     struct stat status;
     const Descriptor source = openRegularFile(name, status);
-    const Descriptor copy = into.makeFile(name);
+    Descriptor copy = into.makeFile(name);
     std::array<char, bufferSize> buffer;
     for (;;) {
         const ssize_t count =
@@ -238,9 +309,7 @@ void Directory::copyFile(const char *name, const Directory &into) const
         if (!writeAll(copy.get(), {buffer.data(), static_cast<std::size_t>(count)}))
             throw into.error(name);
     }
-    const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
-    if (::fchmod(copy.get(), status.st_mode & ALLPERMS) != 0 ||
-        ::futimens(copy.get(), times.data()) != 0)
+    if (!copyMetadata(source.get(), status, copy.get()) || !copy.close())
         throw into.error(name);
 }
 
@@ -256,22 +325,10 @@ void Directory::copySymbolicLink(const char *name, const Directory &into) const
         throw into.error(name);
 }
 
-void Directory::remove(const char *name) const
-{
-    if (!tryRemove(name, DirectoryListing::Kind::file))
-        throw error(name);
-}
-
 bool Directory::tryRemove(const char *name, DirectoryListing::Kind kind) const noexcept
 {
     const int flags = kind == DirectoryListing::Kind::folder ? AT_REMOVEDIR : 0;
     return uninterrupted([&] { return ::unlinkat(m_descriptor.get(), name, flags); }) == 0;
-}
-
-void Directory::rename(const char *from, const char *to) const
-{
-    if (!tryRename(from, to))
-        throw error(to);
 }
 
 bool Directory::tryRename(const char *from, const char *to, unsigned flags) const noexcept
@@ -279,7 +336,7 @@ bool Directory::tryRename(const char *from, const char *to, unsigned flags) cons
     const int fd = m_descriptor.get();
     if (flags == 0)
         return uninterrupted([&] { return ::renameat(fd, from, fd, to); }) == 0;
-    return uninterrupted([&] { return ::renameat2(fd, from, fd, to, flags); }) == 0;
+    return ::renameat2(fd, from, fd, to, flags) == 0;
 }
 
 void Directory::sync() const
@@ -310,12 +367,34 @@ void Directory::syncFileSystem() const
 
 bool Directory::isMountPoint() const
 {
+    return isMountPoint("");
+}
+
+bool Directory::isMountPoint(const char *name) const
+{
+    return (attributes(name) & STATX_ATTR_MOUNT_ROOT) != 0;
+}
+
+bool Directory::isImmutable(const char *name) const
+{
+    return (attributes(name) & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0;
+}
+
+std::uint64_t Directory::attributes(const char *name) const
+{
     struct statx found {};
     if (uninterrupted([&] {
-            return ::statx(m_descriptor.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &found);
+            return ::statx(m_descriptor.get(), name, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW,
+                           STATX_BASIC_STATS, &found);
         }) != 0)
+        throw *name != '\0' ? error(name) : FileError(m_path, errno);
+    return found.stx_attributes;
+}
+
+void Directory::resemble(const Directory &model) const
+{
+    if (!copyMetadata(model.m_descriptor.get(), model.ownStatus(), m_descriptor.get()))
         throw FileError(m_path, errno);
-    return (found.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
 }
 
 void Directory::setMode(mode_t mode) const

@@ -12,6 +12,14 @@
 #include <string_view>
 #include <sys/stat.h>
 
+/// Tells a file or folder from every other, whatever it is called, as long as it is held open.
+struct FileIdentity {
+    dev_t device;
+    ino_t inode;
+
+    friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
+};
+
 /// An open folder. Everything in it is reached by name from the open folder itself, so what it is
 /// called, and what else takes its place on the disk meanwhile, does not matter.
 ///
@@ -23,9 +31,11 @@ public:
     [[nodiscard]] static Directory open(const std::filesystem::path &path);
     [[nodiscard]] static std::optional<Directory> openIfExists(const std::filesystem::path &path);
 
-    /// Opens a folder and makes it first where it is missing, with the folders above it. What was
-    /// made is on the disk.
+    /// Opens a folder and makes it first where it is missing, with the folders above it.
     [[nodiscard]] static Directory openOrMake(const std::filesystem::path &path);
+
+    /// Puts the names of the folder and of those above it on the disk, as far as they may be read.
+    static void syncPath(const std::filesystem::path &path);
 
     /// Where the folder was found. Only errors show it.
     [[nodiscard]] const std::filesystem::path &path() const noexcept { return m_path; }
@@ -38,7 +48,12 @@ public:
 
     /// Nothing when there is no such entry.
     [[nodiscard]] std::optional<struct stat> status(const char *name) const;
+    [[nodiscard]] bool tryStatus(const char *name, struct stat &found) const noexcept;
     [[nodiscard]] struct stat ownStatus() const;
+    [[nodiscard]] FileIdentity identity() const;
+
+    /// Whether the entry is this very folder or file. False also when that cannot be told.
+    [[nodiscard]] bool isAt(const char *name, const FileIdentity &identity) const noexcept;
 
     [[nodiscard]] Directory openFolder(const char *name) const;
     [[nodiscard]] Directory makeFolder(const char *name) const;
@@ -58,16 +73,15 @@ public:
     /// False, with errno set, when the file system refuses the link.
     [[nodiscard]] bool tryLink(const char *name, const Directory &into) const noexcept;
 
-    /// Copies a regular file's content, permissions and modification time.
+    /// Copies a regular file: content, owner, permissions, attributes and times, as far as the user
+    /// may set them.
     void copyFile(const char *name, const Directory &into) const;
     void copySymbolicLink(const char *name, const Directory &into) const;
 
-    void remove(const char *name) const;
     [[nodiscard]] bool tryRemove(const char *name, DirectoryListing::Kind kind) const noexcept;
 
-    void rename(const char *from, const char *to) const;
-
-    /// Renames within the folder, with the flags of renameat2. False, with errno set, on failure.
+    /// Renames within the folder, with the flags of renameat2. False, with errno set, on failure;
+    /// with flags an interruption is such a failure too.
     [[nodiscard]] bool tryRename(const char *from, const char *to,
                                  unsigned flags = 0) const noexcept;
 
@@ -81,8 +95,16 @@ public:
 
     /// True when another file system, or another part of this one, is mounted here.
     [[nodiscard]] bool isMountPoint() const;
+    [[nodiscard]] bool isMountPoint(const char *name) const;
+
+    /// True for a file that may not be changed, or only be added to, not even by its owner.
+    [[nodiscard]] bool isImmutable(const char *name) const;
 
     void setMode(mode_t mode) const;
+
+    /// Takes over another folder's owner, permissions, attributes and times, as far as the user may
+    /// set them.
+    void resemble(const Directory &model) const;
     [[nodiscard]] bool trySetMode(mode_t mode) const noexcept;
 
     /// What errno says about an entry, ready to be thrown.
@@ -100,7 +122,8 @@ private:
     }
 
     [[nodiscard]] DirectoryListing::Kind kind(const dirent64 &entry) const noexcept;
-    [[nodiscard]] bool statusOf(const char *name, struct stat &found) const noexcept;
+    /// The STATX_ATTR_ bits of an entry, or of the folder itself for an empty name.
+    [[nodiscard]] std::uint64_t attributes(const char *name) const;
     [[nodiscard]] Descriptor openEntry(const char *name, int flags) const noexcept;
     [[nodiscard]] Descriptor openRegularFile(const char *name, struct stat &status) const;
     [[nodiscard]] Descriptor makeFile(const char *name) const;

@@ -30,6 +30,8 @@ QString sentence(FileError::Reason reason)
         return u"“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again."_s;
     case FileError::Reason::tooMuchText:
         return u"“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again."_s;
+    case FileError::Reason::tooDeep:
+        return u"“%@” lies in too many folders. Move it further up or away, then try again."_s;
     case FileError::Reason::secondDraft:
         return u"“%@” is the second draft of one note. Move one of the two away, then reopen the app."_s;
     case FileError::Reason::notUnicode:

@@ -18,6 +18,7 @@ public:
         tooLarge,       ///< More bytes than a file may have.
         tooManyNotes,   ///< More notes than the folder may have.
         tooMuchText,    ///< More bytes than all files of the folder may have together.
+        tooDeep,        ///< More folders in one another than are followed.
         secondDraft,    ///< Another file is the same draft, under a name of another case.
         notUnicode,     ///< The text to be written holds half a surrogate pair.
     };

@@ -14,12 +14,19 @@ bool meansNoFlags(int error)
     return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
 }
 
+std::optional<FileIdentity> identityOf(const Directory *folder)
+{
+    return folder ? std::optional(folder->identity()) : std::nullopt;
+}
+
 } // namespace
 
-FolderSwap::FolderSwap(const Directory &parent, Names names, bool hasLiveFolder)
+FolderSwap::FolderSwap(const Directory &parent, Names names, const Directory *live,
+                       const Directory &stage)
     : m_parent(parent)
     , m_names(std::move(names))
-    , m_hasLiveFolder(hasLiveFolder)
+    , m_oldFolder(identityOf(live))
+    , m_newFolder(stage.identity())
     , m_old(m_names.live)
     , m_new(m_names.stage)
 {
@@ -27,22 +34,33 @@ FolderSwap::FolderSwap(const Directory &parent, Names names, bool hasLiveFolder)
 
 FolderSwap::~FolderSwap()
 {
-    if (!m_isKept)
+    if (!m_isDone)
         undo();
 }
 
 void FolderSwap::swap()
 {
-    if (m_hasLiveFolder) {
+    if (m_oldFolder)
         exchange();
-    } else if (m_parent.tryRename(m_new.c_str(), m_names.live.c_str(), RENAME_NOREPLACE)) {
-        m_new = m_names.live;
-    } else if (errno == EEXIST) {
+    else
+        publish();
+    if (!isNew(m_names.live) || (m_oldFolder && !isOld(m_old)))
         throw RepositoryError::externalChange();
-    } else if (meansNoFlags(errno)) {
+}
+
+void FolderSwap::publish()
+{
+    const bool isMoved = m_parent.tryRename(m_new.c_str(), m_names.live.c_str(), RENAME_NOREPLACE);
+    const int reason = errno;
+    if (isMoved || isNew(m_names.live)) {
+        m_new = m_names.live;
+    } else if (reason == EEXIST) {
+        throw RepositoryError::externalChange();
+    } else if (meansNoFlags(reason) || reason == EINTR) {
         move(m_new, m_names.live);
     } else {
-        throw m_parent.error(m_names.live.c_str());
+        errno = reason;
+        fail();
     }
 }
 
@@ -51,12 +69,10 @@ void FolderSwap::exchange()
     // Renamed before the exchange and not after it: at no time is the old folder under a name that
     // nobody looks for while it might still be needed.
     move(m_new, m_names.recovery);
-    if (m_parent.tryRename(m_new.c_str(), m_old.c_str(), RENAME_EXCHANGE)) {
-        std::swap(m_new, m_old);
+    if (tryExchange())
         return;
-    }
     if (!meansNoFlags(errno))
-        throw m_parent.error(m_names.live.c_str());
+        fail();
     m_canExchange = false;
     move(m_new, m_names.stage);
     moveInTwoSteps();
@@ -65,31 +81,61 @@ void FolderSwap::exchange()
 void FolderSwap::moveInTwoSteps()
 {
     move(m_old, m_names.recovery);
-    m_parent.sync();
+    sync();
     move(m_new, m_names.live);
 }
 
 void FolderSwap::keep()
 {
-    if (m_hasLiveFolder) {
+    if (m_oldFolder) {
         if (!m_canExchange)
-            m_parent.sync();
+            sync();
         move(m_old, m_names.stage);
     }
-    m_parent.sync();
-    m_isKept = true;
+    sync();
+    m_isDone = true;
+}
+
+void FolderSwap::keepOldFolder()
+{
+    if (isOld(m_old) && tryMove(m_old, m_names.recovery))
+        static_cast<void>(m_parent.trySync());
+    throw RepositoryError::recoveryRequired();
+}
+
+void FolderSwap::removeOldFolder(const LinkedTree &content, const Directory &folder) noexcept
+{
+    // Whoever moved it meanwhile wants it.
+    if (!isOld(m_old))
+        return;
+    content.removeFrom(folder);
+    static_cast<void>(m_parent.tryRemove(m_old.c_str(), DirectoryListing::Kind::folder));
+    static_cast<void>(m_parent.trySync());
+}
+
+void FolderSwap::fail()
+{
+    const FileError error = m_parent.error(m_names.live.c_str());
+    undo();
+    if (m_oldFolder && isOld(m_names.recovery))
+        throw RepositoryError::recoveryRequired();
+    throw error;
 }
 
 void FolderSwap::undo() noexcept
 {
+    m_isDone = true;
     const bool hasMoved = m_new != m_names.stage || m_old != m_names.live;
-    if (m_new == m_names.live && m_hasLiveFolder && m_canExchange) {
-        if (m_parent.tryRename(m_old.c_str(), m_new.c_str(), RENAME_EXCHANGE))
-            std::swap(m_new, m_old);
-    } else if (m_new == m_names.live) {
-        static_cast<void>(tryMove(m_new, m_names.stage));
+    // Should anything below fail, it must not be under a name that nobody looks for.
+    if (m_old == m_names.stage)
+        static_cast<void>(tryMove(m_old, m_names.recovery));
+    if (m_new == m_names.live && isNew(m_new)) {
+        if (m_oldFolder && m_canExchange)
+            static_cast<void>(tryExchange());
+        else
+            static_cast<void>(tryMove(m_new, m_names.stage));
     }
-    if (m_hasLiveFolder && m_new != m_names.live && m_old != m_names.live)
+    if (m_oldFolder && m_new != m_names.live && m_old != m_names.live)
         static_cast<void>(tryMove(m_old, m_names.live));
     if (m_new == m_names.recovery)
         static_cast<void>(tryMove(m_new, m_names.stage));
@@ -97,10 +143,37 @@ void FolderSwap::undo() noexcept
         static_cast<void>(m_parent.trySync());
 }
 
+bool FolderSwap::tryExchange() noexcept
+{
+    // Never simply repeated: a network file system may report an interruption of an exchange that
+    // took place, and a second one would take it back.
+    constexpr int mostTries = 100;
+    const FileIdentity &moving = m_newFolder;
+    for (int i = 0; i < mostTries; ++i) {
+        const bool isDone = m_parent.tryRename(m_new.c_str(), m_old.c_str(), RENAME_EXCHANGE);
+        const int reason = errno;
+        if (isDone || m_parent.isAt(m_old.c_str(), moving)) {
+            std::swap(m_new, m_old);
+            return true;
+        }
+        errno = reason;
+        if (reason != EINTR)
+            break;
+    }
+    return false;
+}
+
 bool FolderSwap::tryMove(std::string &name, const std::string &to) noexcept
 {
-    if (!m_parent.tryRename(name.c_str(), to.c_str()))
-        return false;
+    const bool isNewFolder = isNew(name);
+    if (!m_parent.tryRename(name.c_str(), to.c_str())) {
+        // The answer to a rename that took place may have been lost on its way.
+        const int reason = errno;
+        if (isNewFolder ? !isNew(to) : !isOld(to)) {
+            errno = reason;
+            return false;
+        }
+    }
     name = to;
     return true;
 }
@@ -108,5 +181,21 @@ bool FolderSwap::tryMove(std::string &name, const std::string &to) noexcept
 void FolderSwap::move(std::string &name, const std::string &to)
 {
     if (!tryMove(name, to))
-        throw m_parent.error(m_names.live.c_str());
+        fail();
+}
+
+void FolderSwap::sync()
+{
+    if (!m_parent.trySync())
+        fail();
+}
+
+bool FolderSwap::isNew(const std::string &name) const noexcept
+{
+    return m_parent.isAt(name.c_str(), m_newFolder);
+}
+
+bool FolderSwap::isOld(const std::string &name) const noexcept
+{
+    return m_oldFolder && m_parent.isAt(name.c_str(), *m_oldFolder);
 }

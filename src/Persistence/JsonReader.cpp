@@ -36,9 +36,9 @@ void JsonReader::readObject(const std::function<void(const QString &name)> &read
         do {
             const QString name = readString();
             expect(u':');
-            m_way.append(name);
+            m_way.push_back({name});
             readMember(name);
-            m_way.removeLast();
+            m_way.pop_back();
         } while (takes(u','));
         expect(u'}');
     }
@@ -50,12 +50,12 @@ void JsonReader::readArray(const std::function<void()> &readElement)
     expect(u'[');
     enter();
     if (!takes(u']')) {
-        qsizetype index = 0;
+        m_way.push_back({{}, 0});
         do {
-            m_way.append(u"[%1]"_s.arg(index++));
             readElement();
-            m_way.removeLast();
+            ++m_way.back().index;
         } while (takes(u','));
+        m_way.pop_back();
         expect(u']');
     }
     --m_depth;
@@ -204,11 +204,20 @@ void JsonReader::finish()
         fail(u"is followed by more"_s);
 }
 
+QString JsonReader::Step::text() const
+{
+    // The sentence is for a person, and the file may be anybody's.
+    constexpr qsizetype mostCharacters = 40;
+    if (index >= 0)
+        return u"[%1]"_s.arg(index);
+    return name.size() > mostCharacters ? name.first(mostCharacters) + u'…' : name;
+}
+
 void JsonReader::fail(const QString &problem) const
 {
     QString way;
-    for (const QString &step : m_way)
-        way += (way.isEmpty() || step.startsWith(u'[') ? u""_s : u"."_s) + step;
+    for (const Step &step : m_way)
+        way += (way.isEmpty() || step.index >= 0 ? u""_s : u"."_s) + step.text();
     throw JsonError((way.isEmpty() ? u"its content"_s : way) + u' ' + problem);
 }
 

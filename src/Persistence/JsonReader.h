@@ -2,9 +2,9 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 #include <QStringView>
 #include <functional>
+#include <vector>
 
 /// Reads one JSON text from its front to its end, value by value, in the way that its user asks.
 ///
@@ -53,6 +53,14 @@ private:
     qsizetype m_place = 0;
     int m_depth = 0;
 
-    /// The way to the value that is being read: "notes", "[3]", "id".
-    QStringList m_way;
+    /// A member's name, or an element's index where that is not negative.
+    struct Step {
+        QString name;
+        qsizetype index = -1;
+
+        [[nodiscard]] QString text() const;
+    };
+
+    /// The way to the value that is being read: "notes", [3], "id".
+    std::vector<Step> m_way;
 };

@@ -13,6 +13,10 @@ namespace {
 /// 96 ms against 5.8 s for ten thousand files.
 constexpr std::size_t mostSyncs = 20;
 
+/// Each folder on the way is held open. Deeper than anybody sorts files, and far from the number of
+/// files that a process may open.
+constexpr int mostFolders = 128;
+
 /// What a file system answers that has no hard links, or none for this file.
 bool meansNoLinks(int error)
 {
@@ -25,35 +29,17 @@ bool isSameTime(const timespec &a, const timespec &b)
     return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
 }
 
-/// The files of a folder that are none of the links, whose inodes are sorted.
-std::vector<const char *> newFiles(const DirectoryListing &listing, const std::vector<ino_t> &links)
+/// Brings both into the same order. They are in it already where the file system keeps one.
+void align(DirectoryListing &a, DirectoryListing &b)
 {
-    std::vector<const char *> names;
-    for (const DirectoryListing::Entry &entry : listing.entries()) {
-        if (entry.kind == Kind::file && !std::ranges::binary_search(links, entry.inode))
-            names.push_back(listing.name(entry));
+    const auto isSameName = [&](const DirectoryListing::Entry &x,
+                                const DirectoryListing::Entry &y) {
+        return std::strcmp(a.name(x), b.name(y)) == 0;
+    };
+    if (!std::ranges::equal(a.entries(), b.entries(), isSameName)) {
+        a.sort();
+        b.sort();
     }
-    return names;
-}
-
-/// Syncs a folder after all that it holds. False when there is so much that the file system as a
-/// whole should be synced instead.
-bool syncEach(const Directory &folder, const std::vector<ino_t> &links, std::size_t &syncs)
-{
-    const DirectoryListing listing = folder.list();
-    const std::vector<const char *> names = newFiles(listing, links);
-    syncs += names.size() + 1;
-    if (syncs > mostSyncs)
-        return false;
-    for (const char *name : names)
-        folder.syncFile(name);
-    for (const DirectoryListing::Entry &entry : listing.entries()) {
-        if (entry.kind == Kind::folder &&
-            !syncEach(folder.openFolder(listing.name(entry)), links, syncs))
-            return false;
-    }
-    folder.sync();
-    return true;
 }
 
 /// Removes one entry, also from a folder that is not writable: it is the user's own.
@@ -84,118 +70,194 @@ bool removeOnce(const Directory &parent, const char *name) noexcept
 
 } // namespace
 
-LinkedTree::LinkedTree(const Directory &original, const Directory &copy)
+LinkedTree::LinkedTree(const Directory &original, const Directory &copy, int depth)
     : m_listing(original.list())
 {
     m_listing.keepIf([&](const DirectoryListing::Entry &entry) {
-        return carry(original, copy, m_listing.name(entry), entry.kind);
+        return carry(original, copy, m_listing.name(entry), entry.kind, depth);
     });
-    if (const mode_t mode = original.ownStatus().st_mode & ALLPERMS; mode != S_IRWXU)
-        copy.setMode(mode);
+    // Last, since it may close the folder and since its times would not stay.
+    copy.resemble(original);
+}
+
+LinkedTree::LinkedTree(const Directory &folder, const Inodes &common)
+    : m_listing(folder.list())
+{
+    for (const DirectoryListing::Entry &entry : m_listing.entries()) {
+        if (entry.kind == Kind::folder) {
+            const char *name = m_listing.name(entry);
+            m_folderNames.emplace_back(name);
+            m_folders.push_back(LinkedTree(folder.openFolder(name), common));
+        } else if (entry.kind == Kind::file && !std::ranges::binary_search(common, entry.inode)) {
+            watch(folder, m_listing.name(entry));
+        }
+    }
+}
+
+LinkedTree LinkedTree::beside(const LinkedTree &other, const Directory &folder)
+{
+    return LinkedTree(folder, other.inodes());
 }
 
 bool LinkedTree::carry(const Directory &original, const Directory &copy, const char *name,
-                       Kind kind)
+                       Kind kind, int depth)
 {
     if (kind == Kind::folder) {
-        carryFolder(original, copy, name);
+        carryFolder(original, copy, name, depth);
         return true;
     }
     if (original.tryLink(name, copy))
         return true;
-    if (errno == ENOENT)
+    const int reason = errno;
+    if (reason == ENOENT)
         return false;
-    if (!meansNoLinks(errno))
-        throw original.error(name);
-    if (kind == Kind::other)
-        throw original.error(name, FileError::Reason::notRegularFile);
-    if (kind == Kind::link) {
-        original.copySymbolicLink(name, copy);
-        return true;
-    }
-    // Looked at before the copy, so that a change during the copy shows later.
-    const auto status = original.status(name);
-    if (!status)
-        return false;
-    original.copyFile(name, copy);
-    m_copied.insert({name, {status->st_size, status->st_mtim}});
+    // What is immutable should stay as it is and where it is.
+    if (!meansNoLinks(reason) || (reason == EPERM && original.isImmutable(name)))
+        throw FileError(original.path() / name, reason);
+    if (reason == EXDEV && original.isMountPoint(name))
+        throw original.error(name, FileError::Reason::mountPoint);
+    carryCopy(original, copy, name, kind);
     return true;
 }
 
-void LinkedTree::carryFolder(const Directory &original, const Directory &copy, const char *name)
+void LinkedTree::carryCopy(const Directory &original, const Directory &copy, const char *name,
+                           Kind kind)
 {
+    if (kind == Kind::link) {
+        original.copySymbolicLink(name, copy);
+    } else if (kind == Kind::file) {
+        // Looked at before the copy, so that a change during the copy shows later.
+        watch(original, name);
+        original.copyFile(name, copy);
+    } else {
+        throw original.error(name, FileError::Reason::notRegularFile);
+    }
+}
+
+void LinkedTree::carryFolder(const Directory &original, const Directory &copy, const char *name,
+                             int depth)
+{
+    if (depth == mostFolders)
+        throw original.error(name, FileError::Reason::tooDeep);
+    if (original.isImmutable(name))
+        throw FileError(original.path() / name, EPERM);
     const Directory source = original.openFolder(name);
     if (source.isMountPoint())
         throw original.error(name, FileError::Reason::mountPoint);
     const Directory target = copy.makeFolder(name);
     m_folderNames.emplace_back(name);
-    m_folders.emplace_back(source, target);
+    m_folders.push_back(LinkedTree(source, target, depth + 1));
 }
 
-void LinkedTree::sync(const Directory &copy) const
+void LinkedTree::watchOwnFiles(const Directory &folder, const LinkedTree &other)
 {
-    std::vector<ino_t> links;
-    collectLinks(links);
-    std::ranges::sort(links);
-    std::size_t syncs = 0;
-    if (!syncEach(copy, links, syncs))
-        copy.syncFileSystem();
+    watchOwnFiles(folder, other.inodes());
 }
 
-void LinkedTree::collectLinks(std::vector<ino_t> &inodes) const
+void LinkedTree::watchOwnFiles(const Directory &folder, const Inodes &common)
 {
     for (const DirectoryListing::Entry &entry : m_listing.entries()) {
-        if (entry.kind == Kind::file && !m_copied.contains(std::string_view(m_listing.name(entry))))
-            inodes.push_back(entry.inode);
+        if (entry.kind == Kind::file && !std::ranges::binary_search(common, entry.inode))
+            watch(folder, m_listing.name(entry));
     }
-    for (const LinkedTree &folder : m_folders)
-        folder.collectLinks(inodes);
+    for (std::size_t i = 0; i < m_folders.size(); ++i)
+        m_folders[i].watchOwnFiles(folder.openFolder(m_folderNames[i].c_str()), common);
 }
 
-bool LinkedTree::isAsLinked(const Directory &original, const Directory *copy) const
+void LinkedTree::watch(const Directory &folder, const char *name)
 {
-    DirectoryListing now = original.list();
+    if (const auto status = folder.status(name))
+        m_ownFiles.insert({name, {status->st_size, status->st_mtim}});
+}
+
+LinkedTree::Inodes LinkedTree::inodes() const
+{
+    Inodes inodes;
+    collectInodes(inodes);
+    std::ranges::sort(inodes);
+    return inodes;
+}
+
+void LinkedTree::collectInodes(Inodes &inodes) const
+{
+    for (const DirectoryListing::Entry &entry : m_listing.entries())
+        inodes.push_back(entry.inode);
+    for (const LinkedTree &folder : m_folders)
+        folder.collectInodes(inodes);
+}
+
+void LinkedTree::sync(const Directory &folder) const
+{
+    if (syncCount() > mostSyncs)
+        folder.syncFileSystem();
+    else
+        syncEach(folder);
+}
+
+std::size_t LinkedTree::syncCount() const noexcept
+{
+    std::size_t count = 1 + m_ownFiles.size();
+    for (const LinkedTree &folder : m_folders)
+        count += folder.syncCount();
+    return count;
+}
+
+void LinkedTree::syncEach(const Directory &folder) const
+{
+    for (const auto &[name, file] : m_ownFiles)
+        folder.syncFile(name.c_str());
+    for (std::size_t i = 0; i < m_folders.size(); ++i)
+        m_folders[i].syncEach(folder.openFolder(m_folderNames[i].c_str()));
+    folder.sync();
+}
+
+std::optional<bool> LinkedTree::tryIsStill(const Directory &folder,
+                                           const Directory *twin) const noexcept
+{
+    std::optional<DirectoryListing> now = folder.tryList();
+    if (!now)
+        return std::nullopt;
     DirectoryListing before = m_listing;
-    if (now.entries().size() != before.entries().size())
+    align(*now, before);
+    const auto isSame = [&](const DirectoryListing::Entry &a, const DirectoryListing::Entry &b) {
+        return std::strcmp(now->name(a), before.name(b)) == 0 &&
+               isSameEntry(folder, twin, *now, a, b);
+    };
+    if (!std::ranges::equal(now->entries(), before.entries(), isSame))
         return false;
-    now.sort();
-    before.sort();
-    for (std::size_t i = 0; i < now.entries().size(); ++i) {
-        const DirectoryListing::Entry &entry = now.entries()[i];
-        if (std::strcmp(now.name(entry), before.name(before.entries()[i])) != 0 ||
-            !isSameEntry(original, copy, now, entry, before.entries()[i]))
-            return false;
-    }
     for (std::size_t i = 0; i < m_folders.size(); ++i) {
         const char *name = m_folderNames[i].c_str();
-        const auto copiedFolder = copy ? copy->tryOpenFolder(name) : std::nullopt;
-        if (!m_folders[i].isAsLinked(original.openFolder(name),
-                                     copiedFolder ? &*copiedFolder : nullptr))
-            return false;
+        const auto inside = folder.tryOpenFolder(name);
+        if (!inside)
+            return std::nullopt;
+        const auto twinInside = twin ? twin->tryOpenFolder(name) : std::nullopt;
+        const std::optional<bool> isStill =
+            m_folders[i].tryIsStill(*inside, twinInside ? &*twinInside : nullptr);
+        if (!isStill || !*isStill)
+            return isStill;
     }
     return true;
 }
 
-bool LinkedTree::isSameEntry(const Directory &original, const Directory *copy,
+bool LinkedTree::isSameEntry(const Directory &folder, const Directory *twin,
                              const DirectoryListing &listing, const DirectoryListing::Entry &now,
-                             const DirectoryListing::Entry &linked) const
+                             const DirectoryListing::Entry &before) const noexcept
 {
-    if (now.kind != linked.kind)
+    if (now.kind != before.kind)
         return false;
     if (now.kind == Kind::folder)
         return true;
     const char *name = listing.name(now);
-    if (const auto file = m_copied.find(std::string_view(name)); file != m_copied.end()) {
-        const auto status = original.status(name);
-        return status && status->st_size == file->second.size &&
-               isSameTime(status->st_mtim, file->second.modified);
-    }
-    if (now.inode == linked.inode)
+    struct stat here;
+    if (const auto file = m_ownFiles.find(std::string_view(name)); file != m_ownFiles.end())
+        return folder.tryStatus(name, here) && here.st_size == file->second.size &&
+               isSameTime(here.st_mtim, file->second.modified);
+    if (now.inode == before.inode)
         return true;
     // Some file systems give a listing passing numbers. Two links to one file are no change then.
-    const auto here = original.status(name);
-    const auto there = copy ? copy->status(name) : std::nullopt;
-    return here && there && here->st_ino == there->st_ino && here->st_dev == there->st_dev;
+    struct stat there;
+    return folder.tryStatus(name, here) && twin && twin->tryStatus(name, there) &&
+           here.st_ino == there.st_ino && here.st_dev == there.st_dev;
 }
 
 void LinkedTree::removeFrom(const Directory &original) const noexcept

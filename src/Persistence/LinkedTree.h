@@ -6,54 +6,81 @@
 #include <ctime>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
-/// A second folder tree over the files of a first one: sub-folders are made anew, every file is a
-/// hard link, so that nothing is copied and nothing is lost of what other programs keep there.
+/// What a folder held at some time, and a second folder over the same files.
 ///
-/// Remembers what the first tree held, and can tell later whether that is still so. Where the file
-/// system has no hard links, files and symbolic links are copied.
+/// In the second one sub-folders are made anew and every file is a hard link, so that nothing is
+/// copied and nothing is lost of what other programs keep there. Where the file system has no hard
+/// links, files and symbolic links are copied.
 class LinkedTree {
 public:
-    /// Fills an empty folder with everything that the original holds. Throws a FileError for what
-    /// can be neither linked nor copied, and for other file systems mounted inside.
-    LinkedTree(const Directory &original, const Directory &copy);
-
-    /// A tree over nothing.
+    /// What a missing folder held.
     LinkedTree() = default;
 
-    /// Puts the copy on the disk: its folders, and every file that is not one of the links.
-    void sync(const Directory &copy) const;
+    /// Fills an empty folder with everything that the original holds, and remembers the original.
+    /// Throws a FileError for what can be neither linked nor copied, for other file systems mounted
+    /// inside, and for folders that lie too deep.
+    LinkedTree(const Directory &original, const Directory &copy)
+        : LinkedTree(original, copy, 0)
+    {
+    }
 
-    /// Whether the original holds what it held when it was linked, judged by names and identity,
-    /// and for copied files by size and time. A link shares its content with the original, so what
-    /// another program writes into such a file is in the copy too, and is no change here.
-    /// The copy may be null where it no longer has this folder.
-    [[nodiscard]] bool isAsLinked(const Directory &original, const Directory *copy) const;
+    /// Remembers a folder that has most of its files in common with another one.
+    [[nodiscard]] static LinkedTree beside(const LinkedTree &other, const Directory &folder);
 
-    /// Removes from the original what it held when it was linked, and nothing that came later.
-    void removeFrom(const Directory &original) const noexcept;
+    /// Puts a folder on the disk that is as remembered: its folders, and the files of its own.
+    void sync(const Directory &folder) const;
+
+    /// From now on the files that the other folder does not have count by size and time, too.
+    void watchOwnFiles(const Directory &folder, const LinkedTree &other);
+
+    /// Whether the folder still holds what is remembered, judged by names and identity, and for
+    /// files of its own by size and time. What another program writes into a file that both folders
+    /// have is in both, and is no change. The twin is the other folder, or null where there is
+    /// none. Nothing, with errno set, when the folder cannot be read.
+    [[nodiscard]] std::optional<bool> tryIsStill(const Directory &folder,
+                                                 const Directory *twin) const noexcept;
+
+    /// Removes from the folder what is remembered, and nothing that came later.
+    void removeFrom(const Directory &folder) const noexcept;
 
 private:
-    struct CopiedFile {
+    struct OwnFile {
         off_t size;
         timespec modified;
     };
 
+    /// Ascending.
+    using Inodes = std::vector<ino_t>;
+
+    LinkedTree(const Directory &original, const Directory &copy, int depth);
+    LinkedTree(const Directory &folder, const Inodes &common);
+
     /// False when the entry has gone meanwhile.
     bool carry(const Directory &original, const Directory &copy, const char *name,
-               DirectoryListing::Kind kind);
-    void carryFolder(const Directory &original, const Directory &copy, const char *name);
+               DirectoryListing::Kind kind, int depth);
+    void carryFolder(const Directory &original, const Directory &copy, const char *name, int depth);
+    void carryCopy(const Directory &original, const Directory &copy, const char *name,
+                   DirectoryListing::Kind kind);
 
-    [[nodiscard]] bool isSameEntry(const Directory &original, const Directory *copy,
+    void watchOwnFiles(const Directory &folder, const Inodes &common);
+    void watch(const Directory &folder, const char *name);
+
+    [[nodiscard]] bool isSameEntry(const Directory &folder, const Directory *twin,
                                    const DirectoryListing &listing,
                                    const DirectoryListing::Entry &now,
-                                   const DirectoryListing::Entry &linked) const;
-    void collectLinks(std::vector<ino_t> &inodes) const;
+                                   const DirectoryListing::Entry &before) const noexcept;
+
+    [[nodiscard]] Inodes inodes() const;
+    void collectInodes(Inodes &inodes) const;
+    [[nodiscard]] std::size_t syncCount() const noexcept;
+    void syncEach(const Directory &folder) const;
 
     DirectoryListing m_listing;
-    std::map<std::string, CopiedFile, std::less<>> m_copied;
+    std::map<std::string, OwnFile, std::less<>> m_ownFiles;
     std::vector<std::string> m_folderNames;
     std::vector<LinkedTree> m_folders;
 };

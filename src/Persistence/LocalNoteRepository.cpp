@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -22,6 +23,10 @@ std::filesystem::path userDataFolder()
     const char *given = std::getenv("XDG_DATA_HOME");
     if (given && std::filesystem::path(given).is_absolute())
         return given;
+    // Qt's own answer is a text, which not every path is.
+    const char *home = std::getenv("HOME");
+    if (home && std::filesystem::path(home).is_absolute())
+        return std::filesystem::path(home) / ".local/share";
     return std::filesystem::path(QFile::encodeName(QDir::homePath()).toStdString()) /
            ".local/share";
 }
@@ -48,9 +53,13 @@ NoteSnapshot LocalNoteRepository::load()
 {
     MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
     NoteSnapshot snapshot;
+    m_isOnDisk = false;
     if (const auto folder = NoteFolder::openIfExists(m_fileURL.parent_path())) {
         SnapshotReader reader(collectionURL());
         reader.read(*folder);
+        // Another program may have put a whole new folder in its place and removed this one.
+        if (!folder->isInPlace())
+            throw RepositoryError::externalChange();
         snapshot = reader.takeSnapshot();
         m_state = reader.takeState();
     } else if (std::optional<NoteSnapshot> legacy = readLegacySnapshot()) {
@@ -90,6 +99,9 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot)
         // The folder that the exchange would put in place is the one that is there.
         MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
         refuseExternalChange(plan);
+        // What was loaded may be of a program that ended before it could sync its last step.
+        if (!std::exchange(m_isOnDisk, true))
+            Directory::open(m_fileURL.parent_path()).sync();
         return;
     }
     MarkdownTransaction::replace(
@@ -97,6 +109,7 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot)
         [&] { refuseExternalChange(plan); },
         [&](const std::filesystem::path &displaced) { plan.checkReplaced(displaced); });
     m_state = plan.takeState();
+    m_isOnDisk = true;
 }
 
 void LocalNoteRepository::refuseExternalChange(SavePlan &plan) const

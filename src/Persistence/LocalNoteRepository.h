@@ -39,6 +39,9 @@ private:
     const std::filesystem::path m_fileURL;
     bool m_isLoaded = false;
 
+    /// False as long as only memory may know of the folder that was loaded.
+    bool m_isOnDisk = false;
+
     /// Absent while there is no Markdown folder.
     std::optional<FolderState> m_state;
 };

@@ -32,11 +32,15 @@ void refuseRecoveryCopy(const Directory &folder)
 /// The hidden folder in which the new content is made. Gone with this, unless it was released.
 class Stage {
 public:
-    /// Errors show it as what it is about to become.
-    Stage(const Directory &parent, std::string name, const std::filesystem::path &target)
+    /// Starts with all that the original holds, which is null when there is none. Errors show it as
+    /// what it is about to become.
+    Stage(const Directory &parent, const FolderSwap::Names &names,
+          const std::filesystem::path &target, const Directory *original)
         : m_parent(parent)
-        , m_name(std::move(name))
-        , m_folder(parent.makeFolder(m_name.c_str(), target))
+        , m_names(names)
+        , m_original(original)
+        , m_folder(parent.makeFolder(names.stage.c_str(), target))
+        , m_identity(m_folder.identity())
     {
     }
     Stage(const Stage &) = delete;
@@ -44,17 +48,36 @@ public:
 
     ~Stage()
     {
-        if (!m_isReleased)
-            removeTree(m_parent, m_name.c_str());
+        // Another folder under its name is somebody else's, or the one that it was to replace.
+        if (m_isReleased || !m_parent.isAt(m_names.stage.c_str(), m_identity))
+            return;
+        // While it was live for a moment, another program may have written into it.
+        if (m_content.tryIsStill(m_folder, m_original).value_or(true) || !m_isFinished)
+            removeTree(m_parent, m_names.stage.c_str());
+        else if (m_parent.tryRename(m_names.stage.c_str(), m_names.recovery.c_str()))
+            static_cast<void>(m_parent.trySync());
+    }
+
+    /// Puts it on the disk. Nothing may be written into it any more.
+    void finish(const LinkedTree &links)
+    {
+        m_content = LinkedTree::beside(links, m_folder);
+        m_content.sync(m_folder);
+        m_isFinished = true;
     }
 
     [[nodiscard]] const Directory &folder() const { return m_folder; }
+    [[nodiscard]] const LinkedTree &content() const { return m_content; }
     void release() { m_isReleased = true; }
 
 private:
     const Directory &m_parent;
-    const std::string m_name;
+    const FolderSwap::Names &m_names;
+    const Directory *const m_original;
     const Directory m_folder;
+    const FileIdentity m_identity;
+    LinkedTree m_content;
+    bool m_isFinished = false;
     bool m_isReleased = false;
 };
 
@@ -89,27 +112,35 @@ void MarkdownTransaction::replace(
                                   .stage = freshName(stagePrefix),
                                   .recovery = freshName(recoveryPrefix)};
     const std::optional<Directory> original = openTarget(parent, names.live.c_str());
-    Stage stage(parent, names.stage, target);
-    const LinkedTree links = original ? LinkedTree(*original, stage.folder()) : LinkedTree();
+    const Directory *const live = original ? &*original : nullptr;
+    // An earlier try may have made the data folder and failed before that was on the disk.
+    if (!live)
+        Directory::syncPath(parent.path());
+    Stage stage(parent, names, target, live);
+    LinkedTree links = live ? LinkedTree(*live, stage.folder()) : LinkedTree();
 
     prepare(parent.path() / names.stage);
-    links.sync(stage.folder());
+    stage.finish(links);
     validateOriginal();
 
-    FolderSwap swap(parent, names, original.has_value());
+    FolderSwap swap(parent, names, live, stage.folder());
     swap.swap();
-    if (original) {
-        if (!links.isAsLinked(*original, &stage.folder()))
+    if (live) {
+        // Here and below a file that the new folder does not have can still be lost.
+        links.watchOwnFiles(*live, stage.content());
+        const std::optional<bool> isSame = links.tryIsStill(*live, &stage.folder());
+        if (!isSame)
+            throw FileError(target, errno);
+        if (!*isSame)
             throw RepositoryError::externalChange();
         if (validateDisplaced)
             validateDisplaced(parent.path() / names.recovery);
     }
     swap.keep();
-
     stage.release();
-    if (original) {
-        links.removeFrom(*original);
-        static_cast<void>(parent.tryRemove(names.stage.c_str(), DirectoryListing::Kind::folder));
-        static_cast<void>(parent.trySync());
+    if (live) {
+        if (!links.tryIsStill(*live, &stage.folder()).value_or(true))
+            swap.keepOldFolder();
+        swap.removeOldFolder(links, *live);
     }
 }

@@ -28,10 +28,16 @@ DirectoryListing markdownFiles(const Directory &section)
 
 std::optional<NoteFolder> NoteFolder::openIfExists(const std::filesystem::path &data)
 {
-    const std::optional<Directory> parent = Directory::openIfExists(data);
+    std::optional<Directory> parent = Directory::openIfExists(data);
     if (!parent || !parent->status(folderName))
         return std::nullopt;
-    return NoteFolder(parent->openFolder(folderName));
+    Directory directory = parent->openFolder(folderName);
+    return NoteFolder(std::move(*parent), std::move(directory));
+}
+
+bool NoteFolder::isInPlace() const
+{
+    return m_data.isAt(folderName, m_directory.identity());
 }
 
 const char *NoteFolder::sectionName(Section section) noexcept

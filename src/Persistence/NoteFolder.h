@@ -42,12 +42,17 @@ public:
     void visit(const Visitor &visitor,
                const std::function<void(std::size_t fileCount)> &expect = nullptr) const;
 
+    /// False when another folder has taken its place since it was opened.
+    [[nodiscard]] bool isInPlace() const;
+
 private:
-    explicit NoteFolder(Directory directory)
-        : m_directory(std::move(directory))
+    NoteFolder(Directory data, Directory directory)
+        : m_data(std::move(data))
+        , m_directory(std::move(directory))
     {
     }
 
+    Directory m_data;
     Directory m_directory;
 };
 

@@ -86,6 +86,18 @@ QByteArray listing(const DataFolder &data)
     return lines.join('\n');
 }
 
+/// Folders in folders, also more than a path may name.
+void makeDeepFolder(const fs::path &folder, int depth)
+{
+    const fs::path before = fs::current_path();
+    fs::current_path(folder);
+    for (int i = 0; i < depth; ++i) {
+        fs::create_directory("d");
+        fs::current_path("d");
+    }
+    fs::current_path(before);
+}
+
 } // namespace
 
 /// A folder as nobody would wish it: each load and save ends at once, with an error that names the
@@ -106,7 +118,8 @@ private Q_SLOTS:
     void acceptsALinkToTheDataFolder();
     void doesNotFollowALinkToTheOlderFile();
     void carriesDeepFoldersOver();
-    void refusesFoldersTooDeepToReach();
+    void refusesFoldersTooDeepToFollow();
+    void refusesFoldersTooDeepToHoldOpen();
     void keepsManyOtherFiles();
 };
 
@@ -319,25 +332,33 @@ void HostileFolderTest::carriesDeepFoldersOver()
     QCOMPARE(data.read(deep + "/file"), "1");
 }
 
-void HostileFolderTest::refusesFoldersTooDeepToReach()
+void HostileFolderTest::refusesFoldersTooDeepToFollow()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save({});
+    makeDeepFolder(data.path("Markdown"), 1000);
+
+    const auto error = thrown<FileError>([&] { repository.save(snapshotOf({}, u"new"_s)); });
+
+    QVERIFY(error.has_value());
+    QCOMPARE(error->reason(), Reason::tooDeep);
+    QCOMPARE(data.count(".quillmark-"), 0);
+    QCOMPARE(data.read("Markdown/Drafts/capture.md"), "");
+}
+
+void HostileFolderTest::refusesFoldersTooDeepToHoldOpen()
 {
     // Every folder on the way is held open, and a process may not hold so many.
-    constexpr int depth = 300;
     rlimit limit{};
     QCOMPARE(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const rlimit lower{depth, limit.rlim_max};
+    const rlimit lower{64, limit.rlim_max};
     QCOMPARE(::setrlimit(RLIMIT_NOFILE, &lower), 0);
     const auto restore = qScopeGuard([&] { ::setrlimit(RLIMIT_NOFILE, &limit); });
     const DataFolder data;
     LocalNoteRepository repository(data.fileURL());
     repository.save({});
-    const fs::path before = fs::current_path();
-    fs::current_path(data.path("Markdown"));
-    for (int i = 0; i < depth; ++i) {
-        fs::create_directory("d");
-        fs::current_path("d");
-    }
-    fs::current_path(before);
+    makeDeepFolder(data.path("Markdown"), 100);
 
     const auto error = thrown<FileError>([&] { repository.save(snapshotOf({}, u"new"_s)); });
 

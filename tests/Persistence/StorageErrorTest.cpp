@@ -79,9 +79,10 @@ void StorageErrorTest::saysADifferentThingForEachReason()
 {
     using Reason = FileError::Reason;
     QSet<QString> keys;
-    for (const Reason reason : {Reason::notUtf8, Reason::notRegularFile, Reason::notFolder,
-                                Reason::mountPoint, Reason::tooLarge, Reason::tooManyNotes,
-                                Reason::tooMuchText, Reason::secondDraft, Reason::notUnicode}) {
+    for (const Reason reason :
+         {Reason::notUtf8, Reason::notRegularFile, Reason::notFolder, Reason::mountPoint,
+          Reason::tooLarge, Reason::tooManyNotes, Reason::tooMuchText, Reason::tooDeep,
+          Reason::secondDraft, Reason::notUnicode}) {
         const Message message = FileError("/notes/one.md", reason).message();
         QVERIFY(message.key.contains(u"%@"_s));
         QVERIFY(message.english().contains(u"/notes/one.md"_s));
@@ -90,7 +91,7 @@ void StorageErrorTest::saysADifferentThingForEachReason()
     for (const int code : {ENOSPC, EDQUOT, EACCES, EROFS, EMFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
         keys.insert(FileError("/notes/one.md", code).message().key);
 
-    QCOMPARE(keys.size(), 18);
+    QCOMPARE(keys.size(), 19);
 }
 
 void StorageErrorTest::showsANameThatIsNotUtf8()
