@@ -27,6 +27,7 @@ using Reason = FileError::Reason;
 void put(const DataFolder &data, std::string_view name, Thing thing)
 {
     const fs::path path = data.path(name);
+    fs::remove(path);
     switch (thing) {
     case Thing::pipe:
         QCOMPARE(::mkfifo(path.c_str(), 0600), 0);
@@ -130,9 +131,10 @@ void HostileFolderTest::namesWhatIsNoFile_data()
     QTest::addColumn<int>("reason");
 
     const QByteArray note = QByteArray::fromStdString(noteFile(numberedId(7)));
-    for (const QByteArray &name : {note, QByteArray("Markdown/Drafts/x.md")}) {
+    for (const QByteArray &name :
+         {note, QByteArray("Markdown/Drafts/x.md"), QByteArray("Markdown/.format")}) {
         const auto row = [&](const char *title, Thing thing, Reason reason) {
-            QTest::addRow("%s: %s", name.startsWith("Markdown/N") ? "note" : "draft", title)
+            QTest::addRow("%s: %s", name.split('/').at(1).constData(), title)
                 << name << int(thing) << int(reason);
         };
         row("pipe", Thing::pipe, Reason::notRegularFile);

@@ -80,11 +80,13 @@ private Q_SLOTS:
     void failsToReadWhatIsMissing_data();
     void failsToReadWhatIsMissing();
 
+    void migratesEveryPartOfTheOlderFile();
     void migratesTheOlderFileOnce();
     void leavesAnOlderFileOfAnotherVersionAlone();
     void leavesAnOlderFileThatItCannotReadAlone();
     void leavesAnOlderFileWithBadNotesAlone();
 
+    void replacesAFolderThatItNeverLoaded();
     void removesTheFilesOfWhatIsGone();
     void keepsFilesOfOtherPrograms();
     void keepsUnchangedFilesAsTheyAre();
@@ -130,6 +132,12 @@ void LocalNoteRepositoryTest::livesInTheUsersDataFolder()
     qputenv("XDG_DATA_HOME", "");
     QCOMPARE(LocalNoteRepository::defaultFileURL(), home / ".local/share/Penwick/notes.json");
 
+    // A path is bytes, and need not be a text.
+    qputenv("HOME", "/home/jos\xe9");
+    QCOMPARE(LocalNoteRepository::defaultFileURL(),
+             fs::path("/home/jos\xe9/.local/share/Penwick/notes.json"));
+
+    qputenv("HOME", QByteArray::fromStdString(home.native()));
     qputenv("XDG_DATA_HOME", given);
 }
 
@@ -342,6 +350,34 @@ void LocalNoteRepositoryTest::failsToReadWhatIsMissing()
     QVERIFY(error.has_value());
     QCOMPARE(error->systemError(), ENOENT);
     QCOMPARE(error->path(), data.path(name.toStdString()));
+}
+
+void LocalNoteRepositoryTest::replacesAFolderThatItNeverLoaded()
+{
+    const DataFolder data;
+    writeFolder(data, {numberedNote(1, u"old"_s), numberedNote(2, u"gone"_s)});
+    const NoteSnapshot snapshot = snapshotOf({numberedNote(1, u"new"_s)}, u"draft"_s);
+
+    LocalNoteRepository(data.fileURL()).save(snapshot);
+
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), snapshot);
+}
+
+void LocalNoteRepositoryTest::migratesEveryPartOfTheOlderFile()
+{
+    const DataFolder data;
+    const Note note = numberedNote(1, u"body\n"_s);
+    const QByteArray id = canonicalText(note.id).toLatin1();
+    data.write("notes.json", R"({"version": 1, "captureDraft": "typed", "editingDrafts": {")" + id +
+                                 R"(": "edited"}, "notes": [{"id": ")" + id +
+                                 R"(", "body": "body\n", "createdAt": 760000001.25,)"
+                                 R"( "updatedAt": 760000001.25}]})");
+
+    const NoteSnapshot migrated = LocalNoteRepository(data.fileURL()).load();
+
+    QCOMPARE(migrated, snapshotOf({note}, u"typed"_s, {{canonicalText(note.id), u"edited"_s}}));
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), migrated);
+    QCOMPARE(data.read(draftFile(note.id)), "edited");
 }
 
 void LocalNoteRepositoryTest::migratesTheOlderFileOnce()

@@ -7,6 +7,12 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QTest>
+#include <array>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -24,6 +30,16 @@ void putFile(const fs::path &path, const QByteArray &bytes)
     std::ofstream(path, std::ios::binary).write(bytes.data(), bytes.size());
 }
 
+/// False where it cannot be set.
+bool setImmutable(const fs::path &path, bool isImmutable)
+{
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int flags = isImmutable ? FS_IMMUTABLE_FL : 0;
+    const bool isSet = ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+    ::close(fd);
+    return isSet;
+}
+
 } // namespace
 
 class MarkdownTransactionTest : public QObject {
@@ -38,10 +54,14 @@ private Q_SLOTS:
     void replacesWhatPrepareReplaces();
     void carriesOverWhatPrepareDoesNotTouch();
     void keepsTheFilesThemselves();
-    void keepsPermissionsOfFolders();
+    void keepsPermissionsAndTimesOfFolders();
+    void keepsTheGroupOfFolders();
+    void keepsAttributesOfFolders();
+    void leavesWhatIsImmutableInItsPlace();
     void asksOnceAndInOrder();
     void givesTheOldContentToTheLastCheck();
     void namesTheStageWithAFreshIdentifier();
+    void givesStageAndRecoveryCopyDifferentIdentifiers();
     void leavesEverythingWhenPrepareFails();
     void leavesEverythingWhenTheCheckFails();
     void takesBackTheExchangeWhenTheLastCheckFails();
@@ -166,15 +186,72 @@ void MarkdownTransactionTest::keepsTheFilesThemselves()
     QCOMPARE(after.st_nlink, 1U);
 }
 
-void MarkdownTransactionTest::keepsPermissionsOfFolders()
+void MarkdownTransactionTest::keepsPermissionsAndTimesOfFolders()
 {
     const DataFolder data;
     data.write("Markdown/shared/file", "1");
     fs::permissions(data.path("Markdown/shared"), fs::perms(0755));
+    const std::array<timespec, 2> times{timespec{1'000, 1}, timespec{2'000, 2}};
+    QCOMPARE(::utimensat(AT_FDCWD, data.path("Markdown/shared").c_str(), times.data(), 0), 0);
 
     MarkdownTransaction::replace(data.path("Markdown"), nothing, agree);
 
-    QCOMPARE(data.status("Markdown/shared").st_mode & 07777, 0755U);
+    const struct stat after = data.status("Markdown/shared");
+    QCOMPARE(after.st_mode & 07777, 0755U);
+    QCOMPARE(after.st_mtim.tv_sec, 2'000);
+    QCOMPARE(after.st_mtim.tv_nsec, 2);
+}
+
+void MarkdownTransactionTest::keepsTheGroupOfFolders()
+{
+    constexpr gid_t group = 12345;
+    const DataFolder data;
+    data.write("Markdown/shared/file", "1");
+    if (::chown(data.path("Markdown/shared").c_str(), static_cast<uid_t>(-1), group) != 0)
+        QSKIP("Only root may give a folder to any group.");
+    QCOMPARE(::chmod(data.path("Markdown/shared").c_str(), 02770), 0);
+
+    MarkdownTransaction::replace(data.path("Markdown"), nothing, agree);
+
+    QCOMPARE(data.status("Markdown/shared").st_gid, group);
+    QCOMPARE(data.status("Markdown/shared").st_mode & 07777, 02770U);
+}
+
+void MarkdownTransactionTest::keepsAttributesOfFolders()
+{
+    const DataFolder data;
+    data.write("Markdown/tagged/file", "1");
+    const std::string path = data.path("Markdown/tagged");
+    if (::setxattr(path.c_str(), "user.tag", "blue", 4, 0) != 0)
+        QSKIP("The file system has no attributes for users.");
+
+    MarkdownTransaction::replace(data.path("Markdown"), nothing, agree);
+
+    std::array<char, 8> value{};
+    QCOMPARE(::getxattr(path.c_str(), "user.tag", value.data(), value.size()), 4);
+    QCOMPARE(QByteArray(value.data()), "blue");
+}
+
+void MarkdownTransactionTest::leavesWhatIsImmutableInItsPlace()
+{
+    for (const char *name : {"Markdown/file", "Markdown/folder"}) {
+        const DataFolder data;
+        data.write("Markdown/file", "1");
+        data.write("Markdown/folder/file", "1");
+        const fs::path path = data.path(name);
+        if (!setImmutable(path, true))
+            QSKIP("Only root may make a file immutable, and not on every file system.");
+        const auto before = data.content();
+
+        const auto error = thrown<FileError>(
+            [&] { MarkdownTransaction::replace(data.path("Markdown"), nothing, agree); });
+
+        QVERIFY(setImmutable(path, false));
+        QVERIFY(error.has_value());
+        QCOMPARE(error->systemError(), EPERM);
+        QCOMPARE(error->path(), path);
+        QCOMPARE(data.content(), before);
+    }
 }
 
 void MarkdownTransactionTest::asksOnceAndInOrder()
@@ -205,7 +282,25 @@ void MarkdownTransactionTest::givesTheOldContentToTheLastCheck()
         });
 
     QCOMPARE(seen, "old");
-    QVERIFY(name.starts_with(".quillmark-recovery-"));
+    const QRegularExpression form(
+        QStringLiteral("^\\.quillmark-recovery-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$"));
+    QVERIFY2(form.match(QString::fromStdString(name)).hasMatch(), name.c_str());
+}
+
+void MarkdownTransactionTest::givesStageAndRecoveryCopyDifferentIdentifiers()
+{
+    const DataFolder data;
+    data.write("Markdown/file", "old");
+    std::string stageName;
+    std::string recoveryName;
+
+    MarkdownTransaction::replace(
+        data.path("Markdown"), [&](const fs::path &stage) { stageName = stage.filename(); }, agree,
+        [&](const fs::path &displaced) { recoveryName = displaced.filename(); });
+
+    constexpr std::size_t length = 36;
+    QVERIFY(stageName.substr(stageName.size() - length) !=
+            recoveryName.substr(recoveryName.size() - length));
 }
 
 void MarkdownTransactionTest::namesTheStageWithAFreshIdentifier()

@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <cerrno>
+#include <functional>
+#include <stdexcept>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -44,7 +46,9 @@ private Q_SLOTS:
     void keepsTheNoteWhenItsDeletionFails();
 
     void writesOnceAfterABurstOfTyping();
+    void writesNothingMoreAfterACommit_data();
     void writesNothingMoreAfterACommit();
+    void describesAnUnknownFailureAsItStands();
     void staysPendingWhenTheDelayedWriteFails();
     void keepsADraftExactlyAsTyped();
     void tellsOfChangesOnly();
@@ -444,18 +448,43 @@ void NoteStoreTest::writesOnceAfterABurstOfTyping()
     QSignalSpy pending(&fixture.store, &NoteStore::hasPendingChangesChanged);
     QVERIFY(pending.wait());
 
-    QVERIFY(sinceLastEdit.elapsed() >= NoteStore::saveDelay.count());
+    QCOMPARE(NoteStore::saveDelay, std::chrono::milliseconds(350));
+    QVERIFY(sinceLastEdit.elapsed() >= 350);
     QCOMPARE(fixture.repository.saves(), 1);
     QCOMPARE(fixture.repository.stored().captureDraft, text);
     QVERIFY(!fixture.store.hasPendingChanges());
 }
 
+void NoteStoreTest::writesNothingMoreAfterACommit_data()
+{
+    using Commit = std::function<bool(NoteStore &)>;
+    QTest::addColumn<Commit>("commit");
+    QTest::addColumn<bool>("fails");
+
+    const auto first = [](const NoteStore &store) { return store.snapshot().notes.first(); };
+    const QList<std::pair<const char *, Commit>> commits{
+        {"flush", [](NoteStore &store) { return store.flush(); }},
+        {"capture", [](NoteStore &store) { return store.saveCapture(); }},
+        {"edit", [=](NoteStore &store) { return store.saveEdit(first(store)); }},
+        {"deletion", [=](NoteStore &store) { return store.deleteNote(first(store)); }},
+    };
+    for (const auto &[name, commit] : commits) {
+        QTest::addRow("%s", name) << commit << false;
+        QTest::addRow("%s that fails", name) << commit << true;
+    }
+}
+
 void NoteStoreTest::writesNothingMoreAfterACommit()
 {
-    Fixture fixture;
+    QFETCH(std::function<bool(NoteStore &)>, commit);
+    QFETCH(bool, fails);
+    Fixture fixture(snapshotOf({noteOf(u"tea"_s)}));
     fixture.store.setDraft(u"milk"_s);
-    QVERIFY(fixture.store.flush());
+    if (fails)
+        fixture.repository.failWith(noSpace);
+    QCOMPARE(commit(fixture.store), !fails);
     QCOMPARE(fixture.repository.saves(), 1);
+    fixture.repository.recover();
 
     // A later draft is written by its own timer, so the earlier one would have been written first.
     QTimer::singleShot(NoteStore::saveDelay / 2, &fixture.store,
@@ -463,6 +492,20 @@ void NoteStoreTest::writesNothingMoreAfterACommit()
 
     QTRY_COMPARE(fixture.repository.stored().captureDraft, u"bread"_s);
     QCOMPARE(fixture.repository.saves(), 2);
+}
+
+void NoteStoreTest::describesAnUnknownFailureAsItStands()
+{
+    Fixture fixture;
+    fixture.repository.failWith(std::length_error("too much"));
+
+    QVERIFY(!fixture.store.flush());
+
+    QCOMPARE(fixture.store.errorMessage(), u"too much"_s);
+    QVERIFY(!fixture.store.repositoryError().has_value());
+    fixture.repository.recover();
+    QVERIFY(fixture.store.flush());
+    QVERIFY(!fixture.store.errorMessage().has_value());
 }
 
 void NoteStoreTest::staysPendingWhenTheDelayedWriteFails()

@@ -8,6 +8,8 @@
 
 #include <QTest>
 #include <cerrno>
+#include <csignal>
+#include <sys/resource.h>
 
 using namespace Qt::Literals::StringLiterals;
 namespace fs = std::filesystem;
@@ -72,6 +74,8 @@ private Q_SLOTS:
     void makesTheFirstFolderWithoutFlagsOfRenames();
     void savesWhereFoldersCannotBeSynced();
     void leavesTheOldNotesToTheNextSave();
+    void savesWithTheSameRepositoryAfterAFailure();
+    void endsWhenInterruptionsDoNot();
 };
 
 void RefusedCallTest::leavesTheOldNotesAndNothingElse_data()
@@ -236,6 +240,39 @@ void RefusedCallTest::leavesTheOldNotesToTheNextSave()
     QCOMPARE(save(data, {refused(SYS_ptrace, ENOSYS)}, newNotes()), int(saved));
 
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
+}
+
+void RefusedCallTest::savesWithTheSameRepositoryAfterAFailure()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(oldNotes());
+    // The notes are longer than a file may be for a moment, as when a disk is full.
+    rlimit limit{};
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit full{1, limit.rlim_max};
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &full), 0);
+
+    const auto error = thrown<FileError>([&] { repository.save(newNotes()); });
+
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    QVERIFY(error.has_value());
+    QCOMPARE(error->systemError(), EFBIG);
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), oldNotes());
+    repository.save(newNotes());
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
+}
+
+void RefusedCallTest::endsWhenInterruptionsDoNot()
+{
+    const DataFolder data;
+    LocalNoteRepository(data.fileURL()).save(oldNotes());
+
+    QCOMPARE(save(data, {refused(SYS_fsync, EINTR)}, newNotes()), int(failedWithTheError));
+
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), oldNotes());
+    QCOMPARE(data.count(".quillmark-"), 0);
 }
 
 QTEST_GUILESS_MAIN(RefusedCallTest)
