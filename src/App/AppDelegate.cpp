@@ -74,15 +74,14 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/)
 
 AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
 {
-    if (!m_store || m_store->isReadOnly() || writeNow())
+    if (applicationWillTerminate())
         return TerminateReply::now;
     return m_quitQuestion(m_preferences.get()) ? TerminateReply::now : TerminateReply::cancel;
 }
 
-void AppDelegate::applicationWillTerminate()
+bool AppDelegate::applicationWillTerminate()
 {
-    if (m_store && !m_store->isReadOnly())
-        writeNow();
+    return !m_store || m_store->isReadOnly() || writeNow();
 }
 
 bool AppDelegate::writeNow()

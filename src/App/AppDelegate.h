@@ -46,8 +46,8 @@ public:
     /// Writes what is in memory. When that fails, the user decides.
     [[nodiscard]] TerminateReply applicationShouldTerminate();
 
-    /// Writes what is in memory, for an end that cannot be put off.
-    void applicationWillTerminate();
+    /// Writes what is in memory, for an end that cannot be put off. False when that failed.
+    bool applicationWillTerminate();
 
     [[nodiscard]] AppPreferences *preferences() const noexcept { return m_preferences.get(); }
     [[nodiscard]] NoteStore *store() const noexcept { return m_store.get(); }

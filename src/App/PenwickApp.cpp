@@ -5,6 +5,7 @@
 #include "QuitAlert.h"
 
 #include <QEvent>
+#include <QSessionManager>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -37,9 +38,9 @@ PenwickApp::PenwickApp(int &argc, char **argv)
     connect(&m_quitSignals, &QuitSignals::quitRequested, this, &PenwickApp::end);
     connect(&m_instance, &SingleInstance::activated, this, &PenwickApp::reopen);
     connect(&m_delegate, &AppDelegate::quitRequested, this, &PenwickApp::quit);
-    // The session waits for this to return, and may yet go on afterwards.
-    connect(m_application.get(), &QGuiApplication::commitDataRequest, &m_delegate,
-            &AppDelegate::applicationWillTerminate);
+    // Direct: the session waits for this to return, and may yet go on afterwards.
+    connect(m_application.get(), &QGuiApplication::commitDataRequest, this,
+            &PenwickApp::commitSession, Qt::DirectConnection);
 }
 
 PenwickApp::~PenwickApp() = default;
@@ -69,6 +70,16 @@ void PenwickApp::reopen()
 {
     if (!std::exchange(m_isStartedByBus, false))
         m_delegate.applicationShouldHandleReopen(true);
+}
+
+void PenwickApp::commitSession(QSessionManager &session)
+{
+    // The session is asked for leave to ask only when there is something to ask.
+    if (m_delegate.applicationWillTerminate() || !session.allowsErrorInteraction())
+        return;
+    if (m_delegate.applicationShouldTerminate() == AppDelegate::TerminateReply::cancel)
+        session.cancel();
+    session.release();
 }
 
 void PenwickApp::quit()

@@ -8,10 +8,12 @@
 #include <QApplication>
 #include <memory>
 
+class QSessionManager;
+
 /// The running program: brings the delegate together with what starts it, wakes it and ends it.
 ///
-/// It ends only by a wish to quit that passes the delegate's guard, or by someone who does not ask:
-/// a signal, or the end of the session.
+/// It ends only by a wish to quit that passes the delegate's guard, the end of the session included,
+/// or by someone who does not ask: a signal.
 class PenwickApp final : public QObject {
     Q_OBJECT
 
@@ -26,6 +28,7 @@ public:
 
 private:
     void reopen();
+    void commitSession(QSessionManager &session);
     void quit();
     void end();
 

@@ -117,7 +117,7 @@ void FolderSwap::fail()
 {
     const FileError error = m_parent.error(m_names.live.c_str());
     undo();
-    if (m_oldFolder && isOld(m_names.recovery))
+    if (isOld(m_names.recovery) || isNew(m_names.recovery))
         throw RepositoryError::recoveryRequired();
     throw error;
 }

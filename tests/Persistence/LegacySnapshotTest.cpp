@@ -41,6 +41,7 @@ private Q_SLOTS:
     void refuses_data();
     void refuses();
     void saysWhereTheErrorIs();
+    void saysItShortly();
 };
 
 void LegacySnapshotTest::readsTheWholeState()
@@ -184,6 +185,16 @@ void LegacySnapshotTest::refuses()
 
     QVERIFY(error.has_value());
     QVERIFY(!error->detail().isEmpty());
+}
+
+void LegacySnapshotTest::saysItShortly()
+{
+    const QByteArray json = R"({"x": [0, {")" + QByteArray(1'000'000, 'k') + R"(": nothing}]})";
+
+    const auto error = thrown<JsonError>([&] { static_cast<void>(decodeLegacySnapshot(json)); });
+
+    QVERIFY(error.has_value());
+    QCOMPARE(error->detail(), u"x[1]."_s + QString(40, u'k') + u"… is no value"_s);
 }
 
 void LegacySnapshotTest::saysWhereTheErrorIs()
