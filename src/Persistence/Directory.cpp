@@ -197,10 +197,21 @@ FileIdentity Directory::identity() const
     return {status.st_dev, status.st_ino};
 }
 
-bool Directory::isAt(const char *name, const FileIdentity &identity) const noexcept
+std::optional<FileIdentity> Directory::tryIdentity() const noexcept
+{
+    struct stat status;
+    if (::fstat(m_descriptor.get(), &status) != 0)
+        return std::nullopt;
+    return FileIdentity{status.st_dev, status.st_ino};
+}
+
+std::optional<bool> Directory::tryIsAt(const char *name,
+                                       const FileIdentity &identity) const noexcept
 {
     struct stat found;
-    return tryStatus(name, found) && FileIdentity{found.st_dev, found.st_ino} == identity;
+    if (tryStatus(name, found))
+        return FileIdentity{found.st_dev, found.st_ino} == identity;
+    return errno == ENOENT ? std::optional(false) : std::nullopt;
 }
 
 std::optional<Directory> Directory::tryOpenFolder(const char *name) const

@@ -51,9 +51,12 @@ public:
     [[nodiscard]] bool tryStatus(const char *name, struct stat &found) const noexcept;
     [[nodiscard]] struct stat ownStatus() const;
     [[nodiscard]] FileIdentity identity() const;
+    [[nodiscard]] std::optional<FileIdentity> tryIdentity() const noexcept;
 
-    /// Whether the entry is this very folder or file. False also when that cannot be told.
-    [[nodiscard]] bool isAt(const char *name, const FileIdentity &identity) const noexcept;
+    /// Whether the entry is this very folder or file. Nothing, with errno set, when that cannot be
+    /// told.
+    [[nodiscard]] std::optional<bool> tryIsAt(const char *name,
+                                              const FileIdentity &identity) const noexcept;
 
     [[nodiscard]] Directory openFolder(const char *name) const;
     [[nodiscard]] Directory makeFolder(const char *name) const;

@@ -44,7 +44,11 @@ void FolderSwap::swap()
         exchange();
     else
         publish();
-    if (!isNew(m_names.live) || (m_oldFolder && !isOld(m_old)))
+    const std::optional<bool> isNewLive = isNew(m_names.live);
+    const std::optional<bool> isOldAside = m_oldFolder ? isOld(m_old) : true;
+    if (!isNewLive || !isOldAside)
+        fail();
+    if (!*isNewLive || !*isOldAside)
         throw RepositoryError::externalChange();
 }
 
@@ -52,7 +56,7 @@ void FolderSwap::publish()
 {
     const bool isMoved = m_parent.tryRename(m_new.c_str(), m_names.live.c_str(), RENAME_NOREPLACE);
     const int reason = errno;
-    if (isMoved || isNew(m_names.live)) {
+    if (isMoved || isNew(m_names.live).value_or(false)) {
         m_new = m_names.live;
     } else if (reason == EEXIST) {
         throw RepositoryError::externalChange();
@@ -98,7 +102,7 @@ void FolderSwap::keep()
 
 void FolderSwap::keepOldFolder()
 {
-    if (isOld(m_old) && tryMove(m_old, m_names.recovery))
+    if (isOld(m_old).value_or(true) && tryMove(m_old, m_names.recovery))
         static_cast<void>(m_parent.trySync());
     throw RepositoryError::recoveryRequired();
 }
@@ -106,7 +110,7 @@ void FolderSwap::keepOldFolder()
 void FolderSwap::removeOldFolder(const LinkedTree &content, const Directory &folder) noexcept
 {
     // Whoever moved it meanwhile wants it.
-    if (!isOld(m_old))
+    if (!isOld(m_old).value_or(false))
         return;
     content.removeFrom(folder);
     static_cast<void>(m_parent.tryRemove(m_old.c_str(), DirectoryListing::Kind::folder));
@@ -117,7 +121,7 @@ void FolderSwap::fail()
 {
     const FileError error = m_parent.error(m_names.live.c_str());
     undo();
-    if (isOld(m_names.recovery) || isNew(m_names.recovery))
+    if (m_old == m_names.recovery || m_new == m_names.recovery)
         throw RepositoryError::recoveryRequired();
     throw error;
 }
@@ -129,7 +133,7 @@ void FolderSwap::undo() noexcept
     // Should anything below fail, it must not be under a name that nobody looks for.
     if (m_old == m_names.stage)
         static_cast<void>(tryMove(m_old, m_names.recovery));
-    if (m_new == m_names.live && isNew(m_new)) {
+    if (m_new == m_names.live && isNew(m_new).value_or(true)) {
         if (m_oldFolder && m_canExchange)
             static_cast<void>(tryExchange());
         else
@@ -148,11 +152,10 @@ bool FolderSwap::tryExchange() noexcept
     // Never simply repeated: a network file system may report an interruption of an exchange that
     // took place, and a second one would take it back.
     constexpr int mostTries = 100;
-    const FileIdentity &moving = m_newFolder;
     for (int i = 0; i < mostTries; ++i) {
         const bool isDone = m_parent.tryRename(m_new.c_str(), m_old.c_str(), RENAME_EXCHANGE);
         const int reason = errno;
-        if (isDone || m_parent.isAt(m_old.c_str(), moving)) {
+        if (isDone || isNew(m_old).value_or(false)) {
             std::swap(m_new, m_old);
             return true;
         }
@@ -165,11 +168,11 @@ bool FolderSwap::tryExchange() noexcept
 
 bool FolderSwap::tryMove(std::string &name, const std::string &to) noexcept
 {
-    const bool isNewFolder = isNew(name);
+    // The answer to a rename that took place may have been lost on its way.
+    const bool isNewFolder = &name == &m_new;
     if (!m_parent.tryRename(name.c_str(), to.c_str())) {
-        // The answer to a rename that took place may have been lost on its way.
         const int reason = errno;
-        if (isNewFolder ? !isNew(to) : !isOld(to)) {
+        if (!(isNewFolder ? isNew(to) : isOld(to)).value_or(false)) {
             errno = reason;
             return false;
         }
@@ -190,12 +193,12 @@ void FolderSwap::sync()
         fail();
 }
 
-bool FolderSwap::isNew(const std::string &name) const noexcept
+std::optional<bool> FolderSwap::isNew(const std::string &name) const noexcept
 {
-    return m_parent.isAt(name.c_str(), m_newFolder);
+    return m_parent.tryIsAt(name.c_str(), m_newFolder);
 }
 
-bool FolderSwap::isOld(const std::string &name) const noexcept
+std::optional<bool> FolderSwap::isOld(const std::string &name) const noexcept
 {
-    return m_oldFolder && m_parent.isAt(name.c_str(), *m_oldFolder);
+    return m_oldFolder ? m_parent.tryIsAt(name.c_str(), *m_oldFolder) : false;
 }

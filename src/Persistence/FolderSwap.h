@@ -62,8 +62,9 @@ private:
     [[noreturn]] void fail();
     void undo() noexcept;
 
-    [[nodiscard]] bool isNew(const std::string &name) const noexcept;
-    [[nodiscard]] bool isOld(const std::string &name) const noexcept;
+    /// Nothing, with errno set, when it cannot be told.
+    [[nodiscard]] std::optional<bool> isNew(const std::string &name) const noexcept;
+    [[nodiscard]] std::optional<bool> isOld(const std::string &name) const noexcept;
 
     const Directory &m_parent;
     const Names m_names;

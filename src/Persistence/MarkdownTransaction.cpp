@@ -40,7 +40,7 @@ public:
         , m_names(names)
         , m_original(original)
         , m_folder(parent.makeFolder(names.stage.c_str(), target))
-        , m_identity(m_folder.identity())
+        , m_identity(m_folder.tryIdentity())
     {
     }
     Stage(const Stage &) = delete;
@@ -48,8 +48,10 @@ public:
 
     ~Stage()
     {
-        // Another folder under its name is somebody else's, or the one that it was to replace.
-        if (m_isReleased || !m_parent.isAt(m_names.stage.c_str(), m_identity))
+        // Another folder under its name is somebody else's, or the one that it was to replace. One
+        // whose identity could not be told was never moved.
+        if (m_isReleased ||
+            (m_identity && !m_parent.tryIsAt(m_names.stage.c_str(), *m_identity).value_or(false)))
             return;
         // While it was live for a moment, another program may have written into it.
         if (m_content.tryIsStill(m_folder, m_original).value_or(true) || !m_isFinished)
@@ -75,7 +77,7 @@ private:
     const FolderSwap::Names &m_names;
     const Directory *const m_original;
     const Directory m_folder;
-    const FileIdentity m_identity;
+    const std::optional<FileIdentity> m_identity;
     LinkedTree m_content;
     bool m_isFinished = false;
     bool m_isReleased = false;

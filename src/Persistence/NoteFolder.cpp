@@ -37,7 +37,7 @@ std::optional<NoteFolder> NoteFolder::openIfExists(const std::filesystem::path &
 
 bool NoteFolder::isInPlace() const
 {
-    return m_data.isAt(folderName, m_directory.identity());
+    return m_data.tryIsAt(folderName, m_directory.identity()).value_or(true);
 }
 
 const char *NoteFolder::sectionName(Section section) noexcept
