@@ -12,8 +12,8 @@ class QSessionManager;
 
 /// The running program: brings the delegate together with what starts it, wakes it and ends it.
 ///
-/// It ends only by a wish to quit that passes the delegate's guard, the end of the session included,
-/// or by someone who does not ask: a signal.
+/// It ends only by a wish to quit that passes the delegate's guard, the end of the session
+/// included, or by someone who does not ask: a signal.
 class PenwickApp final : public QObject {
     Q_OBJECT
 

@@ -77,17 +77,23 @@ bool copyMetadata(int from, const struct stat &status, int to)
 
 } // namespace
 
-std::optional<Directory> Directory::openIfExists(const std::filesystem::path &path)
+std::optional<Directory> Directory::tryOpen(const std::filesystem::path &path)
 {
     Descriptor descriptor(
         uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-    if (descriptor.isOpen())
-        return Directory(std::move(descriptor), path);
-    if (errno == ENOENT)
+    if (!descriptor.isOpen())
         return std::nullopt;
-    if (errno == ENOTDIR)
+    return Directory(std::move(descriptor), path);
+}
+
+std::optional<Directory> Directory::openIfExists(const std::filesystem::path &path)
+{
+    std::optional<Directory> directory = tryOpen(path);
+    if (!directory && errno == ENOTDIR)
         throw FileError(path, FileError::Reason::notFolder);
-    throw FileError(path, errno);
+    if (!directory && errno != ENOENT)
+        throw FileError(path, errno);
+    return directory;
 }
 
 Directory Directory::open(const std::filesystem::path &path)
@@ -114,14 +120,12 @@ void Directory::syncPath(const std::filesystem::path &path)
         above = above.parent_path();
         // The user may have no right to list a folder, such as that of all home folders. Somebody
         // else made it then.
-        Descriptor descriptor(uninterrupted(
-            [&] { return ::open(above.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-        if (!descriptor.isOpen())
+        const std::optional<Directory> folder = tryOpen(above);
+        if (!folder)
             continue;
-        const Directory folder(std::move(descriptor), above);
-        if (folder.identity().device != device)
+        if (folder->identity().device != device)
             return;
-        folder.sync();
+        folder->sync();
     }
 }
 

@@ -31,6 +31,9 @@ public:
     [[nodiscard]] static Directory open(const std::filesystem::path &path);
     [[nodiscard]] static std::optional<Directory> openIfExists(const std::filesystem::path &path);
 
+    /// Nothing, with errno set, when it cannot be opened.
+    [[nodiscard]] static std::optional<Directory> tryOpen(const std::filesystem::path &path);
+
     /// Opens a folder and makes it first where it is missing, with the folders above it.
     [[nodiscard]] static Directory openOrMake(const std::filesystem::path &path);
 

@@ -35,6 +35,7 @@ std::filesystem::path userDataFolder()
 
 LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL)
     : m_fileURL(std::filesystem::absolute(fileURL).lexically_normal())
+    , m_typed(m_fileURL.parent_path())
 {
 }
 
@@ -51,8 +52,15 @@ std::optional<QUrl> LocalNoteRepository::notesFolderURL() const
 
 NoteSnapshot LocalNoteRepository::load()
 {
+    loadNotes();
+    NoteSnapshot snapshot = m_saved;
+    m_typed.restore(snapshot);
+    return snapshot;
+}
+
+void LocalNoteRepository::loadNotes()
+{
     MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
-    NoteSnapshot snapshot;
     m_isOnDisk = false;
     if (const auto folder = NoteFolder::openIfExists(m_fileURL.parent_path())) {
         SnapshotReader reader(collectionURL());
@@ -60,16 +68,15 @@ NoteSnapshot LocalNoteRepository::load()
         // Another program may have put a whole new folder in its place and removed this one.
         if (!folder->isInPlace())
             throw RepositoryError::externalChange();
-        snapshot = reader.takeSnapshot();
+        m_saved = reader.takeSnapshot();
         m_state = reader.takeState();
     } else if (std::optional<NoteSnapshot> legacy = readLegacySnapshot()) {
         write(*legacy);
-        snapshot = std::move(*legacy);
     } else {
+        m_saved = {};
         m_state.reset();
     }
     m_isLoaded = true;
-    return snapshot;
 }
 
 void LocalNoteRepository::save(const NoteSnapshot &snapshot)
@@ -77,8 +84,14 @@ void LocalNoteRepository::save(const NoteSnapshot &snapshot)
     if (snapshot.version != NoteSnapshot::currentVersion)
         throw RepositoryError::unsupportedVersion(snapshot.version);
     if (!m_isLoaded)
-        static_cast<void>(load());
+        loadNotes();
     write(snapshot);
+    m_typed.forget();
+}
+
+void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot)
+{
+    m_typed.keep(snapshot, m_saved);
 }
 
 std::optional<NoteSnapshot> LocalNoteRepository::readLegacySnapshot() const
@@ -109,6 +122,7 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot)
         [&] { refuseExternalChange(plan); },
         [&](const std::filesystem::path &displaced) { plan.checkReplaced(displaced); });
     m_state = plan.takeState();
+    m_saved = snapshot;
     m_isOnDisk = true;
 }
 

@@ -3,6 +3,7 @@
 
 #include "NoteFolder.h"
 #include "NoteRepository.h"
+#include "TypedText.h"
 
 #include <filesystem>
 #include <optional>
@@ -26,8 +27,10 @@ public:
     /// Reads the Markdown folder, or migrates the older JSON file, or finds nothing.
     [[nodiscard]] NoteSnapshot load() override;
     void save(const NoteSnapshot &snapshot) override;
+    void keepTyped(const NoteSnapshot &snapshot) override;
 
 private:
+    void loadNotes();
     [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot() const;
     void write(const NoteSnapshot &snapshot);
     void refuseExternalChange(SavePlan &plan) const;
@@ -38,6 +41,10 @@ private:
 
     const std::filesystem::path m_fileURL;
     bool m_isLoaded = false;
+
+    /// As it was last loaded or saved; its texts are shared with m_state.
+    NoteSnapshot m_saved;
+    TypedText m_typed;
 
     /// False as long as only memory may know of the folder that was loaded.
     bool m_isOnDisk = false;

@@ -6,7 +6,7 @@
 #include <QUrl>
 #include <optional>
 
-/// Where the notes are kept. Both operations throw a StorageError when they fail, and have then
+/// Where the notes are kept. Loading and saving throw a StorageError when they fail, and have then
 /// changed nothing.
 class NoteRepository {
 public:
@@ -23,4 +23,8 @@ public:
 
     /// Replaces the whole stored state. On return it is safe on the disk.
     virtual void save(const NoteSnapshot &snapshot) = 0;
+
+    /// Keeps the drafts from a sudden end of the program until they are saved: the next load()
+    /// gives them. Quick, and no stored note changes. May throw as well.
+    virtual void keepTyped(const NoteSnapshot & /*snapshot*/) {}
 };

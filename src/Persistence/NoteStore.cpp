@@ -213,6 +213,7 @@ bool NoteStore::commit(const NoteSnapshot &snapshot)
         setFailure(failure->message, failure->repositoryError);
         return false;
     }
+    m_sinceUnkept.invalidate();
     setSnapshot(snapshot);
     setFailure(std::nullopt, std::nullopt);
     setHasPendingChanges(false);
@@ -223,6 +224,17 @@ void NoteStore::scheduleSave()
 {
     setHasPendingChanges(true);
     m_saveTimer.start();
+    if (!m_sinceUnkept.isValid())
+        m_sinceUnkept.start();
+    else if (m_sinceUnkept.hasExpired(keepInterval.count()))
+        keepTyped();
+}
+
+void NoteStore::keepTyped()
+{
+    m_sinceUnkept.invalidate();
+    // What goes wrong here goes wrong again when it is saved, and is told then.
+    static_cast<void>(failureOf([this] { m_repository->keepTyped(m_snapshot); }));
 }
 
 void NoteStore::setSnapshot(const NoteSnapshot &snapshot)

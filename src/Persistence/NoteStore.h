@@ -5,6 +5,7 @@
 #include "NoteRepository.h"
 #include "RepositoryError.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 #include <chrono>
@@ -24,6 +25,10 @@ class NoteStore final : public QObject {
 public:
     /// From the last change of a draft to its write.
     static constexpr std::chrono::milliseconds saveDelay{350};
+
+    /// While typing goes on without such a pause, what is typed is kept this often against a sudden
+    /// end of the program.
+    static constexpr std::chrono::milliseconds keepInterval{300};
 
     using Clock = std::function<Timestamp()>;
 
@@ -103,6 +108,7 @@ Q_SIGNALS:
 private:
     bool commit(const NoteSnapshot &snapshot);
     void scheduleSave();
+    void keepTyped();
     void setSnapshot(const NoteSnapshot &snapshot);
     void setFailure(std::optional<Message> failure, std::optional<RepositoryError> repositoryError);
     void setErrorContext(const QString &context);
@@ -117,4 +123,7 @@ private:
     bool m_isReadOnly = false;
     bool m_hasPendingChanges = false;
     QTimer m_saveTimer;
+
+    /// Since the first change that is neither saved nor kept; not valid when there is none.
+    QElapsedTimer m_sinceUnkept;
 };

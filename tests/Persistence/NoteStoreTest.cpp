@@ -49,6 +49,8 @@ private Q_SLOTS:
     void writesNothingMoreAfterACommit_data();
     void writesNothingMoreAfterACommit();
     void describesAnUnknownFailureAsItStands();
+    void keepsWhatIsTypedWithoutAPause();
+    void keepsNothingThatIsSavedSoon();
     void staysPendingWhenTheDelayedWriteFails();
     void keepsADraftExactlyAsTyped();
     void tellsOfChangesOnly();
@@ -506,6 +508,38 @@ void NoteStoreTest::describesAnUnknownFailureAsItStands()
     fixture.repository.recover();
     QVERIFY(fixture.store.flush());
     QVERIFY(!fixture.store.errorMessage().has_value());
+}
+
+void NoteStoreTest::keepsWhatIsTypedWithoutAPause()
+{
+    Fixture fixture;
+    QTimer typist;
+    QString text;
+    connect(&typist, &QTimer::timeout, &fixture.store,
+            [&] { fixture.store.setDraft(text += u'x'); });
+    typist.start(std::chrono::milliseconds(50));
+
+    QTRY_VERIFY(fixture.repository.kept().size() == 3);
+    typist.stop();
+
+    QCOMPARE(fixture.repository.saves(), 0);
+    QCOMPARE(fixture.repository.kept().last().captureDraft, text);
+    // Kept at least as often as a pause would have saved it.
+    QVERIFY(fixture.repository.kept().first().captureDraft.size() <= 8);
+    QTRY_COMPARE(fixture.repository.stored().captureDraft, text);
+    QVERIFY(NoteStore::keepInterval < NoteStore::saveDelay);
+}
+
+void NoteStoreTest::keepsNothingThatIsSavedSoon()
+{
+    Fixture fixture;
+    for (int i = 0; i < 2; ++i) {
+        fixture.store.setDraft(u"milk"_s.repeated(i + 1));
+        QTRY_VERIFY(!fixture.store.hasPendingChanges());
+    }
+
+    QCOMPARE(fixture.repository.saves(), 2);
+    QVERIFY(fixture.repository.kept().isEmpty());
 }
 
 void NoteStoreTest::staysPendingWhenTheDelayedWriteFails()

@@ -47,7 +47,18 @@ public:
         m_stored = snapshot;
     }
 
+    void keepTyped(const NoteSnapshot &snapshot) override
+    {
+        if (m_fail)
+            m_fail();
+        m_kept.append(snapshot);
+    }
+
+    /// Every snapshot that was kept, in order.
+    [[nodiscard]] const QList<NoteSnapshot> &kept() const noexcept { return m_kept; }
+
 private:
+    QList<NoteSnapshot> m_kept;
     NoteSnapshot m_stored;
     std::function<void()> m_fail;
     std::optional<QUrl> m_notesFolderURL;

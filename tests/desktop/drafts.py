@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: MIT
 """Nothing that was typed is lost."""
 
+import os
 import signal
+import time
 
 from harness import DesktopTest, main, until
 
@@ -43,6 +45,29 @@ class Drafts(DesktopTest):
         again.open_editor()
         self.assertEqual(again.element("text", "Note text").text(), self.data.draft())
         self.assertFalse(again.has_element(name="Retry"))
+
+    def test_a_crash_in_the_middle_of_long_typing_loses_the_last_moment_only(self):
+        quillmark = self.start()
+        quillmark.open_editor()
+        started = time.monotonic()
+        typed = ""
+        # Never a pause in which it would be saved.
+        while time.monotonic() - started < 2:
+            self.keyboard.type("word ")
+            typed += "word "
+            time.sleep(0.05)
+        quillmark.kill()
+
+        again = self.start()
+        again.open_editor()
+
+        text = again.element("text", "Note text").text()
+        self.assertEqual(text, typed[:len(text)])
+        self.assertGreater(len(text), len(typed) / 2)
+        self.keyboard.press("Escape")
+        again.launcher()
+        self.assertEqual(self.data.draft(), text)
+        self.assertEqual(os.listdir(self.data.path), ["Markdown"])
 
     def test_a_change_of_a_note_is_a_draft_until_it_is_saved(self):
         self.data.create()

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Note.h"
+
+#include <QMap>
+#include <filesystem>
+#include <set>
+#include <string>
+
+class Directory;
+
+/// What was typed since the last save, kept beside the notes so that a sudden end of the program
+/// does not take it along.
+///
+/// Each draft has a file of its own, which says from which text the draft went on. Where another
+/// one stands there by the time it is read, it was saved meanwhile, and the file is out of date.
+/// Nothing is synced: after a power cut a file may be torn, is recognised as such, and ignored.
+class TypedText {
+public:
+    /// Touches no file.
+    explicit TypedText(std::filesystem::path dataFolder);
+
+    /// Writes the drafts that differ from the saved ones. Throws a FileError.
+    void keep(const NoteSnapshot &typed, const NoteSnapshot &saved);
+
+    /// Puts what is kept into the notes as they were loaded. Throws a FileError when a file cannot
+    /// be read.
+    void restore(NoteSnapshot &snapshot);
+
+    /// Removes what was kept or restored, since it is saved.
+    void forget() noexcept;
+
+private:
+    void keepDraft(const Directory &folder, const QString &key, const QString &typed,
+                   const QString &saved);
+
+    const std::filesystem::path m_dataFolder;
+
+    /// The names of the files that there may be.
+    std::set<std::string> m_names;
+
+    /// What they hold, by the key of the draft.
+    QMap<QString, QString> m_kept;
+};
