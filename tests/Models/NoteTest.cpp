@@ -18,6 +18,7 @@ private Q_SLOTS:
     void endsALineAtEachKindOfLineBreak();
     void differsWhenAnyFieldDiffers();
     void startsAsAnEmptySnapshotOfTheCurrentVersion();
+    void isAnotherSnapshotWhenAnyFieldDiffers();
 };
 
 namespace {
@@ -117,6 +118,25 @@ void NoteTest::startsAsAnEmptySnapshotOfTheCurrentVersion()
     QVERIFY(snapshot.notes.isEmpty());
     QVERIFY(snapshot.captureDraft.isEmpty());
     QVERIFY(snapshot.editingDrafts.isEmpty());
+}
+
+void NoteTest::isAnotherSnapshotWhenAnyFieldDiffers()
+{
+    const NoteSnapshot snapshot{1, {noteOf(u"milk"_s)}, u"draft"_s, {{u"A"_s, u"edit"_s}}};
+    NoteSnapshot other = snapshot;
+    QCOMPARE(other, snapshot);
+
+    other.version = 2;
+    QVERIFY(!(other == snapshot));
+    other = snapshot;
+    other.notes.first().body += u' ';
+    QVERIFY(!(other == snapshot));
+    other = snapshot;
+    other.captureDraft += u' ';
+    QVERIFY(!(other == snapshot));
+    other = snapshot;
+    other.editingDrafts[u"A"_s] += u' ';
+    QVERIFY(!(other == snapshot));
 }
 
 QTEST_GUILESS_MAIN(NoteTest)
