@@ -638,17 +638,18 @@ void NoteStoreTest::keepsTheStoredOrderOfNotesOfTheSameTime()
 {
     QList<Note> stored;
     for (int i = 0; i < 100; ++i)
-        stored << noteOf(QString::number(i), i % 2);
+        stored << noteOf(u"note %1"_s.arg(i), i % 2);
     QStringList expected;
     for (const int time : {1, 0}) {
         for (int i = 0; i < 100; ++i) {
             if (i % 2 == time)
-                expected << QString::number(i);
+                expected << u"note %1"_s.arg(i);
         }
     }
     const Fixture fixture(snapshotOf(stored));
 
     QCOMPARE(bodies(fixture.store.notes()), expected);
+    QCOMPARE(bodies(fixture.store.matching(u"note"_s)), expected);
 }
 
 void NoteStoreTest::findsEveryNoteByABlankQuery()
