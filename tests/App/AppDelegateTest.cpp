@@ -5,12 +5,16 @@
 #include "FloatingPanelController.h"
 #include "LocalNoteRepository.h"
 #include "NoteStore.h"
+#include "QuitAlert.h"
+#include "Views.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <functional>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,6 +32,7 @@ private Q_SLOTS:
     void showsTheLauncherAndNotTheEditor();
     void opensTheEditorWhenAskedTo();
     void readsTheStoredPreferences();
+    void keepsTheStoredPreferencesWhateverTheArguments();
     void readsAndWritesTheNotesOnDisk();
     void leavesNothingBehindInInterfaceTests();
     void showsTheLauncherAlthoughTheNotesCannotBeRead();
@@ -41,6 +46,7 @@ private Q_SLOTS:
     void quitsWithoutAQuestionOrAWriteWhenReadOnly();
     void staysWhenTheWriteFailsAndTheUserReturns();
     void quitsWithoutTheWriteWhenTheUserInsists();
+    void asksInTheLanguageOfThePreferences();
     void asksNothingAtAnEndThatCannotWait();
 
 private:
@@ -50,11 +56,17 @@ private:
         return m_dir->filePath(u"config/Penwick/Penwick.conf"_s);
     }
 
-    /// A note of another program: from here on every write of the delegate's store fails.
+    [[nodiscard]] QString foreignNote() const
+    {
+        return dataFolder() + u"/Markdown/Notes/8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F.md"_s;
+    }
+
+    /// A note of another program: as long as it is there every write of the delegate's store fails.
     void changeTheNotesFromOutside() const;
 
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<AppDelegate> m_delegate;
+    std::function<void()> m_whileAsked;
     bool m_quitsAnyway = false;
     int m_questions = 0;
 };
@@ -78,8 +90,10 @@ void AppDelegateTest::init()
     qputenv("XDG_DATA_HOME", m_dir->filePath(u"data"_s).toUtf8());
     qputenv("XDG_CONFIG_HOME", m_dir->filePath(u"config"_s).toUtf8());
     m_questions = 0;
+    m_whileAsked = [] {};
     m_delegate = std::make_unique<AppDelegate>([this](const AppPreferences *) {
         ++m_questions;
+        m_whileAsked();
         return m_quitsAnyway;
     });
 }
@@ -91,7 +105,7 @@ void AppDelegateTest::cleanup()
 
 void AppDelegateTest::changeTheNotesFromOutside() const
 {
-    QFile file(dataFolder() + u"/Markdown/Notes/8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F.md"_s);
+    QFile file(foreignNote());
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(file.write("by another program") > 0);
 }
@@ -151,6 +165,21 @@ void AppDelegateTest::readsTheStoredPreferences()
     m_delegate->preferences()->setAppearance(AppAppearance::dark);
     m_delegate.reset();
     QCOMPARE(QSettings(settingsFile(), QSettings::IniFormat).value(u"ui.appearance"_s), u"dark"_s);
+}
+
+void AppDelegateTest::keepsTheStoredPreferencesWhateverTheArguments()
+{
+    QSettings stored(settingsFile(), QSettings::IniFormat);
+    stored.setValue(u"ui.language"_s, u"en"_s);
+    stored.setValue(u"ui.appearance"_s, u"light"_s);
+    stored.sync();
+
+    m_delegate->applicationDidFinishLaunching(LaunchOptions::from(
+        {u"quillmark"_s, u"--language=zh-Hans"_s, u"--appearance=dark"_s}, {}, false));
+
+    QCOMPARE(m_delegate->preferences()->language(), AppLanguage::english);
+    QCOMPARE(m_delegate->preferences()->appearance(), AppAppearance::light);
+    QCOMPARE(m_delegate->preferences()->text(u"New note"_s), u"New note"_s);
 }
 
 void AppDelegateTest::readsAndWritesTheNotesOnDisk()
@@ -278,12 +307,40 @@ void AppDelegateTest::quitsWithoutTheWriteWhenTheUserInsists()
     changeTheNotesFromOutside();
     m_delegate->store()->setDraft(u"given up"_s);
     m_quitsAnyway = true;
+    // From the question on a write would succeed.
+    m_whileAsked = [this] { QVERIFY(QFile::remove(foreignNote())); };
 
     QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
 
     QCOMPARE(m_questions, 1);
-    QFile draft(dataFolder() + u"/Markdown/Drafts/capture.md"_s);
-    QVERIFY(!draft.open(QIODevice::ReadOnly) || draft.readAll().isEmpty());
+    QCOMPARE(storedNotes().captureDraft, QString());
+    QVERIFY(m_delegate->store()->flush());
+    QCOMPARE(storedNotes().captureDraft, u"given up"_s);
+}
+
+void AppDelegateTest::asksInTheLanguageOfThePreferences()
+{
+    QSettings(settingsFile(), QSettings::IniFormat).setValue(u"ui.language"_s, u"zh-Hans"_s);
+    AppDelegate delegate(&QuitAlert::ask);
+    delegate.applicationDidFinishLaunching(normal);
+    QVERIFY(delegate.store()->flush());
+    changeTheNotesFromOutside();
+    QStringList texts;
+    const auto answer = [&texts] {
+        auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QVERIFY(alert);
+        texts = {alert->text(), alert->informativeText()};
+        for (const QAbstractButton *button : alert->buttons())
+            texts.append(button->text());
+        alert->reject();
+    };
+    QMetaObject::invokeMethod(&delegate, answer, Qt::QueuedConnection);
+
+    QCOMPARE(delegate.applicationShouldTerminate(), AppDelegate::TerminateReply::cancel);
+
+    QCOMPARE(texts.size(), 4);
+    for (const QString &text : texts)
+        QVERIFY2(Views::isChinese(text), qPrintable(text));
 }
 
 void AppDelegateTest::asksNothingAtAnEndThatCannotWait()
