@@ -13,11 +13,15 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+Q_DECLARE_METATYPE(FloatingPanel::Kind)
+Q_DECLARE_METATYPE(Size)
+
 class FloatingPanelTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void isAFramelessTranslucentWindowOfItsContentsSize();
+    void isAWindowNamedQuillmarkToAssistiveTools_data();
     void isAWindowNamedQuillmarkToAssistiveTools();
     void keepsTheLauncherAwayFromTheKeyboard();
     void letsTheEditorTakeTheKeyboard();
@@ -54,11 +58,23 @@ void FloatingPanelTest::isAFramelessTranslucentWindowOfItsContentsSize()
     }
 }
 
+void FloatingPanelTest::isAWindowNamedQuillmarkToAssistiveTools_data()
+{
+    QTest::addColumn<FloatingPanel::Kind>("kind");
+    QTest::addColumn<Size>("size");
+
+    QTest::newRow("launcher") << FloatingPanel::Kind::launcher << PanelPlacement::launcherSize;
+    QTest::newRow("editor") << FloatingPanel::Kind::editor << PanelPlacement::editorSize;
+}
+
 void FloatingPanelTest::isAWindowNamedQuillmarkToAssistiveTools()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
-    const QAccessibleInterface *element = QAccessible::queryAccessibleInterface(&panel);
+    QFETCH(const FloatingPanel::Kind, kind);
+    QFETCH(const Size, size);
 
+    FloatingPanel panel(kind, size);
+
+    const QAccessibleInterface *element = QAccessible::queryAccessibleInterface(&panel);
     QCOMPARE(panel.windowTitle(), u"Quillmark"_s);
     QVERIFY(element);
     QCOMPARE(element->role(), QAccessible::Window);
