@@ -29,6 +29,7 @@ private Q_SLOTS:
     void measuresEveryStepFromTheStartOfThePress();
     void countsDownwardsAsPositiveHeight();
     void forgetsADragWithTheNextPress();
+    void opensOnAClickAfterADrag();
 
 private:
     LauncherInteraction m_interaction;
@@ -126,6 +127,21 @@ void LauncherInteractionTest::forgetsADragWithTheNextPress()
     m_interaction.release({200, 200});
 
     QCOMPARE(m_opened, 1);
+}
+
+void LauncherInteractionTest::opensOnAClickAfterADrag()
+{
+    m_interaction.press({0, 0});
+    m_interaction.drag({50, 0});
+    m_interaction.release({50, 0});
+    QCOMPARE(m_opened, 0);
+    m_moves.clear();
+
+    m_interaction.press({50, 0});
+    m_interaction.release({50, 0});
+
+    QCOMPARE(m_opened, 1);
+    QVERIFY(m_moves.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(LauncherInteractionTest)
