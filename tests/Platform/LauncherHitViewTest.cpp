@@ -3,6 +3,7 @@
 
 #include "AppPreferences.h"
 #include "FakeScreens.h"
+#include "PassingTime.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>
@@ -12,6 +13,7 @@
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 Q_DECLARE_METATYPE(LauncherInteraction::Translation)
 
@@ -35,6 +37,7 @@ class LauncherHitViewTest final : public QObject {
 
 private Q_SLOTS:
     void opensOnAClick();
+    void opensOnALongPressThatDoesNotMove();
     void opensOnAClickWithControlAsWell();
     void actsOnTheFirstClickWhileAnotherProgramIsActive();
     void takesAPressInACornerOutsideTheDisc();
@@ -71,14 +74,34 @@ void LauncherHitViewTest::opensOnAClick()
     QCOMPARE(moved.size(), 0);
 }
 
+void LauncherHitViewTest::opensOnALongPressThatDoesNotMove()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.show();
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
+
+    QTest::mousePress(&view, Qt::LeftButton, {}, middle);
+    PassingTime::pass(10s);
+    QTest::lastMouseTimestamp += 10'000;
+    QCOMPARE(opened.size(), 0);
+    QVERIFY(!view.findChild<QMenu *>());
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, middle);
+
+    QCOMPARE(opened.size(), 1);
+    QCOMPARE(moved.size(), 0);
+}
+
 void LauncherHitViewTest::opensOnAClickWithControlAsWell()
 {
     LauncherHitView view(m_screens, nullptr);
     const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
 
     QTest::mouseClick(&view, Qt::LeftButton, Qt::ControlModifier, middle);
 
     QCOMPARE(opened.size(), 1);
+    QCOMPARE(moved.size(), 0);
     QVERIFY(!view.findChild<QMenu *>());
 }
 
@@ -130,11 +153,18 @@ void LauncherHitViewTest::ignoresTheOtherButtonsOfTheMouse()
 {
     LauncherHitView view(m_screens, nullptr);
     const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
 
-    QTest::mouseClick(&view, Qt::MiddleButton, {}, middle);
-    QTest::mouseClick(&view, Qt::RightButton, {}, middle);
+    for (const Qt::MouseButton button : {Qt::MiddleButton, Qt::RightButton}) {
+        QTest::mouseClick(&view, button, {}, middle);
+
+        QTest::mousePress(&view, button, {}, middle);
+        QTest::mouseMove(&view, middle + QPoint(30, 10));
+        QTest::mouseRelease(&view, button, {}, middle + QPoint(30, 10));
+    }
 
     QCOMPARE(opened.size(), 0);
+    QCOMPARE(moved.size(), 0);
 }
 
 void LauncherHitViewTest::ignoresAReleaseWithoutAPress()
@@ -160,15 +190,19 @@ void LauncherHitViewTest::opensItsMenuOnARightClickAndDoesNothingElse()
     LauncherHitView view(m_screens, nullptr);
     view.show();
     const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
     const QSignalSpy quit(&view, &LauncherHitView::quitRequested);
 
+    QTest::mousePress(&view, Qt::RightButton, {}, middle);
     QContextMenuEvent event(QContextMenuEvent::Mouse, middle, view.mapToGlobal(middle));
     QCoreApplication::sendEvent(&view, &event);
+    QTest::mouseRelease(&view, Qt::RightButton, {}, middle);
 
     const auto *menu = view.findChild<QMenu *>();
     QVERIFY(menu);
     QVERIFY(menu->isVisible());
     QCOMPARE(opened.size(), 0);
+    QCOMPARE(moved.size(), 0);
     QCOMPARE(quit.size(), 0);
 }
 

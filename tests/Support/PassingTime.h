@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+
+/// Lets time pass at once, for what must not happen however long a test would wait.
+///
+/// Its source file replaces the C library's clock for the whole test program, so that every timer
+/// and every clock takes part, wherever it is kept.
+namespace PassingTime {
+
+/// Afterwards every timer that was to end within this time has run.
+void pass(std::chrono::seconds time);
+
+} // namespace PassingTime
