@@ -44,9 +44,12 @@ private Q_SLOTS:
     void showsNothingByItself();
     void startsNearTheTopRightCornerAndRemembersItAtOnce();
     void neitherReadsNorWritesThePlaceWhenItDoesNotRemember();
+    void createsNoPlaceWhenItDoesNotRemember();
     void startsWhereItWasLeft();
     void bringsARememberedPlaceBackOntoTheScreen();
     void takesAnUnreadableHeightForZero();
+    void takesAMissingHeightForZero();
+    void startsAtItsFirstPlaceWhenOnlyTheHeightIsThere();
     void survivesARememberedPlaceThatIsNoNumber();
     void startsOnTheSecondScreenWhereItWasLeft();
 
@@ -66,6 +69,8 @@ private Q_SLOTS:
     void foldsOnTheWishOfTheWorkspace();
     void staysOpenWhenTheWriteFails();
     void foldsAReadOnlyStoreWithoutWriting();
+    void writesAgainWhenItIsFoldedAlready();
+    void staysFoldedWhenThatWriteFails();
 
     void givesTheKeyboardBack();
     void givesTheKeyboardBackToNobodyWhenNobodyHadIt();
@@ -76,6 +81,7 @@ private Q_SLOTS:
     void followsTheSystemsScheme();
     void retitlesOnlyTheLauncher();
     void bringsBothPanelsToTheMainScreenWhenTheirsIsPulledOut();
+    void staysFoldedWhenTheScreensChange();
     void rehomesOnAFixedAreaWithoutAnyScreen();
     void asksToQuit();
 
@@ -192,7 +198,22 @@ void FloatingPanelControllerTest::neitherReadsNorWritesThePlaceWhenItDoesNotReme
     QCOMPARE(launcherFrame(), (Rect{1352, 792, 64, 64}));
 
     drag({-200, 0}, true);
+    m_screens->set({mainScreen});
     QCOMPARE(remembered(), QPointF(100, 100));
+}
+
+void FloatingPanelControllerTest::createsNoPlaceWhenItDoesNotRemember()
+{
+    make(false);
+
+    drag({-200, 0}, true);
+    m_screens->set({mainScreen});
+    m_controller->expand();
+    m_controller->collapse();
+
+    m_defaults->sync();
+    QCOMPARE(m_defaults->allKeys(), QStringList());
+    QVERIFY(!QFile::exists(m_defaults->fileName()));
 }
 
 void FloatingPanelControllerTest::startsWhereItWasLeft()
@@ -221,6 +242,28 @@ void FloatingPanelControllerTest::takesAnUnreadableHeightForZero()
     make();
 
     QCOMPARE(launcherFrame(), (Rect{300, 12, 64, 64}));
+}
+
+void FloatingPanelControllerTest::takesAMissingHeightForZero()
+{
+    // A screen on which the launcher may lie at zero.
+    m_screens->set({{{0, -400, 1440, 900}, {0, -400, 1440, 900}}});
+    m_defaults->setValue(u"launcher.x"_s, 300.0);
+
+    make();
+
+    QCOMPARE(launcherFrame(), (Rect{300, 0, 64, 64}));
+    QCOMPARE(remembered(), QPointF(300, 0));
+}
+
+void FloatingPanelControllerTest::startsAtItsFirstPlaceWhenOnlyTheHeightIsThere()
+{
+    m_defaults->setValue(u"launcher.y"_s, 123.0);
+
+    make();
+
+    QCOMPARE(launcherFrame(), (Rect{1352, 792, 64, 64}));
+    QCOMPARE(remembered(), QPointF(1352, 792));
 }
 
 void FloatingPanelControllerTest::survivesARememberedPlaceThatIsNoNumber()
@@ -435,6 +478,39 @@ void FloatingPanelControllerTest::foldsAReadOnlyStoreWithoutWriting()
     QCOMPARE(m_repository->saves(), 0);
 }
 
+void FloatingPanelControllerTest::writesAgainWhenItIsFoldedAlready()
+{
+    make();
+    m_controller->expand();
+    m_controller->collapse();
+    m_store->setDraft(u"buy milk"_s);
+    const int saves = m_repository->saves();
+
+    m_controller->collapse();
+
+    QCOMPARE(m_repository->saves(), saves + 1);
+    QCOMPARE(m_repository->stored().captureDraft, u"buy milk"_s);
+    QVERIFY(!m_controller->isExpanded());
+    QVERIFY(!m_controller->editor().isVisible());
+    QVERIFY(m_controller->launcher().isVisible());
+    m_controller->expand();
+    QVERIFY(workspace());
+}
+
+void FloatingPanelControllerTest::staysFoldedWhenThatWriteFails()
+{
+    make();
+    m_controller->launcher().show();
+    m_repository->failWith(FileError("/notes", ENOSPC));
+
+    m_controller->collapse();
+
+    QCOMPARE(m_repository->saves(), 1);
+    QVERIFY(!m_controller->isExpanded());
+    QVERIFY(!m_controller->editor().isVisible());
+    QVERIFY(m_controller->launcher().isVisible());
+}
+
 void FloatingPanelControllerTest::givesTheKeyboardBack()
 {
     make();
@@ -538,6 +614,26 @@ void FloatingPanelControllerTest::bringsBothPanelsToTheMainScreenWhenTheirsIsPul
     QCOMPARE(launcherFrame(), (Rect{1364, 300, 64, 64}));
     QCOMPARE(editorFrame(), (Rect{1004, 12, 424, 560}));
     QCOMPARE(remembered(), QPointF(1364, 300));
+}
+
+void FloatingPanelControllerTest::staysFoldedWhenTheScreensChange()
+{
+    m_screens->set({bareScreen, secondScreen});
+    remember(2000.0, 300.0);
+    make();
+    m_controller->launcher().show();
+
+    m_screens->set({bareScreen});
+    QVERIFY(!m_controller->isExpanded());
+    QVERIFY(!m_controller->editor().isVisible());
+    QVERIFY(m_controller->launcher().isVisible());
+
+    m_controller->expand();
+    m_controller->collapse();
+    m_screens->set({secondScreen});
+    QVERIFY(!m_controller->isExpanded());
+    QVERIFY(!m_controller->editor().isVisible());
+    QVERIFY(m_controller->launcher().isVisible());
 }
 
 void FloatingPanelControllerTest::rehomesOnAFixedAreaWithoutAnyScreen()
