@@ -8,6 +8,9 @@
 #include "NoteTheme.h"
 #include "SystemAppearance.h"
 
+#include <QAccessible>
+#include <QAnimationDriver>
+#include <QCursor>
 #include <QEnterEvent>
 #include <QSignalSpy>
 #include <QTest>
@@ -31,6 +34,42 @@ void leave(QWidget &view)
     QCoreApplication::sendEvent(&view, &event);
 }
 
+/// The time of all animations, which passes only when a test says so.
+class AnimationTime final : public QAnimationDriver {
+public:
+    AnimationTime() { install(); }
+    ~AnimationTime() override { uninstall(); }
+    Q_DISABLE_COPY_MOVE(AnimationTime)
+
+    [[nodiscard]] qint64 elapsed() const override { return m_milliseconds; }
+
+    /// Since the first animation began.
+    void passTo(qint64 milliseconds)
+    {
+        // An animation that was just started waits for events before and after an advance.
+        QCoreApplication::processEvents();
+        advance();
+        QCoreApplication::processEvents();
+        m_milliseconds = milliseconds;
+        advance();
+    }
+
+private:
+    qint64 m_milliseconds = 0;
+};
+
+/// Of the element and all below it those that have a name or can be pressed.
+QList<QAccessibleInterface *> elements(QAccessibleInterface *root)
+{
+    QList<QAccessibleInterface *> result;
+    QAccessibleActionInterface *actions = root->actionInterface();
+    if (!root->text(QAccessible::Name).isEmpty() || (actions && !actions->actionNames().isEmpty()))
+        result.append(root);
+    for (int i = 0; i < root->childCount(); ++i)
+        result += elements(root->child(i));
+    return result;
+}
+
 bool isNear(const QColor &color, const QColor &expected)
 {
     constexpr int tolerance = 12;
@@ -50,12 +89,15 @@ private Q_SLOTS:
     void drawsADiscInTheMiddleOfTheLauncher();
     void growsUnderThePointerAndStaysCentred();
     void growsGradually();
+    void easesOutWithinSixteenHundredthsOfASecond();
+    void shrinksOnTheSameCurve();
     void onlyChangesItsColourWhenMotionIsReduced();
     void drawsThePlusInTheAccentColourUnderThePointer();
     void forgetsThePointerWhileItIsHidden();
     void drawsADarkSurfaceInTheDarkScheme();
     void isOpaqueWhenTransparencyIsReduced();
     void coversItselfWithTheHitView();
+    void isASingleElementToAssistiveTools();
     void passesOnWhatTheHitViewAsksFor();
     void followsTheLanguageWithoutBeingRebuilt();
 
@@ -79,6 +121,8 @@ void LauncherViewTest::init()
     m_environment->setAttribute(Qt::WA_TranslucentBackground);
     m_view = new LauncherView(*m_preferences, m_screens);
     m_environment->setContent(m_view);
+    // Away from the launcher, which would otherwise come up under the pointer.
+    QCursor::setPos(m_environment->mapToGlobal(QPoint(400, 400)));
     m_environment->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_environment.get()));
 }
@@ -110,10 +154,53 @@ void LauncherViewTest::growsUnderThePointerAndStaysCentred()
 
 void LauncherViewTest::growsGradually()
 {
+    AnimationTime time;
+    enter(*m_view);
+    QCOMPARE(m_view->disc(), discAtRest);
+
+    double width = discAtRest.width();
+    for (const int milliseconds : {20, 60, 100, 140}) {
+        time.passTo(milliseconds);
+        QVERIFY(m_view->disc().width() > width);
+        QCOMPARE(m_view->disc().center(), QPointF(32, 32));
+        width = m_view->disc().width();
+    }
+    QVERIFY(width < 54 * 1.04);
+}
+
+void LauncherViewTest::easesOutWithinSixteenHundredthsOfASecond()
+{
+    AnimationTime time;
+
     enter(*m_view);
 
+    // How much of the growth is done after a quarter, half and three quarters of the time.
+    const auto growth = [this] { return (m_view->disc().width() / 54 - 1) / 0.04; };
+    time.passTo(40);
+    QVERIFY2(qAbs(growth() - 0.378) < 0.001, qPrintable(QString::number(growth())));
+    time.passTo(80);
+    QVERIFY2(qAbs(growth() - 0.685) < 0.001, qPrintable(QString::number(growth())));
+    time.passTo(120);
+    QVERIFY2(qAbs(growth() - 0.907) < 0.001, qPrintable(QString::number(growth())));
+    time.passTo(159);
+    QVERIFY(growth() < 1);
+    time.passTo(160);
+    QCOMPARE(m_view->disc().width(), 54 * 1.04);
+}
+
+void LauncherViewTest::shrinksOnTheSameCurve()
+{
+    AnimationTime time;
+    enter(*m_view);
+    time.passTo(160);
+
+    leave(*m_view);
+
+    const auto shrinking = [this] { return (54 * 1.04 - m_view->disc().width()) / (54 * 0.04); };
+    time.passTo(160 + 80);
+    QVERIFY2(qAbs(shrinking() - 0.685) < 0.001, qPrintable(QString::number(shrinking())));
+    time.passTo(160 + 160);
     QCOMPARE(m_view->disc(), discAtRest);
-    QTRY_VERIFY(m_view->disc().width() > discAtRest.width());
 }
 
 void LauncherViewTest::onlyChangesItsColourWhenMotionIsReduced()
@@ -175,6 +262,17 @@ void LauncherViewTest::coversItselfWithTheHitView()
     QVERIFY(hitView);
     QCOMPARE(hitView->geometry(), m_view->rect());
     QCOMPARE(m_view->childAt(0, 0), hitView);
+}
+
+void LauncherViewTest::isASingleElementToAssistiveTools()
+{
+    const QList<QAccessibleInterface *> found =
+        elements(QAccessible::queryAccessibleInterface(m_environment.get()));
+
+    QCOMPARE(found.size(), 1);
+    QCOMPARE(found.constFirst()->object(), m_view->findChild<LauncherHitView *>());
+    QCOMPARE(found.constFirst()->role(), QAccessible::Button);
+    QCOMPARE(found.constFirst()->text(QAccessible::Name), u"New note"_s);
 }
 
 void LauncherViewTest::passesOnWhatTheHitViewAsksFor()
