@@ -35,12 +35,12 @@ inline double contrast(const QColor &one, const QColor &other)
     return (light + 0.05) / (dark + 0.05);
 }
 
-/// The view as it is drawn over nothing.
-inline QImage draw(QWidget &view, double ratio = 1)
+/// The view as it is drawn over nothing, or over a colour.
+inline QImage draw(QWidget &view, double ratio = 1, const QColor &ground = Qt::transparent)
 {
     QImage image(view.size() * ratio, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
+    image.fill(ground);
     view.render(&image, {}, {}, QWidget::DrawChildren);
     return image;
 }
@@ -56,6 +56,19 @@ inline QRect inkBounds(const QImage &image)
         }
     }
     return bounds;
+}
+
+/// How far from both edges of the image, in points, a filled shape begins on the diagonal of one
+/// corner. A corner of radius r begins at 0.293 r.
+inline double cornerCut(const QImage &image, bool isRight, bool isBottom)
+{
+    int cut = 0;
+    while (cut < image.width() && cut < image.height() &&
+           image.pixelColor(isRight ? image.width() - 1 - cut : cut,
+                            isBottom ? image.height() - 1 - cut : cut)
+                   .alpha() == 0)
+        ++cut;
+    return cut / image.devicePixelRatio();
 }
 
 /// The same to within what rounding of 8-bit colours explains.
