@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "NoteWorkspaceView.h"
 #include "AppPreferences.h"
+#include "Divider.h"
+#include "Dot.h"
 #include "FailingRepository.h"
 #include "FileError.h"
 #include "NoteStore.h"
 #include "NoteTextEditor.h"
+#include "QuietIconButton.h"
 #include "RepositoryError.h"
 #include "Views.h"
 
@@ -27,9 +30,12 @@ private Q_SLOTS:
     void opensANoteFromTheLibrary();
     void returnsToTheLibraryWithTheKeyboardOnTheNote();
     void forgetsTheOpenNoteWhenATabIsChosen();
+    void forgetsThatTheNoteWasCopiedWhenItIsReopened();
     void reopensTheLibraryWithAnEmptySearch();
     void countsTheNotesInTheFooter_data();
     void countsTheNotesInTheFooter();
+    void drawsALineAboveTheFooterWithinTheMargins();
+    void separatesTheFootersTextsByADot();
     void asksToCollapseWithItsButton();
     void asksToCollapseAfterASave();
     void hasNoBannerWhileAllIsWell();
@@ -193,6 +199,23 @@ void NoteWorkspaceViewTest::forgetsTheOpenNoteWhenATabIsChosen()
     QVERIFY(!workspace.has("saveEdit"));
 }
 
+void NoteWorkspaceViewTest::forgetsThatTheNoteWasCopiedWhenItIsReopened()
+{
+    Workspace workspace(3);
+    QVERIFY(Views::show(workspace.panel));
+    const auto copySymbol = [&workspace] {
+        return Views::find<QuietIconButton>(*workspace.view, "copyText")->symbol();
+    };
+    workspace.openFirstNote();
+    workspace.click("copyText");
+    QCOMPARE(copySymbol(), u"checkmark"_s);
+
+    workspace.click("allNotes");
+    workspace.openFirstNote();
+
+    QCOMPARE(copySymbol(), u"doc.on.doc"_s);
+}
+
 void NoteWorkspaceViewTest::reopensTheLibraryWithAnEmptySearch()
 {
     Workspace workspace(3);
@@ -228,6 +251,34 @@ void NoteWorkspaceViewTest::countsTheNotesInTheFooter()
     QCOMPARE(workspace.text("noteCount"), text);
     QCOMPARE(workspace.text("storage"), u"Markdown · local"_s);
     QCOMPARE(workspace.text("tagline"), u"Capture now. Think later."_s);
+}
+
+void NoteWorkspaceViewTest::drawsALineAboveTheFooterWithinTheMargins()
+{
+    Workspace workspace;
+    QVERIFY(Views::show(workspace.panel));
+
+    const auto *line = workspace.view->findChild<Divider *>();
+
+    QVERIFY(line);
+    QCOMPARE(line->x(), 26);
+    QCOMPARE(line->width(), 424 - 2 * 26);
+    QCOMPARE(line->height(), 1);
+    QVERIFY(line->y() < Views::find(*workspace.view, "storage")->y());
+    QVERIFY(line->y() > workspace.editor()->mapTo(workspace.view, QPoint()).y());
+}
+
+void NoteWorkspaceViewTest::separatesTheFootersTextsByADot()
+{
+    Workspace workspace;
+    QVERIFY(Views::show(workspace.panel));
+
+    const auto *dot = workspace.view->findChild<Dot *>({}, Qt::FindDirectChildrenOnly);
+
+    QVERIFY(dot);
+    QCOMPARE(dot->size(), QSize(3, 3));
+    QVERIFY(dot->x() > Views::find(*workspace.view, "noteCount")->geometry().right());
+    QVERIFY(dot->geometry().right() < Views::find(*workspace.view, "tagline")->x());
 }
 
 void NoteWorkspaceViewTest::asksToCollapseWithItsButton()
