@@ -5,6 +5,7 @@
 #include "Note.h"
 #include "NoteListView.h"
 #include "NoteStore.h"
+#include "Pixels.h"
 #include "SymbolView.h"
 #include "Views.h"
 
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void invitesToWriteWhenThereAreNoNotes();
     void saysThatNothingMatches();
     void takesASpaceForASearch();
+    void marksTheRowUnderThePointerAlone();
     void opensTheNoteThatIsClicked();
     void opensNothingBetweenTheRows();
     void opensWithTheKeyboard();
@@ -229,6 +231,26 @@ void NoteLibraryViewTest::takesASpaceForASearch()
     QVERIFY(Views::show(full.view));
     QTest::keyClick(full.search(), Qt::Key_Space);
     QCOMPARE(full.titles().size(), 2);
+}
+
+void NoteLibraryViewTest::marksTheRowUnderThePointerAlone()
+{
+    Screen screen(withNotes({u"milk"_s, u"bread"_s}));
+    QVERIFY(Views::show(screen.view));
+    QWidget *viewport = screen.list()->viewport();
+    const auto fill = [&](int row) {
+        const QRect item = screen.list()->visualRect(screen.model()->index(row, 0));
+        return Pixels::draw(*viewport).pixelColor(item.center().x(), item.top() + 4).alpha();
+    };
+    const int usual = fill(0);
+    QCOMPARE(fill(1), usual);
+
+    QTest::mouseMove(viewport, screen.middleOf(1));
+    QTRY_VERIFY(fill(1) > usual);
+    QCOMPARE(fill(0), usual);
+
+    QTest::mouseMove(screen.search());
+    QTRY_COMPARE(fill(1), usual);
 }
 
 void NoteLibraryViewTest::opensTheNoteThatIsClicked()
