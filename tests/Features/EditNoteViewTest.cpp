@@ -6,6 +6,7 @@
 #include "NoteId.h"
 #include "NoteStore.h"
 #include "NoteTextEditor.h"
+#include "PassingTime.h"
 #include "QuietIconButton.h"
 #include "Views.h"
 
@@ -17,6 +18,7 @@
 #include <cerrno>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 class EditNoteViewTest final : public QObject {
     Q_OBJECT
@@ -31,6 +33,7 @@ private Q_SLOTS:
     void savesWithTheButtonAndGoesBack();
     void savesWithTheKeysAndGoesBack();
     void staysWithTheDraftWhenTheSaveFails();
+    void cannotSaveANoteEmptyButKeepsTheEmptyDraft_data();
     void cannotSaveANoteEmptyButKeepsTheEmptyDraft();
     void goesBackWithoutSaving();
     void copiesTheDraftAndNotTheSavedText();
@@ -177,18 +180,34 @@ void EditNoteViewTest::staysWithTheDraftWhenTheSaveFails()
     QCOMPARE(Views::text(screen.view, "editStatus"), u"Not saved · Retry"_s);
 }
 
+void EditNoteViewTest::cannotSaveANoteEmptyButKeepsTheEmptyDraft_data()
+{
+    QTest::addColumn<QList<int>>("keys");
+    QTest::addColumn<QString>("draft");
+
+    QTest::newRow("nothing") << QList<int>{Qt::Key_Delete} << u""_s;
+    QTest::newRow("spaces and a line break")
+        << QList<int>{Qt::Key_Space, Qt::Key_Space, Qt::Key_Return} << u"  \n"_s;
+}
+
 void EditNoteViewTest::cannotSaveANoteEmptyButKeepsTheEmptyDraft()
 {
+    QFETCH(const QList<int>, keys);
+    QFETCH(const QString, draft);
     Screen screen;
     QVERIFY(Views::show(screen.view));
+    QVERIFY(screen.button("saveEdit")->isEnabled());
 
-    selectAllAndType(screen.editor(), u"  "_s);
-    QTest::keyClick(screen.editor(), Qt::Key_Return);
+    QTest::keyClick(screen.editor(), Qt::Key_A, Qt::ControlModifier);
+    for (const int key : keys)
+        QTest::keyClick(screen.editor(), Qt::Key(key));
     QTest::keyClick(screen.editor(), Qt::Key_Return, Qt::ControlModifier);
 
     QVERIFY(!screen.button("saveEdit")->isEnabled());
     QCOMPARE(screen.back.count(), 0);
-    QCOMPARE(screen.store.text(milkNote()), u"  \n"_s);
+    QVERIFY(screen.store.hasDraft(milkNote()));
+    QCOMPARE(screen.store.text(milkNote()), draft);
+    QCOMPARE(screen.editor()->noteText(), draft);
     QCOMPARE(screen.store.snapshot().notes.first().body, u"milk"_s);
 }
 
@@ -224,6 +243,8 @@ void EditNoteViewTest::showsThatItCopiedAsLongAsItIsOpen()
 
     Views::click(screen.view, "copyText");
     QTest::keyClicks(screen.editor(), u" and bread"_s);
+    QCOMPARE(screen.copySymbol(), u"checkmark"_s);
+    PassingTime::pass(1min);
 
     QCOMPARE(screen.copySymbol(), u"checkmark"_s);
 }
