@@ -5,6 +5,7 @@
 
 #include <QPainterPath>
 #include <QTest>
+#include <numbers>
 
 Q_DECLARE_METATYPE(ColorScheme)
 
@@ -18,6 +19,8 @@ private Q_SLOTS:
     void isOpaqueWithReducedTransparency();
     void hasABorderInsideItsShape_data();
     void hasABorderInsideItsShape();
+    void hasCornersOfRadiusTwentySix_data();
+    void hasCornersOfRadiusTwentySix();
     void keepsItsCornersFree_data();
     void keepsItsCornersFree();
     void followsTheSchemeOfItsEnvironment();
@@ -60,27 +63,28 @@ void GlassSurfaceTest::liesUnderItsTint_data()
     addSchemes();
 }
 
-/// Taking the tint off the colour of all layers must leave a backdrop that is one: translucent,
-/// and with channels between 0 and 1.
+/// The layers apart, as they are meant: the tint over the backdrop that stands for a blur.
 void GlassSurfaceTest::liesUnderItsTint()
 {
     QFETCH(ColorScheme, scheme);
     const bool isDark = scheme == ColorScheme::dark;
-    const std::array<double, 3> tint =
-        isDark ? std::array{0.0, 0.0, 0.0} : std::array{1.0, 0.97, 0.91};
-    const double tintOpacity = isDark ? 0.2 : 0.4;
+    const QColor backdrop = isDark ? QColor::fromRgbF(0.13F, 0.125F, 0.12F, 0.9F)
+                                   : QColor::fromRgbF(0.93F, 0.925F, 0.915F, 0.86F);
+    const QColor tint =
+        isDark ? QColor::fromRgbF(0, 0, 0, 0.2F) : QColor::fromRgbF(1, 0.97F, 0.91F, 0.4F);
+    const float rest = backdrop.alphaF() * (1 - tint.alphaF());
+    const float opacity = tint.alphaF() + rest;
+    const auto mixed = [&](float above, float below) {
+        return (above * tint.alphaF() + below * rest) / opacity;
+    };
 
     const QColor whole = GlassSurface::fill(scheme, false);
 
-    const double backdropOpacity = (whole.alphaF() - tintOpacity) / (1 - tintOpacity);
-    QVERIFY(backdropOpacity > 0.5 && backdropOpacity < 1);
-    const std::array channels{whole.redF(), whole.greenF(), whole.blueF()};
-    for (std::size_t i = 0; i < channels.size(); ++i) {
-        const double rest = channels[i] * whole.alphaF() - tint[i] * tintOpacity;
-        const double backdrop = rest / (backdropOpacity * (1 - tintOpacity));
-        QVERIFY2(isDark ? backdrop > 0 && backdrop < 0.25 : backdrop > 0.85 && backdrop < 1,
-                 qPrintable(QString::number(backdrop)));
-    }
+    constexpr float tolerance = 0.001F;
+    QVERIFY(std::abs(whole.alphaF() - opacity) < tolerance);
+    QVERIFY(std::abs(whole.redF() - mixed(tint.redF(), backdrop.redF())) < tolerance);
+    QVERIFY(std::abs(whole.greenF() - mixed(tint.greenF(), backdrop.greenF())) < tolerance);
+    QVERIFY(std::abs(whole.blueF() - mixed(tint.blueF(), backdrop.blueF())) < tolerance);
     QVERIFY(Pixels::isAlike(surface(scheme, false).pixelColor(212, 280), whole));
 }
 
@@ -128,6 +132,30 @@ void GlassSurfaceTest::hasABorderInsideItsShape()
     }
 }
 
+void GlassSurfaceTest::hasCornersOfRadiusTwentySix_data()
+{
+    addSchemesAndTransparency();
+}
+
+void GlassSurfaceTest::hasCornersOfRadiusTwentySix()
+{
+    QFETCH(ColorScheme, scheme);
+    QFETCH(bool, isOpaque);
+    QCOMPARE(GlassSurface::cornerRadius, 26.0);
+
+    for (const QSize size : {QSize(200, 120), QSize(54, 54)}) {
+        const QImage image = surface(scheme, isOpaque, size, 20);
+
+        const double cut = 26 * (1 - 1 / std::numbers::sqrt2);
+        for (const bool isRight : {false, true}) {
+            for (const bool isBottom : {false, true}) {
+                const double begins = Pixels::cornerCut(image, isRight, isBottom);
+                QVERIFY2(std::abs(begins - cut) < 0.1, qPrintable(QString::number(begins)));
+            }
+        }
+    }
+}
+
 void GlassSurfaceTest::keepsItsCornersFree_data()
 {
     addSchemesAndTransparency();
@@ -141,7 +169,7 @@ void GlassSurfaceTest::keepsItsCornersFree()
     for (const QSize size : {QSize(424, 560), QSize(54, 54)}) {
         for (const double ratio : {1.0, 2.0}) {
             const QImage image = surface(scheme, isOpaque, size, ratio);
-            const QPainterPath outline = GlassSurface::outline(QRectF({}, size));
+            const QPainterPath outline = GlassSurface::outline(QRectF({}, size), 26);
             for (int y = 0; y < image.height(); ++y) {
                 for (int x = 0; x < image.width(); ++x) {
                     const QPointF middle = QPointF(x + 0.5, y + 0.5) / ratio;
