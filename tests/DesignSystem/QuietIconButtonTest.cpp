@@ -2,6 +2,7 @@
 #include "QuietIconButton.h"
 #include "FixedEnvironment.h"
 #include "Pixels.h"
+#include "Symbol.h"
 
 #include <QAccessible>
 #include <QSignalSpy>
@@ -15,6 +16,7 @@ class QuietIconButtonTest final : public QObject {
 
 private Q_SLOTS:
     void measuresThirtyByThirty();
+    void drawsItsSymbolInThirteenPointsInTheMiddle();
     void takesClicksInItsWholeSquare();
     void isPressedByReturnAndSpace();
     void leavesShortcutsToItsScreen();
@@ -47,6 +49,19 @@ void QuietIconButtonTest::measuresThirtyByThirty()
     environment.show();
 
     QCOMPARE(button->size(), QSize(30, 30));
+}
+
+void QuietIconButtonTest::drawsItsSymbolInThirteenPointsInTheMiddle()
+{
+    const auto button = makeButton();
+    QImage expected(30, 30, QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    Symbol::paint(painter, QRectF(0, 0, 30, 30), u"minus"_s, 13,
+                  NoteTheme::secondary(button->palette()), QFont::Medium);
+    painter.end();
+
+    QCOMPARE(Pixels::draw(*button), expected);
 }
 
 void QuietIconButtonTest::takesClicksInItsWholeSquare()
