@@ -3,11 +3,14 @@
 #include "AppPreferences.h"
 #include "NoteTheme.h"
 #include "Pixels.h"
+#include "Symbol.h"
 #include "SystemAppearance.h"
 
 #include <QAccessible>
 #include <QMenu>
+#include <QSettings>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -34,7 +37,12 @@ namespace {
 const QUrl folder = QUrl::fromLocalFile(u"/home/someone/notes"_s);
 
 struct Fixture {
-    AppPreferences preferences{nullptr, AppLanguage::english, AppAppearance::light};
+    explicit Fixture(QSettings *defaults = nullptr)
+        : preferences(defaults, AppLanguage::english, AppAppearance::light)
+    {
+    }
+
+    AppPreferences preferences;
     std::optional<QUrl> notesFolder;
     PreferencesMenu button{preferences, [this] { return notesFolder; }};
 
@@ -157,15 +165,26 @@ void PreferencesMenuTest::choosesAnAppearance()
 
 void PreferencesMenuTest::setsAlsoTheValueThatIsAlreadyChosen()
 {
-    const Fixture fixture;
+    const QTemporaryDir dir;
+    QSettings defaults(dir.filePath(u"Penwick.conf"_s), QSettings::IniFormat);
+    const Fixture fixture(&defaults);
     QSignalSpy didChange(&fixture.preferences, &AppPreferences::didChange);
     QSignalSpy languageChanged(&fixture.preferences, &AppPreferences::languageChanged);
+    QSignalSpy appearanceChanged(&fixture.preferences, &AppPreferences::appearanceChanged);
+    QCOMPARE(defaults.allKeys(), QStringList());
 
-    fixture.choose(languages, 1);
-    fixture.choose(appearances, 1);
+    for (const int index : {languages, appearances}) {
+        defaults.clear();
+        didChange.clear();
+        fixture.choose(index, 1);
 
-    QCOMPARE(didChange.size(), 2);
+        QCOMPARE(didChange.size(), 1);
+        QCOMPARE(defaults.value(u"ui.language"_s), u"en"_s);
+        QCOMPARE(defaults.value(u"ui.appearance"_s), u"light"_s);
+    }
+
     QCOMPARE(languageChanged.size(), 0);
+    QCOMPARE(appearanceChanged.size(), 0);
     QCOMPARE(fixture.checked(languages), u"English"_s);
     QCOMPARE(fixture.checked(appearances), u"Light"_s);
 }
@@ -183,10 +202,13 @@ void PreferencesMenuTest::looksAndReadsAsDescribed()
     QCOMPARE(accessible->text(QAccessible::Name), u"Preferences"_s);
     QCOMPARE(accessible->role(), QAccessible::ButtonMenu);
 
-    const QRect ink = Pixels::inkBounds(Pixels::draw(button));
-    QVERIFY(!ink.isEmpty());
-    QVERIFY(std::abs(ink.left() + ink.right() - 24) <= 1);
-    QVERIFY(std::abs(ink.top() + ink.bottom() - 27) <= 1);
+    QImage expected(25, 28, QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    Symbol::paint(painter, QRectF(0, 0, 25, 28), u"slider.horizontal.3"_s, 13,
+                  NoteTheme::secondary(button.palette()));
+    painter.end();
+    QCOMPARE(Pixels::draw(button), expected);
 }
 
 void PreferencesMenuTest::opensByMouseAndKeyboard_data()
