@@ -159,12 +159,17 @@ void AppEnvironmentTest::isFoundFromEveryDescendantAlone()
     SystemAppearance system;
     AppEnvironment environment(preferences, system);
     auto *content = new QWidget;
+    auto *child = new QWidget(content);
+    auto *grandchild = new QLineEdit(child);
     environment.setContent(content);
     QWidget alone;
+    const QWidget childOfAlone(&alone);
 
-    QCOMPARE(ViewEnvironment::of(content), &environment);
-    QCOMPARE(ViewEnvironment::of(&alone), nullptr);
-    QCOMPARE(ViewEnvironment::of(nullptr), nullptr);
+    for (const QWidget *view : std::initializer_list<const QWidget *>{content, child, grandchild})
+        QCOMPARE(ViewEnvironment::of(view), &environment);
+    for (const QWidget *view :
+         std::initializer_list<const QWidget *>{&alone, &childOfAlone, nullptr})
+        QCOMPARE(ViewEnvironment::of(view), nullptr);
 }
 
 void AppEnvironmentTest::replacesAndDeletesItsContent()
