@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Any folder is either refused, and then untouched, or loaded, saved and loaded again unchanged.
 //
-// The input is a list of files. Each begins with a byte that says where it goes (the folder, Notes
-// or Drafts), a byte for the length of its name, the name, two bytes for the length of the content
-// (big-endian), and the content.
+// The input is a list of files. Each begins with a byte that says where it goes (the folder, Notes,
+// Drafts, or the data folder), a byte for the length of its name, the name, two bytes for the
+// length of the content (big-endian), and the content.
 #include "LocalNoteRepository.h"
 #include "StorageError.h"
 
@@ -56,14 +56,15 @@ bool isFileName(std::string_view name)
            name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-void writeFolder(const fs::path &markdown, Input input)
+void writeFolder(const fs::path &data, Input input)
 {
+    const fs::path markdown = data / "Markdown";
     fs::create_directories(markdown / "Notes");
     fs::create_directories(markdown / "Drafts");
     std::ofstream(markdown / ".format") << "Quillmark Markdown 1\n";
-    const fs::path places[] = {markdown, markdown / "Notes", markdown / "Drafts"};
+    const fs::path places[] = {markdown, markdown / "Notes", markdown / "Drafts", data};
     while (!input.isEmpty()) {
-        const fs::path &place = places[input.number(1) % 3];
+        const fs::path &place = places[input.number(1) % 4];
         const std::string_view name = input.take(input.number(1));
         const std::string_view content = input.take(input.number(2));
         if (isFileName(name) && !fs::is_directory(place / name)) {
@@ -104,7 +105,7 @@ fs::path scratchFolder()
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const fs::path folder = scratchFolder();
-    writeFolder(folder / "Markdown", Input(data, size));
+    writeFolder(folder, Input(data, size));
     const std::string before = everyByte(folder);
 
     bool wasLoaded = false;
