@@ -67,6 +67,17 @@ QString sentence(int systemError)
     }
 }
 
+/// As much of a path as a person can make use of: its beginning, and the name at its end.
+QString shown(const std::filesystem::path &path)
+{
+    constexpr qsizetype mostAtTheBeginning = 80;
+    constexpr qsizetype mostAtTheEnd = 120;
+    const QString whole = QString::fromUtf8(path.native());
+    if (whole.size() <= mostAtTheBeginning + mostAtTheEnd)
+        return whole;
+    return whole.first(mostAtTheBeginning) + u'…' + whole.last(mostAtTheEnd);
+}
+
 } // namespace
 
 FileError::FileError(std::filesystem::path path, int systemError)
@@ -83,7 +94,7 @@ FileError::FileError(std::filesystem::path path, Reason reason)
 
 Message FileError::message() const
 {
-    const QString file = QString::fromUtf8(m_path.native());
+    const QString file = shown(m_path);
     if (m_reason != Reason::system)
         return {sentence(m_reason), {file}};
     if (const QString known = sentence(m_systemError); !known.isEmpty())

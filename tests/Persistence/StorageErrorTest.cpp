@@ -21,6 +21,7 @@ private Q_SLOTS:
     void namesTheFileInEveryMessage();
     void saysADifferentThingForEachReason();
     void showsANameThatIsNotUtf8();
+    void showsBothEndsOfALongPath();
     void saysWhatIsWrongWithTheOlderFile();
 };
 
@@ -97,6 +98,16 @@ void StorageErrorTest::saysADifferentThingForEachReason()
 void StorageErrorTest::showsANameThatIsNotUtf8()
 {
     QVERIFY(FileError("/notes/\xff.md", ENOENT).description().contains(u"/notes/\uFFFD.md"_s));
+}
+
+void StorageErrorTest::showsBothEndsOfALongPath()
+{
+    const FileError error("/home/" + std::string(4'000, 'd') + "/one.md", ENOSPC);
+
+    QVERIFY(error.description().contains(u"“/home/ddd"_s));
+    QVERIFY(error.description().contains(u"ddd/one.md”"_s));
+    QVERIFY(error.description().size() < 400);
+    QCOMPARE(error.path().native().size(), 4'013U);
 }
 
 void StorageErrorTest::saysWhatIsWrongWithTheOlderFile()
