@@ -26,7 +26,7 @@ bool measure(int count, int turns)
     const QString body = note.body;
     int number = 0;
     return compare(
-        qPrintable(u"one note of %1"_s.arg(count)), turns, 1.5,
+        qPrintable(u"one note of %1"_s.arg(count)), turns, 1.3,
         [&] { note.body = body + QString::number(++number); }, [&] { repository.save(snapshot); },
         [&] {
             const QString text = NoteMarkdownCodec::encode(note);
