@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """A save that fails says why, loses nothing, and is tried again."""
 
+import collections
+import itertools
 import os
 import re
 import resource
@@ -150,14 +152,68 @@ class FailingDisk(DesktopTest):
                 with self.subTest(failure=name, language=language):
                     self.expect_named(call, name, sentence, language)
 
+    def test_a_kill_at_any_step_of_a_save_leaves_old_or_new_notes(self):
+        if shutil.which("strace") is None:
+            self.skipTest("strace is not installed")
+        outcomes = collections.Counter()
+        for call in ("mkdirat", "linkat", "unlinkat", "fsync", "renameat", "renameat2"):
+            for number in itertools.count(1):
+                outcome = self.kill_while_saving(call, number)
+                outcomes[outcome] += 1
+                if outcome == "survived":
+                    break
+                self.assertLess(number, 50)
+        for outcome in ("old", "new", "recovery copy"):
+            self.assertGreater(outcomes[outcome], 0, outcomes)
+
+    def kill_while_saving(self, call, number):
+        """What is on the disk after a kill at this call of the first save, as one word."""
+        shutil.rmtree(self.data.path)
+        self.data.create()
+        self.data.add_note("milk", number=1)
+        quillmark = self.start_traced(call, f"signal=KILL:when={number}")
+        try:
+            quillmark.open_editor()
+            self.keyboard.type("text")
+        except AssertionError:
+            # Libraries make such calls, too, while the program starts.
+            if quillmark.is_running():
+                raise
+        until(lambda: not quillmark.is_running() or self.data.draft() == "text"
+              and len(os.listdir(self.data.path)) == 1, "it is saved or killed")
+        survived = quillmark.is_running()
+        if survived:
+            quillmark.kill()
+        recoveries = [path for path in self.data.path.iterdir()
+                      if path.name.startswith(".quillmark-recovery-")]
+        again = self.start()
+        again.open_editor()
+        editor = again.element("text", "Note text")
+        if recoveries:
+            self.assertTrue(any(RECOVERY in text for text in again.texts()))
+            folders = [path / "Drafts/capture.md" for path in [*recoveries, self.data.markdown]]
+            self.assertEqual({file.read_bytes() for file in folders}, {b"", b"text"})
+        else:
+            self.assertFalse(again.has_element(name="Retry"))
+            self.assertEqual([note.body for note in self.data.read_notes()], ["milk"])
+            self.assertEqual(editor.text(), self.data.draft())
+        again.kill()
+        if survived:
+            return "survived"
+        if recoveries:
+            return "recovery copy"
+        return "new" if self.data.draft() == "text" else "old"
+
+    def start_traced(self, call, injection):
+        # With -D the program, and not the tracer, is the process that is started.
+        return self.start("-D", "-f", "-qq", "-o", "/dev/null", "-e", f"trace={call}",
+                          "-e", f"inject={call}:{injection}", "-e", "signal=none", self.program,
+                          program="strace")
+
     def expect_named(self, call, name, sentence, language):
         self.write_settings({"ui.language": language})
-        # With -D the program, and not the tracer, is the process that is started.
-        injection = f"inject={call}:error={name}"
         before = self.data.state()
-        quillmark = self.start("-D", "-f", "-qq", "-o", "/dev/null", "-e", f"trace={call}",
-                               "-e", injection, "-e", "signal=none", self.program,
-                               program="strace")
+        quillmark = self.start_traced(call, f"error={name}")
         quillmark.open_editor()
 
         self.keyboard.type("text")
