@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "JsonReader.h"
 
-#include "JsonError.h"
-
 #include <QLocale>
 #include <cmath>
 
@@ -64,7 +62,7 @@ void JsonReader::readArray(const std::function<void()> &readElement)
 QString JsonReader::readString()
 {
     if (peek() != u'"')
-        fail(u"is not a text"_s);
+        fail(Problem::notText);
     ++m_place;
     QString text;
     for (;;) {
@@ -74,13 +72,13 @@ QString JsonReader::readString()
             ++m_place;
         text += m_text.sliced(begin, m_place - begin);
         if (m_place == m_text.size() || m_text[m_place] < u' ')
-            fail(u"holds a text that does not end"_s);
+            fail(Problem::endlessText);
         if (m_text[m_place++] == u'"')
             break;
         text += QChar(readEscape());
     }
     if (!text.isValidUtf16())
-        fail(u"holds half a character"_s);
+        fail(Problem::halfCharacter);
     return text;
 }
 
@@ -105,7 +103,7 @@ char16_t JsonReader::readEscape()
     case u'u':
         return readHexadecimal();
     default:
-        fail(u"holds an unknown escape"_s);
+        fail(Problem::unknownEscape);
     }
 }
 
@@ -118,7 +116,7 @@ char16_t JsonReader::readHexadecimal()
         return isDigit(c.unicode()) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
     });
     if (text.size() < digits || !areDigits)
-        fail(u"holds an unknown escape"_s);
+        fail(Problem::unknownEscape);
     m_place += digits;
     return text.toUShort(nullptr, 16);
 }
@@ -128,7 +126,7 @@ double JsonReader::readNumber()
     bool isRead = false;
     const double number = readNumberText().toDouble(&isRead);
     if (!isRead || !std::isfinite(number))
-        fail(u"is a number that is too large"_s);
+        fail(Problem::numberTooLarge);
     return number;
 }
 
@@ -140,7 +138,7 @@ qint64 JsonReader::readInteger()
         return integer;
     const double number = text.toDouble(&isRead);
     if (!isRead || std::abs(number) >= firstInexact || number != std::trunc(number))
-        fail(u"is not an integer of 64 bits"_s);
+        fail(Problem::notInteger);
     return static_cast<qint64>(number);
 }
 
@@ -148,7 +146,7 @@ QStringView JsonReader::readNumberText()
 {
     const char16_t first = peek();
     if (first != u'-' && !isDigit(first))
-        fail(u"is not a number"_s);
+        fail(Problem::notNumber);
     const auto takesHere = [this](QStringView choice) {
         const bool isThere = m_place < m_text.size() && choice.contains(m_text[m_place]);
         m_place += isThere ? 1 : 0;
@@ -173,7 +171,7 @@ void JsonReader::skipDigits()
     while (m_place < m_text.size() && isDigit(m_text[m_place].unicode()))
         ++m_place;
     if (m_place == begin)
-        fail(u"is not a number"_s);
+        fail(Problem::notNumber);
 }
 
 void JsonReader::skipValue()
@@ -201,7 +199,7 @@ void JsonReader::finish()
 {
     skipWhiteSpace();
     if (m_place < m_text.size())
-        fail(u"is followed by more"_s);
+        fail(Problem::followedByMore);
 }
 
 QString JsonReader::Step::text() const
@@ -213,18 +211,18 @@ QString JsonReader::Step::text() const
     return name.size() > mostCharacters ? name.first(mostCharacters) + u'…' : name;
 }
 
-void JsonReader::fail(const QString &problem) const
+void JsonReader::fail(Problem problem, const QString &lacking) const
 {
-    QString way;
+    QString place;
     for (const Step &step : m_way)
-        way += (way.isEmpty() || step.index >= 0 ? u""_s : u"."_s) + step.text();
-    throw JsonError((way.isEmpty() ? u"its content"_s : way) + u' ' + problem);
+        place += (place.isEmpty() || step.index >= 0 ? u""_s : u"."_s) + step.text();
+    throw JsonError(problem, place, lacking);
 }
 
 void JsonReader::enter()
 {
     if (++m_depth > largestDepth)
-        fail(u"is nested too deeply"_s);
+        fail(Problem::tooDeep);
 }
 
 void JsonReader::skipWhiteSpace()
@@ -250,12 +248,12 @@ bool JsonReader::takes(char16_t c)
 void JsonReader::expect(char16_t c)
 {
     if (!takes(c))
-        fail(u"lacks a “%1”"_s.arg(QChar(c)));
+        fail(Problem::lacks, QChar(c));
 }
 
 void JsonReader::expectWord(QStringView word)
 {
     if (!m_text.sliced(m_place).startsWith(word))
-        fail(u"is no value"_s);
+        fail(Problem::notValue);
     m_place += word.size();
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "JsonError.h"
+
 #include <QString>
 #include <QStringView>
 #include <functional>
@@ -12,6 +14,8 @@
 /// user, and half a surrogate pair is refused. Throws a JsonError that says where it is.
 class JsonReader {
 public:
+    using Problem = JsonError::Problem;
+
     /// The text must outlive this.
     explicit JsonReader(QStringView text);
 
@@ -32,8 +36,8 @@ public:
     /// Nothing but white space may follow.
     void finish();
 
-    /// Throws a JsonError: where the reading is, and the problem there.
-    [[noreturn]] void fail(const QString &problem) const;
+    /// Throws a JsonError: where the reading is, the problem there, and what is lacking.
+    [[noreturn]] void fail(Problem problem, const QString &lacking = {}) const;
 
 private:
     void enter();

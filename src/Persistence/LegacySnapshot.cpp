@@ -13,12 +13,14 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+using Problem = JsonError::Problem;
+
 /// Keeps a member's value, which may come only once.
 template <typename T>
 void keep(const JsonReader &json, std::optional<T> &member, T value)
 {
     if (member)
-        json.fail(u"comes twice"_s);
+        json.fail(Problem::comesTwice);
     member = std::move(value);
 }
 
@@ -26,7 +28,7 @@ template <typename T>
 T require(const JsonReader &json, std::optional<T> &member, const QString &name)
 {
     if (!member)
-        json.fail(u"lacks “%1”"_s.arg(name));
+        json.fail(Problem::lacks, name);
     return std::move(*member);
 }
 
@@ -34,7 +36,7 @@ QUuid readId(JsonReader &json)
 {
     const std::optional<QUuid> id = parseId(json.readString());
     if (!id)
-        json.fail(u"is not an identifier"_s);
+        json.fail(Problem::notIdentifier);
     return *id;
 }
 
@@ -42,7 +44,7 @@ Timestamp readTime(JsonReader &json)
 {
     const Timestamp time{json.readNumber()};
     if (!time.hasTextForm())
-        json.fail(u"is not a time of the years 0 to 9999"_s);
+        json.fail(Problem::notTime);
     return time;
 }
 
@@ -86,7 +88,7 @@ QMap<QString, QString> readDrafts(JsonReader &json)
         const std::optional<QUuid> id = parseId(name);
         const QString key = id ? canonicalText(*id) : name;
         if (drafts.contains(key))
-            json.fail(u"comes twice"_s);
+            json.fail(Problem::comesTwice);
         drafts.insert(key, json.readString());
     });
     return drafts;
@@ -125,7 +127,7 @@ NoteSnapshot decodeLegacySnapshot(const QByteArray &bytes)
     std::optional<QStringView> text =
         decoder.decode({bytes.data(), static_cast<std::size_t>(bytes.size())});
     if (!text)
-        throw JsonError(u"its content is not UTF-8"_s);
+        throw JsonError(Problem::notUtf8, {});
     if (text->startsWith(QChar::ByteOrderMark))
         text = text->sliced(1);
     JsonReader json(*text);

@@ -184,7 +184,7 @@ void LegacySnapshotTest::refuses()
     const auto error = thrown<JsonError>([&] { static_cast<void>(decodeLegacySnapshot(json)); });
 
     QVERIFY(error.has_value());
-    QVERIFY(!error->detail().isEmpty());
+    QVERIFY(error->description().contains(u"notes.json"_s));
 }
 
 void LegacySnapshotTest::saysItShortly()
@@ -194,7 +194,8 @@ void LegacySnapshotTest::saysItShortly()
     const auto error = thrown<JsonError>([&] { static_cast<void>(decodeLegacySnapshot(json)); });
 
     QVERIFY(error.has_value());
-    QCOMPARE(error->detail(), u"x[1]."_s + QString(40, u'k') + u"… is no value"_s);
+    QCOMPARE(error->place(), u"x[1]."_s + QString(40, u'k') + u'…');
+    QCOMPARE(error->problem(), JsonError::Problem::notValue);
 }
 
 void LegacySnapshotTest::saysWhereTheErrorIs()
@@ -204,7 +205,8 @@ void LegacySnapshotTest::saysWhereTheErrorIs()
     const auto error = thrown<JsonError>([&] { static_cast<void>(decodeLegacySnapshot(json)); });
 
     QVERIFY(error.has_value());
-    QCOMPARE(error->detail(), u"notes[0].id is not an identifier"_s);
+    QCOMPARE(error->place(), u"notes[0].id"_s);
+    QCOMPARE(error->problem(), JsonError::Problem::notIdentifier);
 }
 
 QTEST_GUILESS_MAIN(LegacySnapshotTest)

@@ -112,10 +112,14 @@ void StorageErrorTest::showsBothEndsOfALongPath()
 
 void StorageErrorTest::saysWhatIsWrongWithTheOlderFile()
 {
-    const QString text = JsonError(u"notes[3].id is not an identifier"_s).description();
+    using enum JsonError::Problem;
+    const auto text = [](const JsonError &error) { return error.description(); };
 
-    QVERIFY(text.contains(u"notes.json"_s));
-    QVERIFY(text.contains(u"notes[3].id is not an identifier"_s));
+    QVERIFY(text({notIdentifier, u"notes[3].id"_s}).contains(u"notes.json"_s));
+    QVERIFY(
+        text({notIdentifier, u"notes[3].id"_s}).contains(u": notes[3].id is not an identifier."_s));
+    QVERIFY(text({lacks, u"notes[3]"_s, u"body"_s}).contains(u": notes[3] lacks “body”."_s));
+    QVERIFY(text({notUtf8, {}}).contains(u": notes.json is not UTF-8 text."_s));
 }
 
 QTEST_GUILESS_MAIN(StorageErrorTest)

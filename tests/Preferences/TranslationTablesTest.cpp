@@ -60,12 +60,9 @@ const QSet<QString> notTranslated{
     u"%02d"_s,      // a number alone
 };
 
-/// Files whose texts are part of a format, name fonts, or tell in English, for whoever mends it,
-/// what is wrong in a broken file.
+/// Files whose texts are part of a format or name fonts.
 const QSet<QString> technicalFiles{
     u"/src/DesignSystem/NoteTheme.cpp"_s,
-    u"/src/Persistence/JsonReader.cpp"_s,
-    u"/src/Persistence/LegacySnapshot.cpp"_s,
     u"/src/Persistence/NoteMarkdownCodec.cpp"_s,
 };
 
@@ -83,6 +80,8 @@ QString unescaped(const QString &source)
             text += u'\n';
         } else if (escape == u't') {
             text += u'\t';
+        } else if (escape == u'r') {
+            text += u'\r';
         } else if (escape == u'u') {
             text += QChar(source.mid(i + 1, 4).toUShort(nullptr, 16));
             i += 4;
