@@ -30,7 +30,8 @@ class SessionEnd(DesktopTest):
         until(lambda: len(os.listdir(self.data.path)) == 1, "the save has cleaned up")
         self.obstacle = self.data.path / ".quillmark-recovery-of-a-test"
         self.obstacle.mkdir()
-        self.keyboard.type(" two")
+        # One key, and so one delayed save.
+        self.keyboard.type("!")
         quillmark.element(name="Not saved · Retry")
         return quillmark
 
@@ -63,7 +64,7 @@ class SessionEnd(DesktopTest):
         self.session.work()
         self.obstacle.rmdir()
         quillmark.element(name="Retry").press()
-        until(lambda: self.data.draft() == "one two", "the draft is on the disk")
+        until(lambda: self.data.draft() == "one!", "the draft is on the disk")
         self.assertTrue(quillmark.is_running())
 
     def test_a_write_that_fails_need_not_stop_the_end(self):

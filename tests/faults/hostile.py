@@ -10,12 +10,13 @@ import contextlib
 import itertools
 import os
 import resource
+import shutil
 import socket
 import stat
 import subprocess
 import tempfile
 
-from storage import Broken, Result
+from storage import Broken, Faults, Result
 
 NOTE = "00000000-0000-4000-8000-000000000003"
 OTHER = "8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F"
@@ -278,9 +279,11 @@ def hostile_folders(faults, every=1):
         # The way there is open to everyone, and what is in it to one user.
         for folder in (faults.scratch, top):
             os.chmod(folder, 0o711)
-        faults.side_by_side([lambda what=what, build=build, number=number: one_folder(
-            faults, what, build, f"{top}/{number}", user)
+        there = Faults(shutil.copy(faults.driver, top), top)
+        there.side_by_side([lambda what=what, build=build, number=number: one_folder(
+            there, what, build, f"{top}/{number}", user)
             for number, (what, build) in enumerate(cases)])
+        faults.tried += there.tried
 
 
 def one_folder(faults, what, build, place, user):
