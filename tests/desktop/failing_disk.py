@@ -118,6 +118,10 @@ class FailingDisk(DesktopTest):
     def test_too_many_open_files_are_named_and_survived(self):
         quillmark = self.start()
         quillmark.open_editor()
+        with open(f"/proc/{quillmark.process}/maps", encoding="utf-8") as maps:
+            if "libubsan" in maps.read():
+                self.skipTest("The sanitizer opens files to look at an object, and takes one that it "
+                              "cannot look at for a wrong one.")
         self.keyboard.type("one")
         self.expect_saved("one")
         until(lambda: len(os.listdir(self.data.path)) == 1, "the save has cleaned up")

@@ -67,9 +67,9 @@ class Privacy(DesktopTest):
         self.assertEqual(resource.prlimit(quillmark.process, resource.RLIMIT_CORE)[0],
                          1 if limits[1] != 0 else 0)
 
-        quillmark.send(signal.SIGSEGV)
+        quillmark.send(signal.SIGABRT)
 
-        self.assertEqual(quillmark.wait_until_ended(), -signal.SIGSEGV)
+        self.assertEqual(quillmark.wait_until_ended(), -signal.SIGABRT)
         self.assertEqual(quillmark.output(), "")
         self.assertEqual(self.files_with_the_secret_outside_the_notes(), [])
 
