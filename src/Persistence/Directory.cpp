@@ -12,7 +12,7 @@ namespace {
 
 constexpr mode_t folderMode = 0700;
 constexpr mode_t fileMode = 0600;
-constexpr std::size_t bufferSize = 64 * 1024;
+constexpr std::size_t bufferSize = 64UL * 1024;
 
 DirectoryListing::Kind kindOfMode(mode_t mode)
 {

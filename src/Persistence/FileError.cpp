@@ -72,7 +72,7 @@ QString shown(const std::filesystem::path &path)
 {
     constexpr qsizetype mostAtTheBeginning = 80;
     constexpr qsizetype mostAtTheEnd = 120;
-    const QString whole = QString::fromUtf8(path.native());
+    QString whole = QString::fromUtf8(path.native());
     if (whole.size() <= mostAtTheBeginning + mostAtTheEnd)
         return whole;
     return whole.first(mostAtTheBeginning) + u'…' + whole.last(mostAtTheEnd);

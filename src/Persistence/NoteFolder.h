@@ -17,13 +17,13 @@ public:
     static constexpr std::string_view captureName = "capture.md";
 
     /// A larger file is refused, when it is read and when it would be written.
-    static constexpr std::size_t largestFile = 64 * 1024 * 1024;
+    static constexpr std::size_t largestFile = 64UL * 1024 * 1024;
 
     /// More notes are refused likewise: a save of so many takes seconds, and nobody should wait.
     static constexpr std::size_t mostNotes = 100'000;
 
     /// And so are more bytes in all files together, since all of them are held in memory.
-    static constexpr std::size_t mostBytes = 256 * 1024 * 1024;
+    static constexpr std::size_t mostBytes = 256UL * 1024 * 1024;
 
     /// Nothing when the data folder or its Markdown folder does not exist.
     [[nodiscard]] static std::optional<NoteFolder> openIfExists(const std::filesystem::path &data);

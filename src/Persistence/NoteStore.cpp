@@ -246,7 +246,7 @@ void NoteStore::setSnapshot(const NoteSnapshot &snapshot)
 }
 
 void NoteStore::setFailure(std::optional<Message> failure,
-                           std::optional<RepositoryError> repositoryError)
+                           const std::optional<RepositoryError> &repositoryError)
 {
     const bool isNewFailure = m_failure != failure;
     const bool isNewError = m_repositoryError != repositoryError;

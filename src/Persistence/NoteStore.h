@@ -110,7 +110,8 @@ private:
     void scheduleSave();
     void keepTyped();
     void setSnapshot(const NoteSnapshot &snapshot);
-    void setFailure(std::optional<Message> failure, std::optional<RepositoryError> repositoryError);
+    void setFailure(std::optional<Message> failure,
+                    const std::optional<RepositoryError> &repositoryError);
     void setErrorContext(const QString &context);
     void setHasPendingChanges(bool pending);
 
