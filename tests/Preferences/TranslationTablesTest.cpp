@@ -63,7 +63,7 @@ const QSet<QString> notTranslated{
 /// Files whose texts are part of a format or name fonts.
 const QSet<QString> technicalFiles{
     u"/src/DesignSystem/NoteTheme.cpp"_s,
-    u"/src/Persistence/NoteMarkdownCodec.cpp"_s,
+    u"/src/Format/NoteMarkdownCodec.cpp"_s,
 };
 
 /// A literal's value from what stands between its quotation marks.

@@ -179,7 +179,7 @@ QString NoteWorkspaceView::failureText() const
     if (!failure)
         return {};
     const auto &error = m_store.repositoryError();
-    const bool isUnsupported = error && error->kind() == RepositoryError::Kind::unsupportedVersion;
+    const bool isUnsupported = error && error->reason() == Reason::unsupportedVersion;
     const QString what =
         isUnsupported ? m_preferences.format(
                             u"Unsupported note version: %d. Original files were left untouched."_s,

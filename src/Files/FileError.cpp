@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "FileError.h"
+
+#include <QLatin1StringView>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Every sentence names the file first and then says what to do. Each is a translation key.
+QString sentence(Reason reason)
+{
+    switch (reason) {
+    case Reason::unsupportedVersion:
+    case Reason::invalidMarkdown:
+    case Reason::externalChange:
+    case Reason::recoveryRequired:
+    case Reason::system:
+        break;
+    case Reason::notUtf8:
+        return u"“%@” is not UTF-8 text. Convert it or move it away, then reopen the app."_s;
+    case Reason::notRegularFile:
+        return u"“%@” is not an ordinary file. Move it away, then reopen the app."_s;
+    case Reason::notFolder:
+        return u"“%@” is not a folder of its own. Move it away, then reopen the app."_s;
+    case Reason::mountPoint:
+        return u"“%@” belongs to another disk. Unmount it, then try again."_s;
+    case Reason::tooLarge:
+        return u"“%@” is too large for a note. Shorten it or move it away, then try again."_s;
+    case Reason::tooManyNotes:
+        return u"“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again."_s;
+    case Reason::tooMuchText:
+        return u"“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again."_s;
+    case Reason::tooDeep:
+        return u"“%@” lies in too many folders. Move it further up or away, then try again."_s;
+    case Reason::secondDraft:
+        return u"“%@” is the second draft of one note. Move one of the two away, then reopen the app."_s;
+    case Reason::notUnicode:
+        return u"“%@” was not written: its text holds a broken character. Remove it, then try again."_s;
+    }
+    return {};
+}
+
+/// Empty for an errno that has no sentence of its own.
+QString sentence(int systemError)
+{
+    switch (systemError) {
+    case ENOSPC:
+        return u"“%@” was not written: the disk is full. Free some space, then try again."_s;
+    case EDQUOT:
+        return u"“%@” was not written: your disk quota is used up. Delete other files, then try again."_s;
+    case EACCES:
+    case EPERM:
+        return u"“%@” may not be used. Check its permissions and its owner, then try again."_s;
+    case EROFS:
+        return u"“%@” is on a read-only disk. Make the disk writable, then try again."_s;
+    case EMFILE:
+    case ENFILE:
+        return u"“%@” was not opened: too many files are open. Close some programs, then try again."_s;
+    case ENAMETOOLONG:
+        return u"“%@” has too long a path. Move your data to a folder with a shorter one, then reopen the app."_s;
+    case ENOENT:
+        return u"“%@” is missing. Put it back, then reopen the app."_s;
+    case EIO:
+        return u"“%@” could not be used: the disk reports an error. Check the disk, then try again."_s;
+    default:
+        return {};
+    }
+}
+
+/// As much of a path as a person can make use of: its beginning, and the name at its end.
+QString shown(const std::filesystem::path &path)
+{
+    constexpr qsizetype mostAtTheBeginning = 80;
+    constexpr qsizetype mostAtTheEnd = 120;
+    QString whole = QString::fromUtf8(path.native());
+    if (whole.size() <= mostAtTheBeginning + mostAtTheEnd)
+        return whole;
+    return whole.first(mostAtTheBeginning) + u'…' + whole.last(mostAtTheEnd);
+}
+
+} // namespace
+
+FileError::FileError(std::filesystem::path path, int systemError)
+    : StorageError(Reason::system)
+    , m_path(std::move(path))
+    , m_systemError(systemError)
+{
+}
+
+FileError::FileError(std::filesystem::path path, Reason reason)
+    : StorageError(reason)
+    , m_path(std::move(path))
+{
+}
+
+Message FileError::message() const
+{
+    const QString file = shown(m_path);
+    if (reason() != Reason::system)
+        return {sentence(reason()), {file}};
+    if (const QString known = sentence(m_systemError); !known.isEmpty())
+        return {known, {file}};
+    return {u"“%@” could not be used: %@. Mend that, then try again."_s,
+            {file, QString::fromLocal8Bit(std::strerror(m_systemError))}};
+}

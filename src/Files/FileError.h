@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "StorageError.h"
+
+#include <filesystem>
+
+/// A failure that the platform reported for one file or folder.
+class FileError final : public StorageError {
+public:
+    FileError(std::filesystem::path path, int systemError);
+    FileError(std::filesystem::path path, Reason reason);
+
+    [[nodiscard]] const std::filesystem::path &path() const noexcept { return m_path; }
+
+    /// The errno; 0 when the reason is not the system's.
+    [[nodiscard]] int systemError() const noexcept { return m_systemError; }
+
+    [[nodiscard]] Message message() const override;
+
+private:
+    std::filesystem::path m_path;
+    int m_systemError = 0;
+};

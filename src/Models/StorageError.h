@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Message.h"
+
+#include <cstdint>
+#include <exception>
+
+/// Why the storage refused or failed, in one list for all of it.
+enum class Reason : std::uint8_t {
+    // The notes folder as a whole.
+    unsupportedVersion,
+    invalidMarkdown,
+    externalChange,
+    recoveryRequired,
+
+    // One file or folder.
+    system,         ///< The system said no: an errno goes with it.
+    notUtf8,        ///< The file's bytes are not UTF-8.
+    notRegularFile, ///< A folder, link, pipe, socket or device stands where a file must be.
+    notFolder,      ///< A link or a file stands where a folder must be.
+    mountPoint,     ///< Another file system is mounted inside the notes.
+    tooLarge,       ///< More bytes than a file may have.
+    tooManyNotes,   ///< More notes than the folder may have.
+    tooMuchText,    ///< More bytes than all files of the folder may have together.
+    tooDeep,        ///< More folders in one another than are followed.
+    secondDraft,    ///< Another file is the same draft, under a name of another case.
+    notUnicode,     ///< The text to be written holds half a surrogate pair.
+};
+
+/// The base of everything that the storage throws. NoteStore is the only place that catches.
+class StorageError : public std::exception {
+public:
+    [[nodiscard]] Reason reason() const noexcept { return m_reason; }
+
+    /// What happened and what to do, for the user.
+    [[nodiscard]] virtual Message message() const = 0;
+
+    [[nodiscard]] QString description() const { return message().english(); }
+    [[nodiscard]] const char *what() const noexcept override { return "Quillmark storage error"; }
+
+protected:
+    explicit StorageError(Reason reason) noexcept
+        : m_reason(reason)
+    {
+    }
+
+private:
+    Reason m_reason;
+};

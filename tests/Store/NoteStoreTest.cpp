@@ -1,0 +1,701 @@
+// SPDX-License-Identifier: MIT
+#include "NoteStore.h"
+
+#include "FailingRepository.h"
+#include "FileError.h"
+#include "NoteId.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <cerrno>
+#include <functional>
+#include <stdexcept>
+
+using namespace Qt::Literals::StringLiterals;
+
+class NoteStoreTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startsWithWhatTheRepositoryHolds();
+    void isReadOnlyForGoodWhenLoadingFails();
+    void keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn();
+    void ignoresDraftsWhenReadOnly();
+    void refusesEveryOperationWhenReadOnly();
+
+    void readsTheDraftOfANoteAndElseItsBody();
+    void readsAnEmptyDraftAsADraft();
+    void hasAFolderOnlyOnceItExistsOnDisk();
+
+    void turnsTheTrimmedCaptureIntoANoteAtTheFront();
+    void savesNoBlankCapture();
+    void keepsTheCaptureWhenItsWriteFails();
+    void namesTheStateOfTheSaving();
+    void keepsTheLastContextAfterAFailureIsOver();
+
+    void putsTheTrimmedEditIntoItsNote();
+    void updatesANoteThatWasNotChanged();
+    void keepsEverythingWhenTheWriteOfAnEditFails();
+    void savesNoEditOfADeletedNote();
+    void savesNoBlankEditButKeepsItsDraft();
+    void deletesTheNoteWithItsDraft();
+    void writesEvenWhenTheNoteToDeleteIsUnknown();
+    void keepsTheNoteWhenItsDeletionFails();
+
+    void writesOnceAfterABurstOfTyping();
+    void writesNothingMoreAfterACommit_data();
+    void writesNothingMoreAfterACommit();
+    void describesAnUnknownFailureAsItStands();
+    void keepsWhatIsTypedWithoutAPause();
+    void keepsNothingThatIsSavedSoon();
+    void staysPendingWhenTheDelayedWriteFails();
+    void keepsADraftExactlyAsTyped();
+    void tellsOfChangesOnly();
+    void canBeDestroyedWhileADraftWaits();
+
+    void showsTheLastUpdatedNoteFirst();
+    void keepsTheStoredOrderOfNotesOfTheSameTime();
+    void findsEveryNoteByABlankQuery();
+    void findsWithoutRegardToCaseAndAccents();
+    void searchesTheSavedBodyAndNotTheDraft();
+    void searchesForTheTrimmedQueryAsOneText();
+    void showsWhatIsFoundInDisplayOrder();
+};
+
+namespace {
+
+using Kind = Reason;
+
+Note noteOf(const QString &body, double updatedAt = 10)
+{
+    return {QUuid::createUuid(), body, {1}, {updatedAt}};
+}
+
+NoteSnapshot snapshotOf(const QList<Note> &notes)
+{
+    return {1, notes, {}, {}};
+}
+
+QStringList bodies(const QList<Note> &notes)
+{
+    QStringList bodies;
+    for (const Note &note : notes)
+        bodies << note.body;
+    return bodies;
+}
+
+/// A store over a repository that can be made to fail, at a time that stands still.
+struct Fixture {
+    explicit Fixture(const NoteSnapshot &snapshot = {})
+        : Fixture(std::make_unique<FailingRepository>(snapshot))
+    {
+    }
+
+    /// A store whose first load fails with the error.
+    template <class Error>
+    static Fixture unreadable(const NoteSnapshot &snapshot, const Error &error)
+    {
+        auto repository = std::make_unique<FailingRepository>(snapshot);
+        repository->failWith(error);
+        return Fixture(std::move(repository));
+    }
+
+    static constexpr Timestamp now{1000};
+
+    FailingRepository &repository;
+    NoteStore store;
+
+private:
+    explicit Fixture(std::unique_ptr<FailingRepository> owned)
+        : repository(*owned)
+        , store(std::move(owned), [] { return now; })
+    {
+    }
+};
+
+const FileError noSpace("/notes", ENOSPC);
+
+} // namespace
+
+void NoteStoreTest::startsWithWhatTheRepositoryHolds()
+{
+    const NoteSnapshot snapshot{1, {noteOf(u"milk"_s)}, u"draft"_s, {}};
+    const Fixture fixture(snapshot);
+
+    QCOMPARE(fixture.store.snapshot(), snapshot);
+    QCOMPARE(fixture.store.draft(), u"draft"_s);
+    QCOMPARE(fixture.store.status(), u"Saved on this Mac"_s);
+    QVERIFY(!fixture.store.isReadOnly());
+    QVERIFY(!fixture.store.hasPendingChanges());
+    QVERIFY(!fixture.store.errorMessage());
+    QVERIFY(!fixture.store.errorContext());
+    QVERIFY(!fixture.store.repositoryError());
+    QCOMPARE(fixture.repository.saves(), 0);
+}
+
+void NoteStoreTest::isReadOnlyForGoodWhenLoadingFails()
+{
+    const auto fixture =
+        Fixture::unreadable(snapshotOf({noteOf(u"milk"_s)}), RepositoryError::invalidMarkdown());
+
+    QVERIFY(fixture.store.isReadOnly());
+    QCOMPARE(fixture.store.snapshot(), NoteSnapshot());
+    QVERIFY(fixture.store.notes().isEmpty());
+    QCOMPARE(fixture.store.status(), u"Not saved · Retry"_s);
+    QCOMPARE(fixture.store.errorContext(),
+             u"Could not read your notes. Original files were protected."_s);
+    QCOMPARE(fixture.store.errorMessage(), RepositoryError::invalidMarkdown().description());
+    QCOMPARE(fixture.store.repositoryError(), RepositoryError::invalidMarkdown());
+}
+
+void NoteStoreTest::keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn()
+{
+    Fixture fixture;
+
+    fixture.repository.failWith(RepositoryError::externalChange());
+    QVERIFY(!fixture.store.flush());
+    QCOMPARE(fixture.store.repositoryError(), RepositoryError::externalChange());
+
+    fixture.repository.failWith(noSpace);
+    QVERIFY(!fixture.store.flush());
+    QVERIFY(!fixture.store.repositoryError());
+    QCOMPARE(fixture.store.errorMessage(), noSpace.description());
+}
+
+void NoteStoreTest::ignoresDraftsWhenReadOnly()
+{
+    const Note note = noteOf(u"milk"_s);
+    auto fixture = Fixture::unreadable({}, noSpace);
+    const QSignalSpy snapshotChanged(&fixture.store, &NoteStore::snapshotChanged);
+
+    fixture.store.setDraft(u"typed"_s);
+    fixture.store.updateDraft(note, u"edited"_s);
+
+    QCOMPARE(fixture.store.draft(), QString());
+    QCOMPARE(fixture.store.snapshot(), NoteSnapshot());
+    QVERIFY(!fixture.store.hasDraft(note));
+    QVERIFY(!fixture.store.hasPendingChanges());
+    QCOMPARE(snapshotChanged.count(), 0);
+}
+
+void NoteStoreTest::refusesEveryOperationWhenReadOnly()
+{
+    NoteSnapshot snapshot = snapshotOf({noteOf(u"milk"_s)});
+    snapshot.captureDraft = u"draft"_s;
+    auto fixture = Fixture::unreadable(snapshot, noSpace);
+    fixture.repository.recover();
+
+    QVERIFY(!fixture.store.flush());
+    QVERIFY(!fixture.store.saveCapture());
+    QVERIFY(!fixture.store.saveEdit(snapshot.notes.first()));
+    QVERIFY(!fixture.store.deleteNote(snapshot.notes.first()));
+
+    QCOMPARE(fixture.repository.saves(), 0);
+    QCOMPARE(fixture.repository.stored(), snapshot);
+    QVERIFY(fixture.store.isReadOnly());
+    QCOMPARE(fixture.store.errorMessage(), noSpace.description());
+}
+
+void NoteStoreTest::readsTheDraftOfANoteAndElseItsBody()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+    QCOMPARE(fixture.store.text(note), u"milk"_s);
+    QVERIFY(!fixture.store.hasDraft(note));
+
+    fixture.store.updateDraft(note, u"  oat milk\n"_s);
+
+    QCOMPARE(fixture.store.text(note), u"  oat milk\n"_s);
+    QVERIFY(fixture.store.hasDraft(note));
+    QCOMPARE(fixture.store.snapshot().editingDrafts.firstKey(), canonicalText(note.id));
+}
+
+void NoteStoreTest::readsAnEmptyDraftAsADraft()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+
+    fixture.store.updateDraft(note, QString());
+
+    QCOMPARE(fixture.store.text(note), QString());
+    QVERIFY(fixture.store.hasDraft(note));
+}
+
+void NoteStoreTest::hasAFolderOnlyOnceItExistsOnDisk()
+{
+    const QTemporaryDir dir;
+    const QString folder = dir.filePath(u"Notes of one person"_s);
+    Fixture fixture;
+    QVERIFY(!fixture.store.notesFolderURL());
+
+    fixture.repository.setNotesFolderURL(QUrl::fromLocalFile(folder));
+    QVERIFY(!fixture.store.notesFolderURL());
+
+    QVERIFY(QDir().mkdir(folder));
+    QCOMPARE(fixture.store.notesFolderURL(), QUrl::fromLocalFile(folder));
+}
+
+void NoteStoreTest::turnsTheTrimmedCaptureIntoANoteAtTheFront()
+{
+    const Note earlier = noteOf(u"earlier"_s);
+    NoteSnapshot snapshot = snapshotOf({earlier});
+    snapshot.editingDrafts = {{canonicalText(earlier.id), u"edit"_s}};
+    Fixture fixture(snapshot);
+    fixture.store.setDraft(u"  word\n"_s);
+
+    QVERIFY(fixture.store.saveCapture());
+
+    const NoteSnapshot &saved = fixture.store.snapshot();
+    QCOMPARE(bodies(saved.notes), (QStringList{u"word"_s, u"earlier"_s}));
+    QCOMPARE(saved.notes.first().createdAt, Fixture::now);
+    QCOMPARE(saved.notes.first().updatedAt, Fixture::now);
+    QVERIFY(saved.notes.first().id != earlier.id);
+    QVERIFY(!saved.notes.first().id.isNull());
+    QCOMPARE(saved.captureDraft, QString());
+    QCOMPARE(saved.editingDrafts, snapshot.editingDrafts);
+    QCOMPARE(fixture.repository.stored(), saved);
+}
+
+void NoteStoreTest::savesNoBlankCapture()
+{
+    Fixture fixture;
+    const QString blank = u" \n\t\u3000\u2028"_s;
+    fixture.store.setDraft(blank);
+
+    QVERIFY(!fixture.store.saveCapture());
+
+    QCOMPARE(fixture.repository.saves(), 0);
+    QCOMPARE(fixture.store.draft(), blank);
+    QVERIFY(!fixture.store.errorMessage());
+}
+
+void NoteStoreTest::keepsTheCaptureWhenItsWriteFails()
+{
+    Fixture fixture;
+    fixture.store.setDraft(u"buy milk "_s);
+    fixture.repository.failWith(noSpace);
+
+    QVERIFY(!fixture.store.saveCapture());
+
+    QCOMPARE(fixture.store.draft(), u"buy milk "_s);
+    QVERIFY(fixture.store.notes().isEmpty());
+    QCOMPARE(fixture.store.status(), u"Not saved · Retry"_s);
+    QCOMPARE(fixture.store.errorContext(), u"Could not save. Your text is still in this window."_s);
+    QCOMPARE(fixture.store.errorMessage(), noSpace.description());
+
+    fixture.repository.recover();
+    QVERIFY(fixture.store.saveCapture());
+    QCOMPARE(fixture.store.status(), u"Saved on this Mac"_s);
+    QCOMPARE(bodies(fixture.repository.stored().notes), QStringList{u"buy milk"_s});
+}
+
+void NoteStoreTest::namesTheStateOfTheSaving()
+{
+    Fixture fixture;
+    QCOMPARE(fixture.store.status(), u"Saved on this Mac"_s);
+
+    fixture.store.setDraft(u"a"_s);
+    QCOMPARE(fixture.store.status(), u"Saving draft…"_s);
+
+    fixture.repository.failWith(noSpace);
+    QVERIFY(!fixture.store.flush());
+    QVERIFY(fixture.store.hasPendingChanges());
+    QCOMPARE(fixture.store.status(), u"Not saved · Retry"_s);
+
+    fixture.repository.recover();
+    QVERIFY(fixture.store.flush());
+    QVERIFY(!fixture.store.hasPendingChanges());
+    QCOMPARE(fixture.store.status(), u"Saved on this Mac"_s);
+}
+
+void NoteStoreTest::keepsTheLastContextAfterAFailureIsOver()
+{
+    Fixture fixture;
+    fixture.repository.failWith(RepositoryError::recoveryRequired());
+    QVERIFY(!fixture.store.flush());
+    fixture.repository.recover();
+
+    QVERIFY(fixture.store.flush());
+
+    QVERIFY(!fixture.store.errorMessage());
+    QVERIFY(!fixture.store.repositoryError());
+    QCOMPARE(fixture.store.errorContext(), u"Could not save. Your text is still in this window."_s);
+}
+
+void NoteStoreTest::putsTheTrimmedEditIntoItsNote()
+{
+    const Note other = noteOf(u"other"_s);
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({other, note}));
+    fixture.store.setDraft(u"capture"_s);
+    fixture.store.updateDraft(note, u"\n oat milk\nand bread \n"_s);
+
+    QVERIFY(fixture.store.saveEdit(note));
+
+    const Note edited{note.id, u"oat milk\nand bread"_s, note.createdAt, Fixture::now};
+    QCOMPARE(fixture.store.snapshot(), (NoteSnapshot{1, {other, edited}, u"capture"_s, {}}));
+    QCOMPARE(fixture.repository.stored(), fixture.store.snapshot());
+}
+
+void NoteStoreTest::updatesANoteThatWasNotChanged()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+
+    QVERIFY(fixture.store.saveEdit(note));
+
+    QCOMPARE(fixture.store.snapshot().notes.first().body, u"milk"_s);
+    QCOMPARE(fixture.store.snapshot().notes.first().updatedAt, Fixture::now);
+}
+
+void NoteStoreTest::keepsEverythingWhenTheWriteOfAnEditFails()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+    fixture.store.updateDraft(note, u"oat milk"_s);
+    const NoteSnapshot before = fixture.store.snapshot();
+    fixture.repository.failWith(noSpace);
+
+    QVERIFY(!fixture.store.saveEdit(note));
+
+    QCOMPARE(fixture.store.snapshot(), before);
+    QCOMPARE(fixture.store.text(note), u"oat milk"_s);
+}
+
+void NoteStoreTest::savesNoEditOfADeletedNote()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+    QVERIFY(fixture.store.deleteNote(note));
+    const int saves = fixture.repository.saves();
+
+    QVERIFY(!fixture.store.saveEdit(note));
+
+    QCOMPARE(fixture.repository.saves(), saves);
+    QVERIFY(!fixture.store.errorMessage());
+}
+
+void NoteStoreTest::savesNoBlankEditButKeepsItsDraft()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+    fixture.store.updateDraft(note, u" \n"_s);
+
+    QVERIFY(!fixture.store.saveEdit(note));
+
+    QCOMPARE(fixture.store.text(note), u" \n"_s);
+    QCOMPARE(fixture.store.snapshot().notes, QList<Note>{note});
+    QCOMPARE(fixture.repository.saves(), 0);
+}
+
+void NoteStoreTest::deletesTheNoteWithItsDraft()
+{
+    const QList<Note> notes{noteOf(u"a"_s), noteOf(u"b"_s), noteOf(u"c"_s)};
+    Fixture fixture(snapshotOf(notes));
+    fixture.store.updateDraft(notes[0], u"a edited"_s);
+    fixture.store.updateDraft(notes[1], u"b edited"_s);
+
+    QVERIFY(fixture.store.deleteNote(notes[1]));
+
+    QCOMPARE(bodies(fixture.store.snapshot().notes), (QStringList{u"a"_s, u"c"_s}));
+    QVERIFY(!fixture.store.hasDraft(notes[1]));
+    QCOMPARE(fixture.store.text(notes[0]), u"a edited"_s);
+    QCOMPARE(fixture.repository.stored(), fixture.store.snapshot());
+}
+
+void NoteStoreTest::writesEvenWhenTheNoteToDeleteIsUnknown()
+{
+    const NoteSnapshot snapshot = snapshotOf({noteOf(u"milk"_s)});
+    Fixture fixture(snapshot);
+
+    QVERIFY(fixture.store.deleteNote(noteOf(u"stranger"_s)));
+
+    QCOMPARE(fixture.repository.saves(), 1);
+    QCOMPARE(fixture.store.snapshot(), snapshot);
+
+    fixture.repository.failWith(noSpace);
+    QVERIFY(!fixture.store.deleteNote(noteOf(u"stranger"_s)));
+}
+
+void NoteStoreTest::keepsTheNoteWhenItsDeletionFails()
+{
+    const NoteSnapshot snapshot = snapshotOf({noteOf(u"milk"_s)});
+    Fixture fixture(snapshot);
+    fixture.repository.failWith(noSpace);
+
+    QVERIFY(!fixture.store.deleteNote(snapshot.notes.first()));
+
+    QCOMPARE(fixture.store.snapshot(), snapshot);
+}
+
+void NoteStoreTest::writesOnceAfterABurstOfTyping()
+{
+    Fixture fixture;
+    QElapsedTimer sinceLastEdit;
+    QTimer typist;
+    QString text;
+    connect(&typist, &QTimer::timeout, &fixture.store, [&] {
+        fixture.store.setDraft(text += u'x');
+        sinceLastEdit.start();
+        if (text.size() == 10)
+            typist.stop();
+    });
+    typist.start(std::chrono::milliseconds(100));
+
+    QTRY_COMPARE(text.size(), qsizetype(10));
+    QCOMPARE(fixture.repository.saves(), 0);
+    QSignalSpy pending(&fixture.store, &NoteStore::hasPendingChangesChanged);
+    QVERIFY(pending.wait());
+
+    QCOMPARE(NoteStore::saveDelay, std::chrono::milliseconds(350));
+    QVERIFY(sinceLastEdit.elapsed() >= 350);
+    QCOMPARE(fixture.repository.saves(), 1);
+    QCOMPARE(fixture.repository.stored().captureDraft, text);
+    QVERIFY(!fixture.store.hasPendingChanges());
+}
+
+void NoteStoreTest::writesNothingMoreAfterACommit_data()
+{
+    using Commit = std::function<bool(NoteStore &)>;
+    QTest::addColumn<Commit>("commit");
+    QTest::addColumn<bool>("fails");
+
+    const auto first = [](const NoteStore &store) { return store.snapshot().notes.first(); };
+    const QList<std::pair<const char *, Commit>> commits{
+        {"flush", [](NoteStore &store) { return store.flush(); }},
+        {"capture", [](NoteStore &store) { return store.saveCapture(); }},
+        {"edit", [=](NoteStore &store) { return store.saveEdit(first(store)); }},
+        {"deletion", [=](NoteStore &store) { return store.deleteNote(first(store)); }},
+    };
+    for (const auto &[name, commit] : commits) {
+        QTest::addRow("%s", name) << commit << false;
+        QTest::addRow("%s that fails", name) << commit << true;
+    }
+}
+
+void NoteStoreTest::writesNothingMoreAfterACommit()
+{
+    QFETCH(std::function<bool(NoteStore &)>, commit);
+    QFETCH(bool, fails);
+    Fixture fixture(snapshotOf({noteOf(u"tea"_s)}));
+    fixture.store.setDraft(u"milk"_s);
+    if (fails)
+        fixture.repository.failWith(noSpace);
+    QCOMPARE(commit(fixture.store), !fails);
+    QCOMPARE(fixture.repository.saves(), 1);
+    fixture.repository.recover();
+
+    // A later draft is written by its own timer, so the earlier one would have been written first.
+    QTimer::singleShot(NoteStore::saveDelay / 2, &fixture.store,
+                       [&fixture] { fixture.store.setDraft(u"bread"_s); });
+
+    QTRY_COMPARE(fixture.repository.stored().captureDraft, u"bread"_s);
+    QCOMPARE(fixture.repository.saves(), 2);
+}
+
+void NoteStoreTest::describesAnUnknownFailureAsItStands()
+{
+    Fixture fixture;
+    fixture.repository.failWith(std::length_error("too much"));
+
+    QVERIFY(!fixture.store.flush());
+
+    QCOMPARE(fixture.store.errorMessage(), u"too much"_s);
+    QVERIFY(!fixture.store.repositoryError().has_value());
+    fixture.repository.recover();
+    QVERIFY(fixture.store.flush());
+    QVERIFY(!fixture.store.errorMessage().has_value());
+}
+
+void NoteStoreTest::keepsWhatIsTypedWithoutAPause()
+{
+    Fixture fixture;
+    QTimer typist;
+    QString text;
+    connect(&typist, &QTimer::timeout, &fixture.store,
+            [&] { fixture.store.setDraft(text += u'x'); });
+    typist.start(std::chrono::milliseconds(50));
+
+    QTRY_VERIFY(fixture.repository.kept().size() == 3);
+    typist.stop();
+
+    QCOMPARE(fixture.repository.saves(), 0);
+    QCOMPARE(fixture.repository.kept().last().captureDraft, text);
+    // Kept at least as often as a pause would have saved it.
+    QVERIFY(fixture.repository.kept().first().captureDraft.size() <= 8);
+    QTRY_COMPARE(fixture.repository.stored().captureDraft, text);
+    QVERIFY(NoteStore::keepInterval < NoteStore::saveDelay);
+}
+
+void NoteStoreTest::keepsNothingThatIsSavedSoon()
+{
+    Fixture fixture;
+    for (int i = 0; i < 2; ++i) {
+        fixture.store.setDraft(u"milk"_s.repeated(i + 1));
+        QTRY_VERIFY(!fixture.store.hasPendingChanges());
+    }
+
+    QCOMPARE(fixture.repository.saves(), 2);
+    QVERIFY(fixture.repository.kept().isEmpty());
+}
+
+void NoteStoreTest::staysPendingWhenTheDelayedWriteFails()
+{
+    Fixture fixture;
+    fixture.repository.failWith(noSpace);
+    fixture.store.setDraft(u"milk"_s);
+
+    QTRY_COMPARE(fixture.store.status(), u"Not saved · Retry"_s);
+
+    QVERIFY(fixture.store.hasPendingChanges());
+    QCOMPARE(fixture.store.draft(), u"milk"_s);
+
+    fixture.repository.recover();
+    fixture.store.setDraft(u"milk and bread"_s);
+    QTRY_COMPARE(fixture.repository.stored().captureDraft, u"milk and bread"_s);
+    QCOMPARE(fixture.store.status(), u"Saved on this Mac"_s);
+}
+
+void NoteStoreTest::keepsADraftExactlyAsTyped()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+
+    fixture.store.setDraft(u" \r\ntyped\t"_s);
+    fixture.store.updateDraft(note, u" edited\n\n"_s);
+    QVERIFY(fixture.store.flush());
+
+    QCOMPARE(fixture.repository.stored().captureDraft, u" \r\ntyped\t"_s);
+    QCOMPARE(fixture.repository.stored().editingDrafts.value(canonicalText(note.id)),
+             u" edited\n\n"_s);
+}
+
+void NoteStoreTest::tellsOfChangesOnly()
+{
+    Fixture fixture;
+    const QSignalSpy snapshot(&fixture.store, &NoteStore::snapshotChanged);
+    const QSignalSpy pending(&fixture.store, &NoteStore::hasPendingChangesChanged);
+    const QSignalSpy message(&fixture.store, &NoteStore::errorMessageChanged);
+    const QSignalSpy context(&fixture.store, &NoteStore::errorContextChanged);
+    const QSignalSpy error(&fixture.store, &NoteStore::repositoryErrorChanged);
+
+    fixture.store.setDraft(u"milk"_s);
+    fixture.store.setDraft(u"milk"_s);
+    QCOMPARE(snapshot.count(), 1);
+    QCOMPARE(pending.count(), 1);
+
+    fixture.repository.failWith(RepositoryError::externalChange());
+    QVERIFY(!fixture.store.flush());
+    QVERIFY(!fixture.store.flush());
+    QCOMPARE(message.count(), 1);
+    QCOMPARE(context.count(), 1);
+    QCOMPARE(error.count(), 1);
+    QCOMPARE(pending.count(), 1);
+
+    fixture.repository.recover();
+    QVERIFY(fixture.store.flush());
+    QVERIFY(fixture.store.flush());
+    QCOMPARE(message.count(), 2);
+    QCOMPARE(context.count(), 1);
+    QCOMPARE(error.count(), 2);
+    QCOMPARE(pending.count(), 2);
+    QCOMPARE(snapshot.count(), 1);
+
+    QVERIFY(fixture.store.saveCapture());
+    QCOMPARE(snapshot.count(), 2);
+}
+
+void NoteStoreTest::canBeDestroyedWhileADraftWaits()
+{
+    auto fixture = std::make_unique<Fixture>();
+    fixture->store.setDraft(u"milk"_s);
+    fixture.reset();
+
+    // Outlives the wait of the draft: a timer left behind would write through a store that is gone.
+    Fixture later;
+    later.store.setDraft(u"bread"_s);
+    QTRY_COMPARE(later.repository.stored().captureDraft, u"bread"_s);
+}
+
+void NoteStoreTest::showsTheLastUpdatedNoteFirst()
+{
+    const QList<Note> stored{noteOf(u"oldest"_s, 1), noteOf(u"newest"_s, 3),
+                             noteOf(u"middle"_s, 2)};
+    Fixture fixture(snapshotOf(stored));
+    QCOMPARE(bodies(fixture.store.notes()), (QStringList{u"newest"_s, u"middle"_s, u"oldest"_s}));
+
+    QVERIFY(fixture.store.saveEdit(stored[0]));
+
+    QCOMPARE(bodies(fixture.store.notes()), (QStringList{u"oldest"_s, u"newest"_s, u"middle"_s}));
+    QCOMPARE(bodies(fixture.store.snapshot().notes),
+             (QStringList{u"oldest"_s, u"newest"_s, u"middle"_s}));
+}
+
+void NoteStoreTest::keepsTheStoredOrderOfNotesOfTheSameTime()
+{
+    QList<Note> stored;
+    for (int i = 0; i < 100; ++i)
+        stored << noteOf(u"note %1"_s.arg(i), i % 2);
+    QStringList expected;
+    for (const int time : {1, 0}) {
+        for (int i = 0; i < 100; ++i) {
+            if (i % 2 == time)
+                expected << u"note %1"_s.arg(i);
+        }
+    }
+    const Fixture fixture(snapshotOf(stored));
+
+    QCOMPARE(bodies(fixture.store.notes()), expected);
+    QCOMPARE(bodies(fixture.store.matching(u"note"_s)), expected);
+}
+
+void NoteStoreTest::findsEveryNoteByABlankQuery()
+{
+    const Fixture fixture(snapshotOf({noteOf(u"a"_s, 1), noteOf(u"b"_s, 2)}));
+
+    QCOMPARE(fixture.store.matching(QString()), fixture.store.notes());
+    QCOMPARE(fixture.store.matching(u" \n"_s), fixture.store.notes());
+}
+
+void NoteStoreTest::findsWithoutRegardToCaseAndAccents()
+{
+    const Fixture fixture(snapshotOf({noteOf(u"Tea at the CAFÉ NOËL"_s), noteOf(u"cafe noel"_s)}));
+
+    QCOMPARE(fixture.store.matching(u"cafe noel"_s).size(), qsizetype(2));
+    QCOMPARE(fixture.store.matching(u"CAFÉ Noël"_s).size(), qsizetype(2));
+    QCOMPARE(fixture.store.matching(u"cafes"_s).size(), qsizetype(0));
+}
+
+void NoteStoreTest::searchesTheSavedBodyAndNotTheDraft()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+    fixture.store.updateDraft(note, u"bread"_s);
+
+    QCOMPARE(fixture.store.matching(u"milk"_s), QList<Note>{note});
+    QVERIFY(fixture.store.matching(u"bread"_s).isEmpty());
+}
+
+void NoteStoreTest::searchesForTheTrimmedQueryAsOneText()
+{
+    const Fixture fixture(snapshotOf({noteOf(u"oat milk"_s)}));
+
+    QCOMPARE(fixture.store.matching(u" oat milk \n"_s).size(), qsizetype(1));
+    QVERIFY(fixture.store.matching(u"milk oat"_s).isEmpty());
+    QVERIFY(fixture.store.matching(u"oat  milk"_s).isEmpty());
+}
+
+void NoteStoreTest::showsWhatIsFoundInDisplayOrder()
+{
+    const Fixture fixture(snapshotOf({noteOf(u"milk 1"_s, 1), noteOf(u"bread"_s, 4),
+                                      noteOf(u"milk 3"_s, 3), noteOf(u"milk 2"_s, 2)}));
+
+    QCOMPARE(bodies(fixture.store.matching(u"milk"_s)),
+             (QStringList{u"milk 3"_s, u"milk 2"_s, u"milk 1"_s}));
+}
+
+QTEST_GUILESS_MAIN(NoteStoreTest)
+#include "NoteStoreTest.moc"
