@@ -3,7 +3,7 @@
 # use only what is declared before it: an include that points upwards does not compile, because
 # the folder of a later layer is on nobody's include path.
 #
-#   add_layer(Name SOURCES a.cpp HEADERS a.h USES LowerLayer Qt6::Core [PRIVATE_USES OpenSSL::Crypto])
+#   add_layer(Name SOURCES a.cpp HEADERS a.h USES LowerLayer Qt6::Core [PRIVATE_USES ICU::uc])
 function(add_layer name)
   cmake_parse_arguments(L "" "" "SOURCES;HEADERS;USES;PRIVATE_USES" ${ARGN})
   foreach(dependency IN LISTS L_USES L_PRIVATE_USES)

@@ -1,45 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "Sha256.h"
 
-// The functions of OpenSSL 1.1. Those of 3.0 first load its providers and its settings, which takes
-// a sixth of the whole start and more memory than the bubble.
-#define OPENSSL_API_COMPAT 10101
-#include <openssl/sha.h>
-
-namespace {
-
-SHA256_CTX *native(void *context)
+Sha256::Sha256() noexcept
 {
-    return static_cast<SHA256_CTX *>(context);
+    sha256_init(&m_context);
 }
 
-} // namespace
-
-Sha256::Sha256()
-    : m_context(new SHA256_CTX)
+void Sha256::add(std::string_view bytes) noexcept
 {
-    begin();
+    sha256_update(&m_context, bytes.size(), reinterpret_cast<const unsigned char *>(bytes.data()));
 }
 
-void Sha256::add(std::string_view bytes)
-{
-    SHA256_Update(native(m_context.get()), bytes.data(), bytes.size());
-}
-
-Sha256::Digest Sha256::finish()
+Sha256::Digest Sha256::finish() noexcept
 {
     Digest digest;
-    SHA256_Final(digest.data(), native(m_context.get()));
-    begin();
+    sha256_digest(&m_context, digest.size(), digest.data());
     return digest;
-}
-
-void Sha256::begin()
-{
-    SHA256_Init(native(m_context.get()));
-}
-
-void Sha256::Free::operator()(void *context) const
-{
-    delete native(context);
 }

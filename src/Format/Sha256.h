@@ -2,28 +2,21 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
-#include <memory>
+#include <nettle/sha2.h>
 #include <string_view>
 
-/// A SHA-256 over bytes that arrive in pieces.
+/// A SHA-256 (FIPS 180-4) over bytes that arrive in pieces.
 class Sha256 {
 public:
-    using Digest = std::array<unsigned char, 32>;
+    using Digest = std::array<unsigned char, SHA256_DIGEST_SIZE>;
 
-    Sha256();
+    Sha256() noexcept;
 
-    void add(std::string_view bytes);
+    void add(std::string_view bytes) noexcept;
 
     /// The digest of what was added; after that it begins anew.
-    [[nodiscard]] Digest finish();
+    [[nodiscard]] Digest finish() noexcept;
 
 private:
-    void begin();
-
-    /// OpenSSL's types stay out of the header.
-    struct Free {
-        void operator()(void *context) const;
-    };
-    std::unique_ptr<void, Free> m_context;
+    sha256_ctx m_context;
 };
