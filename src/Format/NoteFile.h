@@ -8,7 +8,6 @@
 #include <compare>
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -66,6 +65,3 @@ struct NoteFile {
 
 /// A Markdown file's name without its extension.
 [[nodiscard]] std::string_view stem(std::string_view name) noexcept;
-
-/// The identifier that the bytes spell, in either case.
-[[nodiscard]] std::optional<QUuid> parseId(std::string_view bytes);
