@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -55,12 +56,38 @@ std::size_t readAll(int folder, const std::vector<std::string> &names)
     return size;
 }
 
+std::size_t lookAtAll(int folder, const std::vector<std::string> &names)
+{
+    std::size_t size = 0;
+    for (const std::string &name : names) {
+        struct stat status;
+        require(::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW), "stat");
+        size += static_cast<std::size_t>(status.st_size);
+    }
+    return size;
+}
+
 constexpr const char *sections[] = {"Notes", "Drafts"};
 
 } // namespace
 
-void PlainStorage::saveOneNote(const std::string &dataFolder, const std::string &noteName,
-                               const std::string &bytes)
+std::size_t PlainStorage::look(const std::string &dataFolder)
+{
+    const int data = openFolder(AT_FDCWD, dataFolder.c_str());
+    const int live = openFolder(data, "Markdown");
+    std::size_t size = lookAtAll(live, list(live));
+    for (const char *section : sections) {
+        const int folder = openFolder(live, section);
+        size += lookAtAll(folder, list(folder));
+        ::close(folder);
+    }
+    ::close(live);
+    ::close(data);
+    return size;
+}
+
+void PlainStorage::linkAndWrite(const std::string &dataFolder, const std::string &noteName,
+                                const std::string &bytes)
 {
     const int data = openFolder(AT_FDCWD, dataFolder.c_str());
     const int live = openFolder(data, "Markdown");
@@ -73,10 +100,12 @@ void PlainStorage::saveOneNote(const std::string &dataFolder, const std::string 
         require(::mkdirat(stage, section, 0700), "mkdir");
         const int into = openFolder(stage, section);
         const std::vector<std::string> names = list(from);
-        for (const std::string &name : names)
-            require(::linkat(from, name.c_str(), into, name.c_str(), 0), "link");
+        static_cast<void>(lookAtAll(from, names));
+        for (const std::string &name : names) {
+            if (name != noteName)
+                require(::linkat(from, name.c_str(), into, name.c_str(), 0), "link");
+        }
         if (section == sections[0]) {
-            require(::unlinkat(into, noteName.c_str(), 0), "unlink");
             const int file = require(
                 ::openat(into, noteName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600),
                 "create");
@@ -86,29 +115,19 @@ void PlainStorage::saveOneNote(const std::string &dataFolder, const std::string 
             ::close(file);
         }
         require(::fsync(into), "fsync");
-        static_cast<void>(readAll(from, names));
         ::close(into);
         ::close(from);
     }
-    static_cast<void>(readAll(live, list(live)));
     require(::fsync(stage), "fsync");
-
-    require(::renameat2(data, ".stage", data, "Markdown", RENAME_EXCHANGE), "exchange");
-    require(::fsync(data), "fsync");
-
-    for (const char *section : sections) {
-        const int old = openFolder(live, section);
-        for (const std::string &name : list(old))
-            require(::unlinkat(old, name.c_str(), 0), "unlink");
-        ::close(old);
-        require(::unlinkat(live, section, AT_REMOVEDIR), "rmdir");
-    }
-    require(::unlinkat(live, ".format", 0), "unlink");
-    require(::unlinkat(data, ".stage", AT_REMOVEDIR), "rmdir");
     require(::fsync(data), "fsync");
     ::close(stage);
     ::close(live);
     ::close(data);
+}
+
+void PlainStorage::removeStage(const std::string &dataFolder)
+{
+    std::filesystem::remove_all(dataFolder + "/.stage");
 }
 
 std::size_t PlainStorage::load(const std::string &dataFolder)

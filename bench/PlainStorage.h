@@ -8,10 +8,16 @@
 /// parsed, hashed, remembered or checked. What the storage is measured against.
 namespace PlainStorage {
 
-/// Links every file of the folder into a new one, writes one of the notes anew, puts all on the
-/// disk, reads the old files once, exchanges the folders and removes the old one.
-void saveOneNote(const std::string &dataFolder, const std::string &noteName,
-                 const std::string &bytes);
+/// Lists the folder and looks at every file. Answers how many bytes they have.
+std::size_t look(const std::string &dataFolder);
+
+/// Looks at every file, links each into a new folder beside, but for one note, which it writes
+/// there; puts all that is new on the disk. What is new stays, as ".stage".
+void linkAndWrite(const std::string &dataFolder, const std::string &noteName,
+                  const std::string &bytes);
+
+/// Removes what linkAndWrite() left.
+void removeStage(const std::string &dataFolder);
 
 /// Lists the folder and reads every file. Answers the number of bytes.
 std::size_t load(const std::string &dataFolder);

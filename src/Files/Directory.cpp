@@ -2,464 +2,309 @@
 #include "Directory.h"
 
 #include <array>
-#include <climits>
-#include <cstring>
-#include <fcntl.h>
-#include <linux/limits.h>
-#include <sys/xattr.h>
 
 namespace {
 
-constexpr mode_t folderMode = 0700;
-constexpr mode_t fileMode = 0600;
 constexpr std::size_t bufferSize = 64UL * 1024;
 
-DirectoryListing::Kind kindOfMode(mode_t mode)
-{
-    if (S_ISREG(mode))
-        return DirectoryListing::Kind::file;
-    if (S_ISDIR(mode))
-        return DirectoryListing::Kind::folder;
-    return S_ISLNK(mode) ? DirectoryListing::Kind::link : DirectoryListing::Kind::other;
-}
-
-/// Extended attributes, access control lists included. What one of the two file systems does not
-/// know or allow is left out.
-void copyAttributes(int from, int to)
-{
-    std::string names(XATTR_LIST_MAX, '\0');
-    const ssize_t size = ::flistxattr(from, names.data(), names.size());
-    std::string value;
-    for (const char *name = names.data(); name < names.data() + size;
-         name += std::strlen(name) + 1) {
-        value.resize(XATTR_SIZE_MAX);
-        const ssize_t length = ::fgetxattr(from, name, value.data(), value.size());
-        if (length >= 0)
-            static_cast<void>(
-                ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(length), 0));
-    }
-}
-
-bool writeAll(int fd, std::string_view bytes)
+Result<void> writeAll(const Descriptor &file, std::string_view bytes) noexcept
 {
     while (!bytes.empty()) {
-        const ssize_t count =
-            uninterrupted([&] { return ::write(fd, bytes.data(), bytes.size()); });
-        if (count < 0)
-            return false;
-        if (count == 0) {
-            errno = EIO;
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(count));
+        const auto count = uninterrupted(
+            [&] { return file.disk().write(file.get(), bytes.data(), bytes.size()); });
+        if (!count)
+            return count.failure();
+        if (*count == 0)
+            return Failure::system(EIO);
+        bytes.remove_prefix(*count);
     }
-    return true;
+    return {};
 }
 
-/// A folder or file that is a copy of another one gets what the other has beside its content. An
-/// owner or group that the user may not give away is left, and with it the rights of the group,
-/// which would be rights of another one.
-bool copyMetadata(int from, const struct stat &status, int to)
+struct OpenFile {
+    Descriptor descriptor;
+    FileStatus status;
+};
+
+Result<OpenFile> openRegularFile(const Directory &folder, const char *name) noexcept
 {
-    struct stat own;
-    if (::fstat(to, &own) != 0)
-        return false;
-    mode_t mode = status.st_mode & ALLPERMS;
-    if (own.st_uid != status.st_uid && ::fchown(to, status.st_uid, static_cast<gid_t>(-1)) != 0)
-        mode &= ~mode_t{S_ISUID};
-    if (own.st_gid != status.st_gid && ::fchown(to, static_cast<uid_t>(-1), status.st_gid) != 0)
-        mode &= ~mode_t{S_ISGID | S_IRWXG};
-    copyAttributes(from, to);
-    const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
-    return uninterrupted([&] { return ::fchmod(to, mode); }) == 0 &&
-           ::futimens(to, times.data()) == 0;
+    Disk &disk = folder.disk();
+    const auto handle = uninterrupted([&] { return disk.openFile(folder.handle(), name); });
+    if (!handle) {
+        const Failure failure = handle.failure();
+        const bool isSpecial = failure.is(ELOOP) || failure.is(ENXIO) || failure.is(ENODEV);
+        return isSpecial ? Failure::because(Reason::notRegularFile) : failure;
+    }
+    Descriptor file(disk, *handle);
+    const auto status = disk.status(file.get());
+    if (!status)
+        return status.failure();
+    if (status->kind != FileKind::file)
+        return Failure::because(Reason::notRegularFile);
+    return OpenFile{std::move(file), *status};
 }
+
+Result<Descriptor> makeEmptyFile(const Directory &folder, const char *name) noexcept
+{
+    Disk &disk = folder.disk();
+    const auto handle = uninterrupted([&] { return disk.makeFile(folder.handle(), name); });
+    if (!handle)
+        return handle.failure();
+    return Descriptor(disk, *handle);
+}
+
+Result<void> copyContent(const Descriptor &from, const Descriptor &to) noexcept
+{
+    std::array<char, bufferSize> buffer;
+    for (;;) {
+        const auto count = uninterrupted(
+            [&] { return from.disk().read(from.get(), buffer.data(), buffer.size()); });
+        if (!count)
+            return count.failure();
+        if (*count == 0)
+            return {};
+        if (const auto written = writeAll(to, {buffer.data(), *count}); !written)
+            return written;
+    }
+}
+
+class Collector final : public ListingVisitor {
+public:
+    explicit Collector(DirectoryListing &listing)
+        : m_listing(listing)
+    {
+    }
+    void visit(ino_t inode, FileKind kind, const char *name) override
+    {
+        m_listing.add(inode, kind, name);
+    }
+
+private:
+    DirectoryListing &m_listing;
+};
 
 } // namespace
 
-std::optional<Directory> Directory::tryOpen(const std::filesystem::path &path)
+Result<Directory> Directory::open(Disk &disk, const std::filesystem::path &path)
 {
-    Descriptor descriptor(
-        uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-    if (!descriptor.isOpen())
-        return std::nullopt;
-    return Directory(std::move(descriptor), path);
+    const auto handle = uninterrupted([&] { return disk.openPath(path.c_str()); });
+    if (!handle) {
+        const Failure failure = handle.failure();
+        return failure.is(ENOTDIR) ? Failure::because(Reason::notFolder) : failure;
+    }
+    return Directory(Descriptor(disk, *handle), path);
 }
 
-std::optional<Directory> Directory::openIfExists(const std::filesystem::path &path)
+Directory Directory::openOrMake(Disk &disk, const std::filesystem::path &path)
 {
-    std::optional<Directory> directory = tryOpen(path);
-    if (!directory && errno == ENOTDIR)
-        throw FileError(path, Reason::notFolder);
-    if (!directory && errno != ENOENT)
-        throw FileError(path, errno);
-    return directory;
-}
-
-Directory Directory::open(const std::filesystem::path &path)
-{
-    std::optional<Directory> directory = openIfExists(path);
-    if (!directory)
-        throw FileError(path, ENOENT);
-    return std::move(*directory);
-}
-
-Directory Directory::openOrMake(const std::filesystem::path &path)
-{
-    if (std::optional<Directory> directory = openIfExists(path))
-        return std::move(*directory);
+    Result<Directory> found = open(disk, path);
+    if (found)
+        return *std::move(found);
+    if (!found.failure().is(ENOENT))
+        throw FileError(path, found.failure());
     if (!path.has_filename())
-        return openOrMake(path.parent_path());
-    return openOrMake(path.parent_path()).openOrMakeFolder(path.filename().c_str());
+        return openOrMake(disk, path.parent_path());
+    const Directory parent = openOrMake(disk, path.parent_path());
+    const std::filesystem::path name = path.filename();
+    const auto made = uninterrupted([&] { return disk.makeFolder(parent.handle(), name.c_str()); });
+    if (!made && !made.failure().is(EEXIST))
+        throw parent.error(made.failure(), name.native());
+    return parent.orThrow(parent.openFolder(name.c_str()), name.native());
 }
 
-void Directory::syncPath(const std::filesystem::path &path)
+void Directory::syncPath() const
 {
-    const dev_t device = open(path).identity().device;
-    for (std::filesystem::path above = path; above.has_relative_path();) {
+    const dev_t device = orThrow(status()).identity.device;
+    for (std::filesystem::path above = m_path; above.has_relative_path();) {
         above = above.parent_path();
         // The user may have no right to list a folder, such as that of all home folders. Somebody
         // else made it then.
-        const std::optional<Directory> folder = tryOpen(above);
+        const Result<Directory> folder = open(disk(), above);
         if (!folder)
             continue;
-        if (folder->identity().device != device)
+        if (folder->orThrow(folder->status()).identity.device != device)
             return;
-        folder->sync();
+        folder->orThrow(folder->sync());
     }
 }
 
-DirectoryListing Directory::list() const
+Result<FileStatus> Directory::status() const noexcept
 {
-    std::optional<DirectoryListing> listing = tryList();
-    if (!listing)
-        throw FileError(m_path, errno);
-    return std::move(*listing);
+    return disk().status(handle());
 }
 
-std::optional<DirectoryListing> Directory::tryList() const
+Result<FileStatus> Directory::status(const char *name) const noexcept
 {
-    DirectoryListing listing;
-    alignas(dirent64) std::array<char, bufferSize> buffer;
-    if (::lseek(m_descriptor.get(), 0, SEEK_SET) < 0)
-        return std::nullopt;
-    for (;;) {
-        const ssize_t size = uninterrupted(
-            [&] { return ::getdents64(m_descriptor.get(), buffer.data(), buffer.size()); });
-        if (size < 0)
-            return std::nullopt;
-        if (size == 0)
-            return listing;
-        for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
-            const auto *entry = reinterpret_cast<const dirent64 *>(buffer.data() + at);
-            at += entry->d_reclen;
-            const std::string_view name(entry->d_name);
-            if (name != "." && name != "..")
-                listing.add(entry->d_ino, kind(*entry), name);
-        }
+    return uninterrupted([&] { return disk().status(handle(), name); });
+}
+
+Result<Disk::Attributes> Directory::attributes(const char *name) const noexcept
+{
+    return uninterrupted([&] { return disk().attributes(handle(), name); });
+}
+
+Result<bool> Directory::isAt(const char *name, const FileIdentity &identity) const noexcept
+{
+    const Result<FileStatus> found = status(name);
+    if (found)
+        return found->identity == identity;
+    if (found.failure().is(ENOENT))
+        return false;
+    return found.failure();
+}
+
+Result<DirectoryListing> Directory::list() const
+{
+    return uninterrupted([&]() -> Result<DirectoryListing> {
+        DirectoryListing listing;
+        Collector collector(listing);
+        if (const auto listed = disk().list(handle(), collector); !listed)
+            return listed.failure();
+        return listing;
+    });
+}
+
+Result<Directory> Directory::openFolder(const char *name) const
+{
+    const auto opened = uninterrupted([&] { return disk().openFolder(handle(), name); });
+    if (!opened) {
+        const Failure failure = opened.failure();
+        const bool isOther = failure.is(ENOTDIR) || failure.is(ELOOP);
+        return isOther ? Failure::because(Reason::notFolder) : failure;
     }
-}
-
-DirectoryListing::Kind Directory::kind(const dirent64 &entry) const noexcept
-{
-    if (entry.d_type != DT_UNKNOWN)
-        return kindOfMode(static_cast<mode_t>(DTTOIF(entry.d_type)));
-    // Not every file system tells the kind; what cannot be told is treated with most suspicion.
-    struct stat found;
-    return tryStatus(entry.d_name, found) ? kindOfMode(found.st_mode)
-                                          : DirectoryListing::Kind::other;
-}
-
-std::optional<struct stat> Directory::status(const char *name) const
-{
-    struct stat found;
-    if (tryStatus(name, found))
-        return found;
-    if (errno == ENOENT)
-        return std::nullopt;
-    throw error(name);
-}
-
-bool Directory::tryStatus(const char *name, struct stat &found) const noexcept
-{
-    return uninterrupted([&] {
-               return ::fstatat(m_descriptor.get(), name, &found, AT_SYMLINK_NOFOLLOW);
-           }) == 0;
-}
-
-struct stat Directory::ownStatus() const
-{
-    struct stat found;
-    if (::fstat(m_descriptor.get(), &found) != 0)
-        throw FileError(m_path, errno);
-    return found;
-}
-
-FileIdentity Directory::identity() const
-{
-    const struct stat status = ownStatus();
-    return {status.st_dev, status.st_ino};
-}
-
-std::optional<FileIdentity> Directory::tryIdentity() const noexcept
-{
-    struct stat status;
-    if (::fstat(m_descriptor.get(), &status) != 0)
-        return std::nullopt;
-    return FileIdentity{status.st_dev, status.st_ino};
-}
-
-std::optional<bool> Directory::tryIsAt(const char *name,
-                                       const FileIdentity &identity) const noexcept
-{
-    struct stat found;
-    if (tryStatus(name, found))
-        return FileIdentity{found.st_dev, found.st_ino} == identity;
-    return errno == ENOENT ? std::optional(false) : std::nullopt;
-}
-
-std::optional<Directory> Directory::tryOpenFolder(const char *name) const
-{
-    Descriptor descriptor = openEntry(name, O_RDONLY | O_DIRECTORY);
-    if (!descriptor.isOpen())
-        return std::nullopt;
+    Descriptor descriptor(disk(), *opened);
     return Directory(std::move(descriptor), m_path / name);
 }
 
-Directory Directory::openFolder(const char *name) const
+Result<Directory> Directory::makeFolder(const char *name) const
 {
-    std::optional<Directory> folder = tryOpenFolder(name);
-    if (folder)
-        return std::move(*folder);
-    if (errno == ENOTDIR || errno == ELOOP)
-        throw error(name, Reason::notFolder);
-    throw error(name);
+    if (const auto made = uninterrupted([&] { return disk().makeFolder(handle(), name); }); !made)
+        return made.failure();
+    Result<Directory> folder = openFolder(name);
+    if (!folder)
+        static_cast<void>(unlink(name, FileKind::folder));
+    return folder;
 }
 
-Directory Directory::makeFolder(const char *name) const
+Result<FileStatus> Directory::readFile(const char *name, std::size_t limit,
+                                       std::string &bytes) const
 {
-    return makeFolder(name, m_path / name);
-}
-
-Directory Directory::makeFolder(const char *name, const std::filesystem::path &shownAs) const
-{
-    if (uninterrupted([&] { return ::mkdirat(m_descriptor.get(), name, folderMode); }) != 0)
-        throw FileError(shownAs, errno);
-    if (std::optional<Directory> folder = tryOpenFolder(name)) {
-        folder->showAs(shownAs);
-        return std::move(*folder);
-    }
-    const FileError failure(shownAs, errno);
-    static_cast<void>(tryRemove(name, DirectoryListing::Kind::folder));
-    throw failure;
-}
-
-Directory Directory::openOrMakeFolder(const char *name) const
-{
-    if (uninterrupted([&] { return ::mkdirat(m_descriptor.get(), name, folderMode); }) != 0 &&
-        errno != EEXIST)
-        throw error(name);
-    return openFolder(name);
-}
-
-void Directory::readFile(const char *name, std::size_t limit, std::string &bytes) const
-{
-    struct stat status;
-    const Descriptor file = openRegularFile(name, status);
-    const auto expected = static_cast<std::size_t>(status.st_size);
+    const Result<OpenFile> file = openRegularFile(*this, name);
+    if (!file)
+        return file.failure();
+    const auto expected = static_cast<std::size_t>(file->status.size);
     if (expected > limit)
-        throw error(name, Reason::tooLarge);
+        return Failure::because(Reason::tooLarge);
 
     // One byte more than expected tells the end of the file without a second call.
     bytes.resize(expected + 1);
     std::size_t size = 0;
     for (;;) {
         const std::size_t wanted = bytes.size() - size;
-        const ssize_t count =
-            uninterrupted([&] { return ::read(file.get(), bytes.data() + size, wanted); });
-        if (count < 0)
-            throw error(name);
-        size += static_cast<std::size_t>(count);
+        const auto count = uninterrupted(
+            [&] { return disk().read(file->descriptor.get(), bytes.data() + size, wanted); });
+        if (!count)
+            return count.failure();
+        size += *count;
         // It may grow while it is read.
         if (size > limit)
-            throw error(name, Reason::tooLarge);
-        const bool isShort = static_cast<std::size_t>(count) < wanted;
-        if (count == 0 || (isShort && size >= expected))
+            return Failure::because(Reason::tooLarge);
+        const bool isShort = *count < wanted;
+        if (*count == 0 || (isShort && size >= expected))
             break;
         if (!isShort)
             bytes.resize(2 * bytes.size());
     }
     bytes.resize(size);
+    return file->status;
 }
 
-void Directory::replaceFile(const char *name, std::string_view bytes) const
+Result<FileStatus> Directory::makeFile(const char *name, std::string_view bytes) const noexcept
 {
-    if (!tryRemove(name, DirectoryListing::Kind::file) && errno != ENOENT)
-        throw error(name);
-    Descriptor file = makeFile(name);
-    if (!writeAll(file.get(), bytes) || !file.close())
-        throw error(name);
+    Result<Descriptor> file = makeEmptyFile(*this, name);
+    if (!file)
+        return file.failure();
+    if (const auto written = writeAll(*file, bytes); !written)
+        return written.failure();
+    const auto status = disk().status(file->get());
+    if (const auto closed = file->close(); !closed)
+        return closed.failure();
+    return status;
 }
 
-bool Directory::tryLink(const char *name, const Directory &into) const noexcept
+Result<void> Directory::link(const char *name, const Directory &into) const noexcept
 {
-    return uninterrupted([&] {
-               return ::linkat(m_descriptor.get(), name, into.m_descriptor.get(), name, 0);
-           }) == 0;
+    return uninterrupted([&] { return disk().link(handle(), into.handle(), name); });
 }
 
-void Directory::copyFile(const char *name, const Directory &into) const
+Result<FileStatus> Directory::copyFile(const char *name, const Directory &into) const noexcept
 {
-    struct stat status;
-    const Descriptor source = openRegularFile(name, status);
-    Descriptor copy = into.makeFile(name);
-    std::array<char, bufferSize> buffer;
-    for (;;) {
-        const ssize_t count =
-            uninterrupted([&] { return ::read(source.get(), buffer.data(), buffer.size()); });
-        if (count < 0)
-            throw error(name);
-        if (count == 0)
-            break;
-        if (!writeAll(copy.get(), {buffer.data(), static_cast<std::size_t>(count)}))
-            throw into.error(name);
-    }
-    if (!copyMetadata(source.get(), status, copy.get()) || !copy.close())
-        throw into.error(name);
+    const Result<OpenFile> source = openRegularFile(*this, name);
+    if (!source)
+        return source.failure();
+    Result<Descriptor> copy = makeEmptyFile(into, name);
+    if (!copy)
+        return copy.failure();
+    if (const auto copied = copyContent(source->descriptor, *copy); !copied)
+        return copied.failure();
+    const auto resembles =
+        uninterrupted([&] { return disk().copyMetadata(source->descriptor.get(), copy->get()); });
+    if (!resembles)
+        return resembles.failure();
+    const auto status = disk().status(copy->get());
+    if (const auto closed = copy->close(); !closed)
+        return closed.failure();
+    return status;
 }
 
-void Directory::copySymbolicLink(const char *name, const Directory &into) const
+Result<void> Directory::copySymbolicLink(const char *name, const Directory &into) const noexcept
 {
-    std::array<char, PATH_MAX + 1> target{};
-    if (uninterrupted([&] {
-            return ::readlinkat(m_descriptor.get(), name, target.data(), target.size() - 1);
-        }) < 0)
-        throw error(name);
-    if (uninterrupted([&] { return ::symlinkat(target.data(), into.m_descriptor.get(), name); }) !=
-        0)
-        throw into.error(name);
+    return uninterrupted([&] { return disk().copySymbolicLink(handle(), into.handle(), name); });
 }
 
-bool Directory::tryRemove(const char *name, DirectoryListing::Kind kind) const noexcept
+Result<void> Directory::unlink(const char *name, FileKind kind) const noexcept
 {
-    const int flags = kind == DirectoryListing::Kind::folder ? AT_REMOVEDIR : 0;
-    return uninterrupted([&] { return ::unlinkat(m_descriptor.get(), name, flags); }) == 0;
+    return uninterrupted([&] { return disk().unlink(handle(), name, kind); });
 }
 
-bool Directory::tryRename(const char *from, const char *to, unsigned flags) const noexcept
+Result<void> Directory::rename(const char *name, const Directory &to, const char *newName,
+                               Disk::Rename how) const noexcept
 {
-    const int fd = m_descriptor.get();
-    if (flags == 0)
-        return uninterrupted([&] { return ::renameat(fd, from, fd, to); }) == 0;
-    return ::renameat2(fd, from, fd, to, flags) == 0;
+    const auto call = [&] { return disk().rename(handle(), name, to.handle(), newName, how); };
+    return how == Disk::Rename::replace ? uninterrupted(call) : call();
 }
 
-void Directory::sync() const
+Result<void> Directory::sync() const noexcept
 {
-    if (!trySync())
-        throw FileError(m_path, errno);
+    const auto synced = uninterrupted([&] { return disk().sync(handle()); });
+    // The answer of file systems that have nothing to sync for a folder.
+    return !synced && synced.failure().is(EINVAL) ? Result<void>() : synced;
 }
 
-bool Directory::trySync() const noexcept
+Result<void> Directory::syncFile(const char *name) const noexcept
 {
-    // EINVAL is the answer of file systems that have nothing to sync for a folder.
-    return uninterrupted([&] { return ::fsync(m_descriptor.get()); }) == 0 || errno == EINVAL;
+    const Result<OpenFile> file = openRegularFile(*this, name);
+    if (!file)
+        return file.failure();
+    return uninterrupted([&] { return disk().sync(file->descriptor.get()); });
 }
 
-void Directory::syncFile(const char *name) const
+Result<void> Directory::syncFileSystem() const noexcept
 {
-    struct stat status;
-    const Descriptor file = openRegularFile(name, status);
-    if (uninterrupted([&] { return ::fsync(file.get()); }) != 0)
-        throw error(name);
+    return uninterrupted([&] { return disk().syncFileSystem(handle()); });
 }
 
-void Directory::syncFileSystem() const
+Result<void> Directory::setMode(mode_t mode) const noexcept
 {
-    if (uninterrupted([&] { return ::syncfs(m_descriptor.get()); }) != 0)
-        throw FileError(m_path, errno);
+    return uninterrupted([&] { return disk().setMode(handle(), mode); });
 }
 
-bool Directory::isMountPoint() const
+Result<void> Directory::resemble(const Directory &model) const noexcept
 {
-    return isMountPoint("");
+    return uninterrupted([&] { return disk().copyMetadata(model.handle(), handle()); });
 }
 
-bool Directory::isMountPoint(const char *name) const
+FileError Directory::error(Failure failure, std::string_view name) const
 {
-    return (attributes(name) & STATX_ATTR_MOUNT_ROOT) != 0;
-}
-
-bool Directory::isImmutable(const char *name) const
-{
-    return (attributes(name) & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0;
-}
-
-std::uint64_t Directory::attributes(const char *name) const
-{
-    struct statx found {};
-    if (uninterrupted([&] {
-            return ::statx(m_descriptor.get(), name, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW,
-                           STATX_BASIC_STATS, &found);
-        }) != 0)
-        throw *name != '\0' ? error(name) : FileError(m_path, errno);
-    return found.stx_attributes;
-}
-
-void Directory::resemble(const Directory &model) const
-{
-    if (!copyMetadata(model.m_descriptor.get(), model.ownStatus(), m_descriptor.get()))
-        throw FileError(m_path, errno);
-}
-
-void Directory::setMode(mode_t mode) const
-{
-    if (!trySetMode(mode))
-        throw FileError(m_path, errno);
-}
-
-bool Directory::trySetMode(mode_t mode) const noexcept
-{
-    return uninterrupted([&] { return ::fchmod(m_descriptor.get(), mode & ALLPERMS); }) == 0;
-}
-
-FileError Directory::error(const char *name) const
-{
-    const int reason = errno;
-    return FileError(m_path / name, reason);
-}
-
-FileError Directory::error(const char *name, Reason reason) const
-{
-    return FileError(m_path / name, reason);
-}
-
-Descriptor Directory::openEntry(const char *name, int flags) const noexcept
-{
-    return Descriptor(uninterrupted([&] {
-        return ::openat(m_descriptor.get(), name, flags | O_NOFOLLOW | O_CLOEXEC, fileMode);
-    }));
-}
-
-Descriptor Directory::openRegularFile(const char *name, struct stat &status) const
-{
-    // Without O_NONBLOCK a pipe would wait for a writer that never comes.
-    Descriptor file = openEntry(name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-    if (!file.isOpen()) {
-        const bool isSpecial = errno == ELOOP || errno == ENXIO || errno == ENODEV;
-        throw isSpecial ? error(name, Reason::notRegularFile) : error(name);
-    }
-    if (::fstat(file.get(), &status) != 0)
-        throw error(name);
-    if (!S_ISREG(status.st_mode))
-        throw error(name, Reason::notRegularFile);
-    return file;
-}
-
-Descriptor Directory::makeFile(const char *name) const
-{
-    Descriptor file = openEntry(name, O_WRONLY | O_CREAT | O_EXCL);
-    if (!file.isOpen())
-        throw error(name);
-    return file;
+    return {name.empty() ? m_path : m_path / name, failure};
 }

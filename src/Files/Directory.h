@@ -5,120 +5,93 @@
 #include "DirectoryListing.h"
 #include "FileError.h"
 
-#include <dirent.h>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
-
-/// Tells a file or folder from every other, whatever it is called, as long as it is held open.
-struct FileIdentity {
-    dev_t device;
-    ino_t inode;
-
-    friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
-};
 
 /// An open folder. Everything in it is reached by name from the open folder itself, so what it is
 /// called, and what else takes its place on the disk meanwhile, does not matter.
 ///
 /// No call follows a symbolic link: neither to read, nor to write, nor to descend. What is made is
-/// for the user alone (folders 0700, files 0600). Calls throw a FileError that names the entry.
+/// for the user alone (folders 0700, files 0600). Failures are values; orThrow() makes them errors
+/// that name the entry.
 class Directory {
 public:
     /// Opens a folder by its path. Here alone links count: the user may keep the folder elsewhere.
-    [[nodiscard]] static Directory open(const std::filesystem::path &path);
-    [[nodiscard]] static std::optional<Directory> openIfExists(const std::filesystem::path &path);
+    static Result<Directory> open(Disk &disk, const std::filesystem::path &path);
 
-    /// Nothing, with errno set, when it cannot be opened.
-    [[nodiscard]] static std::optional<Directory> tryOpen(const std::filesystem::path &path);
-
-    /// Opens a folder and makes it first where it is missing, with the folders above it.
-    [[nodiscard]] static Directory openOrMake(const std::filesystem::path &path);
+    /// Opens a folder and makes it first where it is missing, with the folders above it. Throws a
+    /// FileError that names the folder that could not be opened or made.
+    [[nodiscard]] static Directory openOrMake(Disk &disk, const std::filesystem::path &path);
 
     /// Puts the names of the folder and of those above it on the disk, as far as they may be read.
-    static void syncPath(const std::filesystem::path &path);
+    /// Throws a FileError.
+    void syncPath() const;
+
+    [[nodiscard]] Disk &disk() const noexcept { return m_descriptor.disk(); }
+    [[nodiscard]] Disk::Handle handle() const noexcept { return m_descriptor.get(); }
 
     /// Where the folder was found. Only errors show it.
     [[nodiscard]] const std::filesystem::path &path() const noexcept { return m_path; }
     void showAs(std::filesystem::path path) { m_path = std::move(path); }
 
-    [[nodiscard]] DirectoryListing list() const;
+    Result<FileStatus> status() const noexcept;
+    Result<FileStatus> status(const char *name) const noexcept;
+    Result<Disk::Attributes> attributes(const char *name = "") const noexcept;
 
-    /// Nothing, with errno set, when the folder cannot be read.
-    [[nodiscard]] std::optional<DirectoryListing> tryList() const;
+    /// Whether the entry is this very folder or file.
+    Result<bool> isAt(const char *name, const FileIdentity &identity) const noexcept;
 
-    /// Nothing when there is no such entry.
-    [[nodiscard]] std::optional<struct stat> status(const char *name) const;
-    [[nodiscard]] bool tryStatus(const char *name, struct stat &found) const noexcept;
-    [[nodiscard]] struct stat ownStatus() const;
-    [[nodiscard]] FileIdentity identity() const;
-    [[nodiscard]] std::optional<FileIdentity> tryIdentity() const noexcept;
+    Result<DirectoryListing> list() const;
+    Result<Directory> openFolder(const char *name) const;
+    Result<Directory> makeFolder(const char *name) const;
 
-    /// Whether the entry is this very folder or file. Nothing, with errno set, when that cannot be
-    /// told.
-    [[nodiscard]] std::optional<bool> tryIsAt(const char *name,
-                                              const FileIdentity &identity) const noexcept;
+    /// Reads a whole regular file, and says what it was when it was opened. Anything else, and what
+    /// is larger, is refused at once.
+    Result<FileStatus> readFile(const char *name, std::size_t limit, std::string &bytes) const;
 
-    [[nodiscard]] Directory openFolder(const char *name) const;
-    [[nodiscard]] Directory makeFolder(const char *name) const;
+    /// Writes a new file, and says what it is then.
+    Result<FileStatus> makeFile(const char *name, std::string_view bytes) const noexcept;
 
-    /// Makes a folder that errors call by another path, also the error that it cannot be made.
-    [[nodiscard]] Directory makeFolder(const char *name,
-                                       const std::filesystem::path &shownAs) const;
-    [[nodiscard]] Directory openOrMakeFolder(const char *name) const;
-
-    /// Reads a whole regular file; anything else is refused at once, without waiting on it.
-    void readFile(const char *name, std::size_t limit, std::string &bytes) const;
-
-    /// Writes a new file under the name. What the name stood for before is only unlinked: its
-    /// content stays as it is under its other names.
-    void replaceFile(const char *name, std::string_view bytes) const;
-
-    /// False, with errno set, when the file system refuses the link.
-    [[nodiscard]] bool tryLink(const char *name, const Directory &into) const noexcept;
+    Result<void> link(const char *name, const Directory &into) const noexcept;
 
     /// Copies a regular file: content, owner, permissions, attributes and times, as far as the user
     /// may set them.
-    void copyFile(const char *name, const Directory &into) const;
-    void copySymbolicLink(const char *name, const Directory &into) const;
+    Result<FileStatus> copyFile(const char *name, const Directory &into) const noexcept;
+    Result<void> copySymbolicLink(const char *name, const Directory &into) const noexcept;
 
-    [[nodiscard]] bool tryRemove(const char *name, DirectoryListing::Kind kind) const noexcept;
+    Result<void> unlink(const char *name, FileKind kind) const noexcept;
 
-    /// Renames within the folder, with the flags of renameat2. False, with errno set, on failure;
-    /// with flags an interruption is such a failure too.
-    [[nodiscard]] bool tryRename(const char *from, const char *to,
-                                 unsigned flags = 0) const noexcept;
+    /// Renames an entry, into another folder or within this one. Interrupted only when it is to
+    /// exchange or not to replace: a repetition might undo or refuse what took place.
+    Result<void> rename(const char *name, const Directory &to, const char *newName,
+                        Disk::Rename how = Disk::Rename::replace) const noexcept;
 
     /// Puts the folder's own entries on the disk; not the content of its files.
-    void sync() const;
-    [[nodiscard]] bool trySync() const noexcept;
-    void syncFile(const char *name) const;
+    Result<void> sync() const noexcept;
+    Result<void> syncFile(const char *name) const noexcept;
 
     /// Puts everything on the disk that was written to the whole file system.
-    void syncFileSystem() const;
+    Result<void> syncFileSystem() const noexcept;
 
-    /// True when another file system, or another part of this one, is mounted here.
-    [[nodiscard]] bool isMountPoint() const;
-    [[nodiscard]] bool isMountPoint(const char *name) const;
-
-    /// True for a file that may not be changed, or only be added to, not even by its owner.
-    [[nodiscard]] bool isImmutable(const char *name) const;
-
-    void setMode(mode_t mode) const;
+    Result<void> setMode(mode_t mode) const noexcept;
 
     /// Takes over another folder's owner, permissions, attributes and times, as far as the user may
     /// set them.
-    void resemble(const Directory &model) const;
-    [[nodiscard]] bool trySetMode(mode_t mode) const noexcept;
+    Result<void> resemble(const Directory &model) const noexcept;
 
-    /// What errno says about an entry, ready to be thrown.
-    [[nodiscard]] FileError error(const char *name) const;
-    [[nodiscard]] FileError error(const char *name, Reason reason) const;
+    /// A failure that concerns an entry, or the folder itself when the name is empty, as an error.
+    [[nodiscard]] FileError error(Failure failure, std::string_view name = {}) const;
 
-    /// Like openFolder(), but nothing where that would throw.
-    [[nodiscard]] std::optional<Directory> tryOpenFolder(const char *name) const;
+    /// What a call brought. Throws the error where it failed.
+    template <typename T>
+    T orThrow(Result<T> result, std::string_view name = {}) const
+    {
+        if (!result)
+            throw error(result.failure(), name);
+        if constexpr (!std::is_void_v<T>)
+            return *std::move(result);
+    }
 
 private:
     Directory(Descriptor descriptor, std::filesystem::path path)
@@ -126,13 +99,6 @@ private:
         , m_path(std::move(path))
     {
     }
-
-    [[nodiscard]] DirectoryListing::Kind kind(const dirent64 &entry) const noexcept;
-    /// The STATX_ATTR_ bits of an entry, or of the folder itself for an empty name.
-    [[nodiscard]] std::uint64_t attributes(const char *name) const;
-    [[nodiscard]] Descriptor openEntry(const char *name, int flags) const noexcept;
-    [[nodiscard]] Descriptor openRegularFile(const char *name, struct stat &status) const;
-    [[nodiscard]] Descriptor makeFile(const char *name) const;
 
     Descriptor m_descriptor;
     std::filesystem::path m_path;

@@ -2,6 +2,7 @@
 #include "DirectoryListing.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -19,7 +20,7 @@ std::uint64_t beginning(const char *name)
 
 } // namespace
 
-void DirectoryListing::add(std::uint64_t inode, Kind kind, std::string_view name)
+void DirectoryListing::add(ino_t inode, FileKind kind, std::string_view name)
 {
     m_entries.push_back({inode, m_names.size(), kind});
     m_names.append(name);
@@ -43,4 +44,14 @@ void DirectoryListing::sort()
         return std::strcmp(name(a.entry), name(b.entry)) < 0;
     });
     std::ranges::transform(keyed, m_entries.begin(), &Keyed::entry);
+}
+
+const DirectoryListing::Entry *DirectoryListing::find(const char *name) const noexcept
+{
+    const auto isBefore = [this](const Entry &entry, const char *wanted) {
+        return std::strcmp(this->name(entry), wanted) < 0;
+    };
+    const auto found = std::lower_bound(m_entries.begin(), m_entries.end(), name, isBefore);
+    return found != m_entries.end() && std::strcmp(this->name(*found), name) == 0 ? &*found
+                                                                                  : nullptr;
 }

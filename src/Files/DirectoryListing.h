@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Disk.h"
+
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,17 +14,13 @@
 /// thousand files costs a handful of allocations.
 class DirectoryListing {
 public:
-    enum class Kind : std::uint8_t { file, folder, link, other };
-
     struct Entry {
-        std::uint64_t inode;
+        ino_t inode;
         std::size_t nameOffset;
-        Kind kind;
-
-        friend bool operator==(const Entry &, const Entry &) = default;
+        FileKind kind;
     };
 
-    void add(std::uint64_t inode, Kind kind, std::string_view name);
+    void add(ino_t inode, FileKind kind, std::string_view name);
 
     [[nodiscard]] const std::vector<Entry> &entries() const noexcept { return m_entries; }
 
@@ -36,15 +33,15 @@ public:
     /// Orders the entries by their names, byte for byte.
     void sort();
 
+    /// The entry of that name; null when there is none. The entries must be in order.
+    [[nodiscard]] const Entry *find(const char *name) const noexcept;
+
     /// Keeps only the entries that the predicate accepts, in their order.
     template <typename Predicate>
     void keepIf(Predicate predicate)
     {
         std::erase_if(m_entries, [&](const Entry &entry) { return !predicate(entry); });
     }
-
-    /// True when both were read alike: the same entries in the same order.
-    friend bool operator==(const DirectoryListing &a, const DirectoryListing &b) = default;
 
 private:
     std::string m_names;

@@ -97,6 +97,13 @@ FileError::FileError(std::filesystem::path path, Reason reason)
 {
 }
 
+FileError::FileError(std::filesystem::path path, Failure failure)
+    : StorageError(failure.reason)
+    , m_path(std::move(path))
+    , m_systemError(failure.systemError)
+{
+}
+
 Message FileError::message() const
 {
     const QString file = shown(m_path);

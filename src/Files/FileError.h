@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "StorageError.h"
+#include "Result.h"
 
 #include <filesystem>
 
@@ -10,6 +10,7 @@ class FileError final : public StorageError {
 public:
     FileError(std::filesystem::path path, int systemError);
     FileError(std::filesystem::path path, Reason reason);
+    FileError(std::filesystem::path path, Failure failure);
 
     [[nodiscard]] const std::filesystem::path &path() const noexcept { return m_path; }
 

@@ -9,15 +9,24 @@ constexpr std::size_t mostFiles(Section section)
     return section == Section::notes ? NoteFolder::mostNotes : NoteFolder::mostNotes + 1;
 }
 
+Directory openHere(const Directory &parent, const char *name)
+{
+    Directory folder = parent.orThrow(parent.openFolder(name), name);
+    if (folder.orThrow(folder.attributes()).isMountPoint)
+        throw parent.error(Failure::because(Reason::mountPoint), name);
+    return folder;
+}
+
 /// By ascending name.
 DirectoryListing markdownFiles(const Directory &section)
 {
-    DirectoryListing listing = section.list();
+    DirectoryListing listing = section.orThrow(section.list());
     listing.keepIf([&](const DirectoryListing::Entry &entry) {
-        if (!isMarkdownName(listing.name(entry)))
+        const char *name = listing.name(entry);
+        if (!FileNames::isMarkdown(name))
             return false;
-        if (entry.kind != DirectoryListing::Kind::file)
-            throw section.error(listing.name(entry), Reason::notRegularFile);
+        if (entry.kind != FileKind::file)
+            throw section.error(Failure::because(Reason::notRegularFile), name);
         return true;
     });
     listing.sort();
@@ -26,31 +35,47 @@ DirectoryListing markdownFiles(const Directory &section)
 
 } // namespace
 
-std::optional<NoteFolder> NoteFolder::openIfExists(const std::filesystem::path &data)
+std::optional<NoteFolder> NoteFolder::openIfExists(const Directory &data)
 {
-    std::optional<Directory> parent = Directory::openIfExists(data);
-    if (!parent || !parent->status(folderName))
+    const Result<FileStatus> found = data.status(FileNames::markdownFolder);
+    if (!found && found.failure().is(ENOENT))
         return std::nullopt;
-    Directory directory = parent->openFolder(folderName);
-    return NoteFolder(std::move(*parent), std::move(directory));
+    data.orThrow(found, FileNames::markdownFolder);
+    Directory markdown = openHere(data, FileNames::markdownFolder);
+    Directory notes = openHere(markdown, FileNames::ofSection(Section::notes));
+    Directory drafts = openHere(markdown, FileNames::ofSection(Section::drafts));
+    return NoteFolder(std::move(markdown), std::move(notes), std::move(drafts));
 }
 
-bool NoteFolder::isInPlace() const
+std::optional<NoteFolder> NoteFolder::openIfUsable(const Directory &data)
 {
-    return m_data.tryIsAt(folderName, m_directory.identity()).value_or(true);
+    Result<Directory> markdown = data.openFolder(FileNames::markdownFolder);
+    if (!markdown)
+        return std::nullopt;
+    Result<Directory> notes = markdown->openFolder(FileNames::ofSection(Section::notes));
+    Result<Directory> drafts = markdown->openFolder(FileNames::ofSection(Section::drafts));
+    if (!notes || !drafts)
+        return std::nullopt;
+    return NoteFolder(*std::move(markdown), *std::move(notes), *std::move(drafts));
 }
 
-const char *NoteFolder::sectionName(Section section) noexcept
+const Directory &NoteFolder::directory(Section section) const noexcept
 {
     switch (section) {
     case Section::marker:
-        return "";
+        return m_markdown;
     case Section::notes:
-        return "Notes";
+        return m_notes;
     case Section::drafts:
-        return "Drafts";
+        return m_drafts;
     }
     Q_UNREACHABLE();
+}
+
+bool NoteFolder::isIn(const Directory &data) const
+{
+    const FileIdentity own = m_markdown.orThrow(m_markdown.status()).identity;
+    return data.isAt(FileNames::markdownFolder, own).valueOr(true);
 }
 
 void NoteFolder::visit(const Visitor &visitor,
@@ -58,34 +83,22 @@ void NoteFolder::visit(const Visitor &visitor,
 {
     std::string bytes;
     std::size_t total = 0;
-    m_directory.readFile(markerName, largestFile, bytes);
-    visitor(Section::marker, markerName, bytes);
+    const auto read = [&](Section section, const char *name) {
+        const Directory &folder = directory(section);
+        const FileStatus status = folder.orThrow(folder.readFile(name, largestFile, bytes), name);
+        visitor({section, name, status, bytes});
+    };
+    read(Section::marker, FileNames::marker);
     for (const Section section : {Section::notes, Section::drafts}) {
-        const Directory folder = m_directory.openFolder(sectionName(section));
-        const DirectoryListing files = markdownFiles(folder);
+        const DirectoryListing files = markdownFiles(directory(section));
         if (files.entries().size() > mostFiles(section))
-            throw FileError(folder.path(), Reason::tooManyNotes);
-        if (expect)
-            expect(files.entries().size());
+            throw directory(section).error(Failure::because(Reason::tooManyNotes));
+        expect(files.entries().size());
         for (const DirectoryListing::Entry &file : files.entries()) {
-            folder.readFile(files.name(file), largestFile, bytes);
+            read(section, files.name(file));
             total += bytes.size();
             if (total > mostBytes)
-                throw FileError(m_directory.path(), Reason::tooMuchText);
-            visitor(section, files.name(file), bytes);
+                throw m_markdown.error(Failure::because(Reason::tooMuchText));
         }
     }
-}
-
-FolderFingerprint::FolderFingerprint(const std::filesystem::path &folder)
-    : m_prefixes{folder / "", folder / "Notes" / "", folder / "Drafts" / ""}
-{
-}
-
-void FolderFingerprint::add(Section section, std::string_view name, std::string_view bytes)
-{
-    m_path = m_prefixes[static_cast<std::size_t>(section)];
-    m_path += name;
-    m_sha256.add(m_path);
-    m_sha256.add(bytes);
 }

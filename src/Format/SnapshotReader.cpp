@@ -17,41 +17,43 @@ QLatin1StringView latin1(std::string_view text)
 
 } // namespace
 
-SnapshotReader::SnapshotReader(std::filesystem::path path)
-    : m_path(std::move(path))
-    , m_fingerprint(m_path)
-{
-}
-
 void SnapshotReader::read(const NoteFolder &folder)
 {
+    m_folder = &folder;
+    const Directory &markdown = folder.directory();
+    Disk &disk = markdown.disk();
+    const bool hasReliableTimes = disk.hasReliableTimes(markdown.handle());
+    const std::int64_t begin = disk.now();
     const auto expect = [this](std::size_t fileCount) {
-        m_state.files.reserve(m_state.files.size() + fileCount);
+        m_files.reserve(m_files.size() + fileCount);
         m_ids.reserve(m_ids.size() + fileCount);
     };
-    const auto see = [this](Section section, std::string_view name, std::string_view bytes) {
-        const std::optional<QStringView> text = m_decoder.decode(bytes);
+    const auto see = [&](const NoteFolder::File &found) {
+        const std::optional<QStringView> text = m_decoder.decode(found.bytes);
         if (!text)
-            throw FileError(m_path / NoteFolder::sectionName(section) / name, Reason::notUtf8);
-        m_fingerprint.add(section, name, bytes);
-        m_state.files.push_back(readFile(section, name, *text));
+            throw folder.directory(found.section)
+                .error(Failure::because(Reason::notUtf8), found.name);
+        // Longer than an identifier, and so no name of a note or a draft.
+        if (!NoteFileName::fits(found.name))
+            throw RepositoryError::invalidMarkdown();
+        NoteFile &file = m_files.emplace_back();
+        file.place = {found.section, NoteFileName(found.name)};
+        file.size = found.bytes.size();
+        m_sha256.add(found.bytes);
+        file.digest = m_sha256.finish();
+        if (hasReliableTimes)
+            file.stamp = FileStamp(found.status, begin);
+        readFile(file, found.name, *text);
     };
     folder.visit(see, expect);
-    m_state.fingerprint = m_fingerprint.finish();
     collectNotes();
 }
 
-NoteFile SnapshotReader::readFile(Section section, std::string_view name, QStringView text)
+void SnapshotReader::readFile(NoteFile &file, std::string_view name, QStringView text)
 {
-    // Longer than an identifier, and so no name of a note or a draft.
-    if (!NoteFileName::fits(name))
-        throw RepositoryError::invalidMarkdown();
-    NoteFile file;
-    file.place = {section, NoteFileName(name)};
-    switch (section) {
+    switch (file.place.section) {
     case Section::marker:
         readMarker(text);
-        file.note.body = text.toString();
         break;
     case Section::notes:
         readNote(file, name, text);
@@ -61,26 +63,23 @@ NoteFile SnapshotReader::readFile(Section section, std::string_view name, QStrin
         readDraft(name, file.note.body);
         break;
     }
-    return file;
 }
 
-void SnapshotReader::readMarker(QStringView text) const
+void SnapshotReader::readMarker(QStringView text)
 {
-    if (text.toUtf8().toStdString() != NoteFolder::marker)
+    const std::string_view expected = FileNames::markerContent;
+    if (text != latin1(expected))
         throw RepositoryError::invalidMarkdown();
 }
 
 void SnapshotReader::readNote(NoteFile &file, std::string_view name, QStringView text)
 {
-    // A name of lower case may pass for exact: a save does not keep such a file anyway.
-    const std::optional<QUuid> id = parseId(stem(name));
-    if (auto exact =
-            id ? NoteMarkdownCodec::decodeExact(text, *id, latin1(stem(name))) : std::nullopt) {
+    const std::string_view stem = FileNames::stem(name);
+    const std::optional<QUuid> id = parseId(stem);
+    if (auto exact = id ? NoteMarkdownCodec::decodeExact(text, *id, latin1(stem)) : std::nullopt)
         file.note = std::move(*exact);
-    } else {
+    else
         file.note = NoteMarkdownCodec::decode(text);
-        file.isExact = false;
-    }
     if (file.note.id != id)
         throw RepositoryError::invalidMarkdown();
     rememberId(*id);
@@ -101,7 +100,7 @@ void SnapshotReader::rememberId(const QUuid &id)
 void SnapshotReader::collectNotes()
 {
     m_snapshot.notes.reserve(static_cast<qsizetype>(m_ids.size()));
-    for (const NoteFile &file : m_state.files) {
+    for (const NoteFile &file : m_files) {
         if (file.place.section == Section::notes)
             m_snapshot.notes.append(file.note);
     }
@@ -112,18 +111,18 @@ void SnapshotReader::readDraft(std::string_view name, const QString &text)
     // A load keeps one text of a draft only, and the next save would remove the other's file.
     const auto refuseSecond = [&](bool isSecond) {
         if (isSecond)
-            throw FileError(m_path / NoteFolder::sectionName(Section::drafts) / name,
-                            Reason::secondDraft);
+            throw m_folder->directory(Section::drafts)
+                .error(Failure::because(Reason::secondDraft), name);
     };
-    if (stem(name) == stem(NoteFolder::captureName)) {
+    const FileNames::Owner owner = FileNames::parse(name);
+    if (owner.isCapture) {
         refuseSecond(std::exchange(m_hasCaptureDraft, true));
         m_snapshot.captureDraft = text;
         return;
     }
-    const std::optional<QUuid> id = parseId(stem(name));
-    if (!id || !std::ranges::binary_search(m_ids, *id))
+    if (!owner.note || !std::ranges::binary_search(m_ids, *owner.note))
         throw RepositoryError::invalidMarkdown();
-    const QString key = canonicalText(*id);
+    const QString key = canonicalText(*owner.note);
     refuseSecond(m_snapshot.editingDrafts.contains(key));
     m_snapshot.editingDrafts.insert(key, text);
 }

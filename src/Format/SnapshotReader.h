@@ -2,10 +2,12 @@
 #pragma once
 
 #include "Note.h"
+#include "NoteFile.h"
 #include "NoteFolder.h"
 #include "Utf8.h"
 
 #include <utility>
+#include <vector>
 
 /// Builds the snapshot that a Markdown folder holds, and what is to be remembered of its files.
 ///
@@ -13,29 +15,30 @@
 /// whole reading.
 class SnapshotReader {
 public:
-    /// The path names the folder in the fingerprint and in errors.
-    explicit SnapshotReader(std::filesystem::path path);
-
     /// May be called once.
     void read(const NoteFolder &folder);
 
     [[nodiscard]] NoteSnapshot takeSnapshot() { return std::move(m_snapshot); }
-    [[nodiscard]] FolderState takeState() { return std::move(m_state); }
+
+    /// Every file, ordered by its place.
+    [[nodiscard]] std::vector<NoteFile> takeFiles() { return std::move(m_files); }
 
 private:
-    [[nodiscard]] NoteFile readFile(Section section, std::string_view name, QStringView text);
-    void readMarker(QStringView text) const;
+    void readFile(NoteFile &file, std::string_view name, QStringView text);
+    static void readMarker(QStringView text);
     void readNote(NoteFile &file, std::string_view name, QStringView text);
     void rememberId(const QUuid &id);
     void collectNotes();
     void readDraft(std::string_view name, const QString &text);
 
-    const std::filesystem::path m_path;
     NoteSnapshot m_snapshot;
-    FolderState m_state;
+    std::vector<NoteFile> m_files;
     /// Of the notes that were read, ascending.
     std::vector<QUuid> m_ids;
-    FolderFingerprint m_fingerprint;
+    Sha256 m_sha256;
     Utf8Decoder m_decoder;
     bool m_hasCaptureDraft = false;
+
+    /// The folder that is being read; only for errors.
+    const NoteFolder *m_folder = nullptr;
 };

@@ -4,6 +4,7 @@
 #include "Note.h"
 
 #include <QUrl>
+#include <chrono>
 #include <optional>
 
 /// Where the notes are kept. Loading and saving throw a StorageError when they fail, and have then
@@ -23,6 +24,14 @@ public:
 
     /// Replaces the whole stored state. On return it is safe on the disk.
     virtual void save(const NoteSnapshot &snapshot) = 0;
+
+    /// Does some of what the last save left for later, for about this long. After how long it wants
+    /// to be called again; nothing when that was all. May throw as well.
+    [[nodiscard]] virtual std::optional<std::chrono::milliseconds>
+    tidy(std::chrono::milliseconds /*most*/)
+    {
+        return std::nullopt;
+    }
 
     /// Keeps the drafts from a sudden end of the program until they are saved: the next load()
     /// gives them. Quick, and no stored note changes. May throw as well.

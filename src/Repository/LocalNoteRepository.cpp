@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "LocalNoteRepository.h"
 
+#include "FileNames.h"
 #include "LegacySnapshot.h"
 #include "MarkdownTransaction.h"
 #include "RepositoryError.h"
-#include "SavePlan.h"
+#include "SnapshotDifference.h"
 #include "SnapshotReader.h"
+#include "SystemDisk.h"
 
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -16,6 +19,17 @@ namespace {
 
 /// The older file holds all notes at once.
 constexpr std::size_t largestLegacyFile = 4 * NoteFolder::largestFile;
+
+/// How often a save is begun anew because another program is at work in the folder on files of its
+/// own.
+constexpr int mostTries = 20;
+
+using namespace std::chrono_literals;
+
+/// After this time the files that a save has linked can be given stamps.
+constexpr auto settlingTime = std::chrono::ceil<std::chrono::milliseconds>(
+                                  std::chrono::nanoseconds(FileStamp::settlingTime)) +
+                              10ms;
 
 std::filesystem::path userDataFolder()
 {
@@ -34,19 +48,34 @@ std::filesystem::path userDataFolder()
 } // namespace
 
 LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL)
-    : m_fileURL(std::filesystem::absolute(fileURL).lexically_normal())
-    , m_typed(m_fileURL.parent_path())
+    : m_systemDisk(std::make_unique<SystemDisk>())
+    , m_disk(*m_systemDisk)
+    , m_fileURL(std::filesystem::absolute(fileURL).lexically_normal())
+    , m_typed(m_disk, dataURL())
 {
+}
+
+LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL, Disk &disk)
+    : m_disk(disk)
+    , m_fileURL(fileURL)
+    , m_typed(m_disk, dataURL())
+{
+}
+
+LocalNoteRepository::~LocalNoteRepository()
+{
+    for (OldFolder &folder : m_oldFolders)
+        static_cast<void>(folder.remove(KnownFolder::Deadline::max()));
 }
 
 std::filesystem::path LocalNoteRepository::defaultFileURL()
 {
-    return userDataFolder() / "Penwick" / "notes.json";
+    return userDataFolder() / FileNames::dataFolder / FileNames::olderNotes;
 }
 
 std::optional<QUrl> LocalNoteRepository::notesFolderURL() const
 {
-    const std::filesystem::path folder = collectionURL() / NoteFolder::sectionName(Section::notes);
+    const std::filesystem::path folder = collectionURL() / FileNames::ofSection(Section::notes);
     return QUrl::fromLocalFile(QFile::decodeName(folder.c_str()));
 }
 
@@ -60,21 +89,28 @@ NoteSnapshot LocalNoteRepository::load()
 
 void LocalNoteRepository::loadNotes()
 {
-    MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
+    const Result<Directory> data = Directory::open(m_disk, dataURL());
+    if (!data && !data.failure().is(ENOENT))
+        throw FileError(dataURL(), data.failure());
+    if (data)
+        MarkdownTransaction::checkRecovery(*data);
     m_isOnDisk = false;
-    if (const auto folder = NoteFolder::openIfExists(m_fileURL.parent_path())) {
-        SnapshotReader reader(collectionURL());
+    m_unread.reset();
+    if (const auto folder = data ? NoteFolder::openIfExists(*data) : std::nullopt) {
+        SnapshotReader reader;
         reader.read(*folder);
         // Another program may have put a whole new folder in its place and removed this one.
-        if (!folder->isInPlace())
+        if (!folder->isIn(*data))
             throw RepositoryError::externalChange();
         m_saved = reader.takeSnapshot();
-        m_state = reader.takeState();
-    } else if (std::optional<NoteSnapshot> legacy = readLegacySnapshot()) {
-        write(*legacy);
+        m_known.emplace(reader.takeFiles());
     } else {
-        m_saved = {};
-        m_state.reset();
+        const auto legacy = data ? readLegacySnapshot(*data) : std::nullopt;
+        if (legacy)
+            write(*legacy, {}, nullptr);
+        else
+            m_known.reset();
+        m_saved = legacy.value_or(NoteSnapshot());
     }
     m_isLoaded = true;
 }
@@ -85,7 +121,7 @@ void LocalNoteRepository::save(const NoteSnapshot &snapshot)
         throw RepositoryError::unsupportedVersion(snapshot.version);
     if (!m_isLoaded)
         loadNotes();
-    write(snapshot);
+    write(snapshot, m_saved, m_known ? &*m_known : nullptr);
     m_typed.forget();
 }
 
@@ -94,61 +130,89 @@ void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot)
     m_typed.keep(snapshot, m_saved);
 }
 
-std::optional<NoteSnapshot> LocalNoteRepository::readLegacySnapshot() const
+std::optional<NoteSnapshot> LocalNoteRepository::readLegacySnapshot(const Directory &data) const
 {
-    const auto folder = Directory::openIfExists(m_fileURL.parent_path());
-    if (!folder || !folder->status(m_fileURL.filename().c_str()))
+    const std::filesystem::path name = m_fileURL.filename();
+    const Result<FileStatus> status = data.status(name.c_str());
+    if (!status && status.failure().is(ENOENT))
         return std::nullopt;
     std::string bytes;
-    folder->readFile(m_fileURL.filename().c_str(), largestLegacyFile, bytes);
+    data.orThrow(data.readFile(name.c_str(), largestLegacyFile, bytes), name.native());
     return decodeLegacySnapshot(
         QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
 }
 
-void LocalNoteRepository::write(const NoteSnapshot &snapshot)
+void LocalNoteRepository::write(const NoteSnapshot &snapshot, const NoteSnapshot &last,
+                                KnownFolder *known)
 {
-    SavePlan plan(snapshot, m_state ? &*m_state : nullptr, collectionURL());
-    if (m_state && plan.isEmpty()) {
-        // The folder that the exchange would put in place is the one that is there.
-        MarkdownTransaction::checkRecovery(m_fileURL.parent_path());
-        refuseExternalChange(plan);
-        // What was loaded may be of a program that ended before it could sync its last step.
-        if (!std::exchange(m_isOnDisk, true))
-            Directory::open(m_fileURL.parent_path()).sync();
-        return;
-    }
-    MarkdownTransaction::replace(
-        collectionURL(), [&](const std::filesystem::path &stage) { plan.apply(stage); },
-        [&] { refuseExternalChange(plan); },
-        [&](const std::filesystem::path &displaced) { plan.checkReplaced(displaced); });
-    m_state = plan.takeState();
+    SnapshotDifference difference(snapshot, last, known, collectionURL());
+    // Whatever may fail for want of memory comes before the folder changes.
+    KnownFolder first;
+    KnownFolder &next = known ? *known : first;
+    next.reserve(difference);
+    m_oldFolders.reserve(m_oldFolders.size() + 1);
+    bool isWritten = false;
+    for (int i = 0; i < mostTries && !isWritten; ++i)
+        isWritten = tryToWrite(difference, known);
+    if (!isWritten)
+        throw RepositoryError::externalChange();
+
+    next.apply(std::move(difference));
+    if (!known)
+        m_known = std::move(first);
     m_saved = snapshot;
     m_isOnDisk = true;
 }
 
-void LocalNoteRepository::refuseExternalChange(SavePlan &plan) const
+bool LocalNoteRepository::tryToWrite(const SnapshotDifference &difference, KnownFolder *known)
 {
-    const std::optional<Sha256::Digest> known =
-        m_state ? std::optional(m_state->fingerprint) : std::nullopt;
-    if (fingerprint(plan) != known)
-        throw RepositoryError::externalChange();
-    plan.seeNoMore();
+    MarkdownTransaction transaction(Directory::openOrMake(m_disk, dataURL()), known, difference);
+    if (known && !m_isOnDisk)
+        transaction.syncLoaded();
+    if (!transaction.commit())
+        return false;
+    if (std::optional<OldFolder> old = transaction.takeOldFolder()) {
+        m_oldFolders.push_back(std::move(*old));
+        m_unread = 0;
+        m_hasSettled = false;
+    }
+    return true;
 }
 
-std::optional<Sha256::Digest> LocalNoteRepository::fingerprint(SavePlan &plan) const
+std::optional<std::chrono::milliseconds> LocalNoteRepository::tidy(std::chrono::milliseconds most)
 {
-    const std::optional<NoteFolder> folder = NoteFolder::openIfExists(m_fileURL.parent_path());
-    if (!folder)
+    const auto deadline = std::chrono::steady_clock::now() + most;
+    if (!m_oldFolders.empty()) {
+        removeOldFolders(deadline);
+        return 0ms;
+    }
+    if (!m_unread)
         return std::nullopt;
-    FolderFingerprint sum(collectionURL());
-    folder->visit([&](Section section, std::string_view name, std::string_view bytes) {
-        sum.add(section, name, bytes);
-        plan.see(section, name, bytes);
-    });
-    return sum.finish();
+    if (!std::exchange(m_hasSettled, true))
+        return settlingTime;
+    learnStamps(deadline);
+    return m_unread ? std::optional(0ms) : std::nullopt;
+}
+
+void LocalNoteRepository::removeOldFolders(KnownFolder::Deadline deadline)
+{
+    const OldFolder::Outcome outcome = m_oldFolders.back().remove(deadline);
+    if (outcome != OldFolder::Outcome::more)
+        m_oldFolders.pop_back();
+    if (outcome == OldFolder::Outcome::needsAttention)
+        throw RepositoryError::recoveryRequired();
+}
+
+void LocalNoteRepository::learnStamps(KnownFolder::Deadline deadline)
+{
+    const std::size_t from = *std::exchange(m_unread, std::nullopt);
+    const Result<Directory> data = Directory::open(m_disk, dataURL());
+    const auto folder = data ? NoteFolder::openIfUsable(*data) : std::nullopt;
+    if (folder && m_known)
+        m_unread = m_known->learnStamps(*folder, from, deadline);
 }
 
 std::filesystem::path LocalNoteRepository::collectionURL() const
 {
-    return m_fileURL.parent_path() / NoteFolder::folderName;
+    return dataURL() / FileNames::markdownFolder;
 }

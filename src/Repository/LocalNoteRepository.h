@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "NoteFolder.h"
+#include "KnownFolder.h"
 #include "NoteRepository.h"
+#include "OldFolder.h"
 #include "TypedText.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
-
-class SavePlan;
+#include <vector>
 
 /// The notes as a folder of Markdown files; docs/FORMAT.md describes it whole.
 ///
@@ -16,8 +17,14 @@ class SavePlan;
 /// save, and goes on refusing until load() is called again.
 class LocalNoteRepository final : public NoteRepository {
 public:
-    /// The folder that holds the file is the data folder. Touches no file.
+    /// On the real disk. The folder that holds the file is the data folder. Touches no file.
     explicit LocalNoteRepository(const std::filesystem::path &fileURL = defaultFileURL());
+
+    /// The disk must outlive this.
+    LocalNoteRepository(const std::filesystem::path &fileURL, Disk &disk);
+
+    /// Finishes what tidy() would have done yet, but for reading.
+    ~LocalNoteRepository() override;
 
     /// "Penwick/notes.json" in the user's data folder (XDG_DATA_HOME, when it is absolute).
     [[nodiscard]] static std::filesystem::path defaultFileURL();
@@ -27,22 +34,29 @@ public:
     /// Reads the Markdown folder, or migrates the older JSON file, or finds nothing.
     [[nodiscard]] NoteSnapshot load() override;
     void save(const NoteSnapshot &snapshot) override;
+
+    /// Removes the folder that a save replaced; then reads again the files whose times changed with
+    /// their links, so that the next save need not.
+    [[nodiscard]] std::optional<std::chrono::milliseconds>
+    tidy(std::chrono::milliseconds most) override;
     void keepTyped(const NoteSnapshot &snapshot) override;
 
 private:
     void loadNotes();
-    [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot() const;
-    void write(const NoteSnapshot &snapshot);
-    void refuseExternalChange(SavePlan &plan) const;
-
-    /// Of the live folder as it is now, absent while there is none. The plan sees every file.
-    [[nodiscard]] std::optional<Sha256::Digest> fingerprint(SavePlan &plan) const;
+    [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot(const Directory &data) const;
+    void write(const NoteSnapshot &snapshot, const NoteSnapshot &last, KnownFolder *known);
+    [[nodiscard]] bool tryToWrite(const SnapshotDifference &difference, KnownFolder *known);
+    void removeOldFolders(KnownFolder::Deadline deadline);
+    void learnStamps(KnownFolder::Deadline deadline);
+    [[nodiscard]] std::filesystem::path dataURL() const { return m_fileURL.parent_path(); }
     [[nodiscard]] std::filesystem::path collectionURL() const;
 
+    const std::unique_ptr<Disk> m_systemDisk;
+    Disk &m_disk;
     const std::filesystem::path m_fileURL;
     bool m_isLoaded = false;
 
-    /// As it was last loaded or saved; its texts are shared with m_state.
+    /// As it was last loaded or saved; its texts are shared with what is known of the files.
     NoteSnapshot m_saved;
     TypedText m_typed;
 
@@ -50,5 +64,12 @@ private:
     bool m_isOnDisk = false;
 
     /// Absent while there is no Markdown folder.
-    std::optional<FolderState> m_state;
+    std::optional<KnownFolder> m_known;
+
+    /// What saves have replaced and tidy() has not removed yet.
+    std::vector<OldFolder> m_oldFolders;
+
+    /// The place from which on files are to be read again; absent when all are known.
+    std::optional<std::size_t> m_unread;
+    bool m_hasSettled = false;
 };

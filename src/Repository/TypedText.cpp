@@ -4,6 +4,7 @@
 #include "Directory.h"
 #include "NoteFolder.h"
 #include "NoteId.h"
+#include "Sha256.h"
 #include "Utf8.h"
 
 #include <QByteArray>
@@ -14,8 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr std::string_view prefix = ".quillmark-typed-";
-constexpr std::string_view marker = "Quillmark typed 1\n";
+constexpr std::string_view marker = FileNames::typedMarker;
 constexpr auto captureKey = "capture"_L1;
 
 /// A digest in hexadecimal, and a line end.
@@ -60,14 +60,15 @@ std::optional<QString> keptText(std::string_view file, const QString &saved)
 
 } // namespace
 
-TypedText::TypedText(std::filesystem::path dataFolder)
-    : m_dataFolder(std::move(dataFolder))
+TypedText::TypedText(Disk &disk, std::filesystem::path dataFolder)
+    : m_disk(disk)
+    , m_dataFolder(std::move(dataFolder))
 {
 }
 
 void TypedText::keep(const NoteSnapshot &typed, const NoteSnapshot &saved)
 {
-    const Directory folder = Directory::openOrMake(m_dataFolder);
+    const Directory folder = Directory::openOrMake(m_disk, m_dataFolder);
     keepDraft(folder, captureKey, typed.captureDraft, saved.captureDraft);
     const auto &drafts = typed.editingDrafts;
     for (auto draft = drafts.begin(); draft != drafts.end(); ++draft) {
@@ -86,34 +87,38 @@ void TypedText::keepDraft(const Directory &folder, const QString &key, const QSt
     std::string text;
     if (!encodeUtf8(saved, base) || !encodeUtf8(typed, text))
         return;
-    const std::string name = std::string(prefix) + key.toStdString();
+    const std::string name = std::string(FileNames::typedPrefix) + key.toStdString();
     const std::string fresh = name + '~';
     m_names.insert({name, fresh});
-    folder.replaceFile(fresh.c_str(),
-                       std::string(marker) + digestLine(base) + digestLine(text) + text);
-    if (!folder.tryRename(fresh.c_str(), name.c_str()))
-        throw folder.error(name.c_str());
+    // One that a killed program left half written.
+    static_cast<void>(folder.unlink(fresh.c_str(), FileKind::file));
+    const std::string bytes = std::string(marker) + digestLine(base) + digestLine(text) + text;
+    folder.orThrow(folder.makeFile(fresh.c_str(), bytes), fresh);
+    folder.orThrow(folder.rename(fresh.c_str(), folder, name.c_str()), name);
     m_kept[key] = typed;
 }
 
 void TypedText::restore(NoteSnapshot &snapshot)
 {
-    const std::optional<Directory> folder = Directory::openIfExists(m_dataFolder);
-    if (!folder)
+    const Result<Directory> folder = Directory::open(m_disk, m_dataFolder);
+    if (!folder && folder.failure().is(ENOENT))
         return;
+    if (!folder)
+        throw FileError(m_dataFolder, folder.failure());
     const NoteSnapshot saved = snapshot;
-    const DirectoryListing listing = folder->list();
+    const DirectoryListing listing = folder->orThrow(folder->list());
     std::string bytes;
     for (const DirectoryListing::Entry &entry : listing.entries()) {
         const std::string_view name = listing.name(entry);
-        if (!name.starts_with(prefix) || entry.kind != DirectoryListing::Kind::file)
+        if (!name.starts_with(FileNames::typedPrefix) || entry.kind != FileKind::file)
             continue;
         m_names.emplace(name);
-        const QString key = QString::fromUtf8(name.substr(prefix.size()));
+        const QString key = QString::fromUtf8(name.substr(FileNames::typedPrefix.size()));
         const std::optional<QString> text = savedText(saved, key);
         if (!text)
             continue;
-        folder->readFile(listing.name(entry), headerSize + NoteFolder::largestFile, bytes);
+        const std::size_t most = headerSize + NoteFolder::largestFile;
+        folder->orThrow(folder->readFile(listing.name(entry), most, bytes), name);
         const std::optional<QString> kept = keptText(bytes, *text);
         if (!kept)
             continue;
@@ -130,10 +135,14 @@ void TypedText::forget() noexcept
     if (m_names.empty())
         return;
     m_kept.clear();
-    const std::optional<Directory> folder = Directory::tryOpen(m_dataFolder);
-    if (!folder)
+    // By its path alone: nothing here may need memory.
+    const auto handle = uninterrupted([&] { return m_disk.openPath(m_dataFolder.c_str()); });
+    if (!handle)
         return;
+    const Descriptor folder(m_disk, *handle);
     std::erase_if(m_names, [&](const std::string &name) {
-        return folder->tryRemove(name.c_str(), DirectoryListing::Kind::file) || errno == ENOENT;
+        const auto removed = uninterrupted(
+            [&] { return m_disk.unlink(folder.get(), name.c_str(), FileKind::file); });
+        return removed || removed.failure().is(ENOENT);
     });
 }

@@ -9,6 +9,7 @@
 #include <string>
 
 class Directory;
+class Disk;
 
 /// What was typed since the last save, kept beside the notes so that a sudden end of the program
 /// does not take it along.
@@ -19,7 +20,7 @@ class Directory;
 class TypedText {
 public:
     /// Touches no file.
-    explicit TypedText(std::filesystem::path dataFolder);
+    TypedText(Disk &disk, std::filesystem::path dataFolder);
 
     /// Writes the drafts that differ from the saved ones. Throws a FileError.
     void keep(const NoteSnapshot &typed, const NoteSnapshot &saved);
@@ -35,6 +36,7 @@ private:
     void keepDraft(const Directory &folder, const QString &key, const QString &typed,
                    const QString &saved);
 
+    Disk &m_disk;
     const std::filesystem::path m_dataFolder;
 
     /// The names of the files that there may be.

@@ -75,6 +75,8 @@ NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QO
     m_saveTimer.setTimerType(Qt::PreciseTimer);
     m_saveTimer.setInterval(saveDelay);
     connect(&m_saveTimer, &QTimer::timeout, this, &NoteStore::flush);
+    m_tidyTimer.setSingleShot(true);
+    connect(&m_tidyTimer, &QTimer::timeout, this, &NoteStore::tidy);
 
     const auto failure = failureOf([this] { m_snapshot = m_repository->load(); });
     if (failure) {
@@ -213,6 +215,7 @@ bool NoteStore::commit(const NoteSnapshot &snapshot)
         setFailure(failure->message, failure->repositoryError);
         return false;
     }
+    m_tidyTimer.start(0);
     m_sinceUnkept.invalidate();
     setSnapshot(snapshot);
     setFailure(std::nullopt, std::nullopt);
@@ -235,6 +238,18 @@ void NoteStore::keepTyped()
     m_sinceUnkept.invalidate();
     // What goes wrong here goes wrong again when it is saved, and is told then.
     static_cast<void>(failureOf([this] { m_repository->keepTyped(m_snapshot); }));
+}
+
+void NoteStore::tidy()
+{
+    std::optional<std::chrono::milliseconds> next;
+    const auto failure = failureOf([&] { next = m_repository->tidy(tidySlice); });
+    if (failure) {
+        setErrorContext(u"Could not save. Your text is still in this window."_s);
+        setFailure(failure->message, failure->repositoryError);
+    } else if (next) {
+        m_tidyTimer.start(*next);
+    }
 }
 
 void NoteStore::setSnapshot(const NoteSnapshot &snapshot)

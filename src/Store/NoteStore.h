@@ -30,6 +30,9 @@ public:
     /// end of the program.
     static constexpr std::chrono::milliseconds keepInterval{300};
 
+    /// What a save leaves for later is done in pieces of about this length, between other events.
+    static constexpr std::chrono::milliseconds tidySlice{3};
+
     using Clock = std::function<Timestamp()>;
 
     /// Loads at once. The clock gives the times of new and edited notes.
@@ -109,6 +112,7 @@ private:
     bool commit(const NoteSnapshot &snapshot);
     void scheduleSave();
     void keepTyped();
+    void tidy();
     void setSnapshot(const NoteSnapshot &snapshot);
     void setFailure(std::optional<Message> failure,
                     const std::optional<RepositoryError> &repositoryError);
@@ -124,6 +128,7 @@ private:
     bool m_isReadOnly = false;
     bool m_hasPendingChanges = false;
     QTimer m_saveTimer;
+    QTimer m_tidyTimer;
 
     /// Since the first change that is neither saved nor kept; not valid when there is none.
     QElapsedTimer m_sinceUnkept;

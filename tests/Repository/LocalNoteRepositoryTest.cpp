@@ -92,7 +92,7 @@ private Q_SLOTS:
     void keepsUnchangedFilesAsTheyAre();
     void touchesNothingWhenNothingChanged();
     void writesAKeyOfLowerCaseAsItStands();
-    void renamesAFileOfLowerCase();
+    void renamesAFileOfLowerCaseOnceItChanges();
     void refusesToWrite_data();
     void refusesToWrite();
     void refusesATextThatIsNotUnicode();
@@ -519,7 +519,7 @@ void LocalNoteRepositoryTest::writesAKeyOfLowerCaseAsItStands()
     QCOMPARE(data.read("Markdown/Drafts/" + key.toStdString() + ".md"), "edit");
 }
 
-void LocalNoteRepositoryTest::renamesAFileOfLowerCase()
+void LocalNoteRepositoryTest::renamesAFileOfLowerCaseOnceItChanges()
 {
     const DataFolder data;
     writeFolder(data, {});
@@ -529,10 +529,16 @@ void LocalNoteRepositoryTest::renamesAFileOfLowerCase()
     data.write(lower, noteBytes(note));
     LocalNoteRepository repository(data.fileURL());
 
-    repository.save(repository.load());
+    Note changed = note;
+    changed.body = u"b"_s;
 
+    repository.save(repository.load());
+    QVERIFY(data.holds(lower));
+    QVERIFY(!data.holds(noteFile(note.id)));
+
+    repository.save(snapshotOf({changed}));
     QVERIFY(!data.holds(lower));
-    QCOMPARE(data.read(noteFile(note.id)), noteBytes(note));
+    QCOMPARE(data.read(noteFile(note.id)), noteBytes(changed));
 }
 
 void LocalNoteRepositoryTest::refusesToWrite_data()

@@ -5,6 +5,7 @@
 #include "Notes.h"
 #include "RefusedCall.h"
 #include "Thrown.h"
+#include "Tidy.h"
 
 #include <QTest>
 #include <cerrno>
@@ -28,6 +29,7 @@ int save(const DataFolder &data, const std::vector<RefusedCall> &calls,
     return withRefusedCalls(calls, [&]() -> int {
         try {
             repository.save(snapshot);
+            tidyUp(repository);
             return saved;
         } catch (const FileError &error) {
             return error.systemError() == calls.front().error ? failedWithTheError
@@ -164,6 +166,7 @@ void RefusedCallTest::seesAChangeFromOutsideWithoutLinks()
         try {
             data.write(noteFile(numberedId(1)), "theirs");
             repository.save(newNotes());
+            tidyUp(repository);
             return saved;
         } catch (const RepositoryError &error) {
             return error == RepositoryError::externalChange() ? failedWithTheError

@@ -4,6 +4,7 @@
 #include "DataFolder.h"
 #include "Notes.h"
 #include "Thrown.h"
+#include "Tidy.h"
 
 #include <QTest>
 
@@ -124,6 +125,7 @@ void TypedTextTest::goesWithTheNextSave()
     repository.keepTyped(snapshot);
 
     repository.save(snapshot);
+    tidyUp(repository);
 
     QCOMPARE(m_data->count(".quillmark-"), 0);
     QCOMPARE(loaded(*m_data), snapshot);
@@ -134,6 +136,7 @@ void TypedTextTest::goesAlsoWhenTheSaveIsThatOfTheNextStart()
     LocalNoteRepository repository(m_data->fileURL());
 
     repository.save(repository.load());
+    tidyUp(repository);
 
     QCOMPARE(m_data->count(".quillmark-"), 0);
     QCOMPARE(m_data->read("Markdown/Drafts/capture.md"), "draft and more");

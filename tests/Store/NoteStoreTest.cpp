@@ -67,8 +67,6 @@ private Q_SLOTS:
 
 namespace {
 
-using Kind = Reason;
-
 Note noteOf(const QString &body, double updatedAt = 10)
 {
     return {QUuid::createUuid(), body, {1}, {updatedAt}};

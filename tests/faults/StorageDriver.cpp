@@ -65,8 +65,26 @@ void deleteNote(NoteRepository &repository)
     repository.save(snapshot);
 }
 
+/// The capture draft alone.
+void saveDraft(NoteRepository &repository)
+{
+    NoteSnapshot snapshot = repository.load();
+    snapshot.captureDraft = u"a thought"_s;
+    repository.save(snapshot);
+}
+
+/// Two drafts at once.
+void saveDrafts(NoteRepository &repository)
+{
+    NoteSnapshot snapshot = repository.load();
+    snapshot.captureDraft = u"a thought"_s;
+    snapshot.editingDrafts[canonicalText(snapshot.notes[0].id)] = u"an afterthought"_s;
+    repository.save(snapshot);
+}
+
 const std::map<std::string, void (*)(NoteRepository &)> operations = {
-    {"load", load}, {"fill", fill}, {"save", save}, {"delete", deleteNote}};
+    {"load", load},         {"fill", fill},       {"save", save},
+    {"delete", deleteNote}, {"draft", saveDraft}, {"drafts", saveDrafts}};
 
 /// By another call than those that write files, so that it is heard while these fail.
 void say(const QByteArray &text)
@@ -81,7 +99,7 @@ int main(int argc, char **argv)
 {
     const auto operation = argc == 3 ? operations.find(argv[1]) : operations.end();
     if (operation == operations.end()) {
-        std::fputs("StorageDriver load|fill|save|delete FOLDER\n", stderr);
+        std::fputs("StorageDriver load|fill|save|delete|draft|drafts FOLDER\n", stderr);
         return 2;
     }
     LocalNoteRepository repository(std::filesystem::path(argv[2]) / "notes.json");
@@ -89,6 +107,8 @@ int main(int argc, char **argv)
     ::access("/storage-driver-begins", F_OK);
     try {
         operation->second(repository);
+        while (repository.tidy(std::chrono::hours(1))) {
+        }
     } catch (const StorageError &error) {
         say("failed: " + error.description().toUtf8() + '\n');
         return 1;

@@ -84,7 +84,7 @@ def path_of(descriptor):
 def check_order(name, lines):
     """Reads one trace made with paths of descriptors (strace -y)."""
     unsynced = set()
-    published_unsynced_parent = None
+    published_unsynced = set()
     started = published = False
     for line in lines:
         line = re.sub(r"^\d+ +", "", line)
@@ -108,22 +108,23 @@ def check_order(name, lines):
             unsynced.discard(os.path.join(*parts[-1]))
         elif call in ("fsync", "fdatasync"):
             unsynced.discard(path_of(arguments))
-            if published and path_of(arguments) == published_unsynced_parent:
-                published_unsynced_parent = None
+            published_unsynced.discard(path_of(arguments))
         elif call == "syncfs":
             unsynced.clear()
         elif call in ("rename", "renameat", "renameat2"):
             parts = re.findall(r"(?:\d+|AT_FDCWD)<([^>]*)>, \"([^\"]*)\"", arguments)
             source, target = [os.path.join(*part) for part in parts[:2]]
-            if os.path.basename(target) == "Markdown":
+            if "/Markdown" in target or "/Markdown" in source:
                 stage = {path for path in unsynced if "/.quillmark-" in path}
                 if stage:
                     raise Broken(f"{name}: published before it was synced: {sorted(stage)}")
-                published, published_unsynced_parent = True, os.path.dirname(target)
+                published = True
+                published_unsynced |= {os.path.dirname(source), os.path.dirname(target)}
             elif source in unsynced:
                 raise Broken(f"{name}: renamed before it was synced: {source}")
-        elif call == "writev" and '"ok' in arguments and published_unsynced_parent:
-            raise Broken(f'{name}: "ok" was said before the parent folder was synced')
+        elif call == "writev" and '"ok' in arguments and published_unsynced:
+            raise Broken(f'{name}: "ok" was said before these were synced: '
+                         f'{sorted(published_unsynced)}')
     if not published:
         raise Broken(f"{name}: nothing was published, so the checker saw nothing")
 

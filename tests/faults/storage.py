@@ -127,6 +127,8 @@ class Faults:
         yield "first save", "save", {"filled": False}
         yield "save", "save", {}
         yield "delete", "delete", {}
+        yield "draft", "draft", {}
+        yield "drafts", "drafts", {}
         yield "migration", "load", {"filled": False, "legacy": True}
 
     def outcome(self, operation, setting, *always):

@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: MIT
+#include "LiveSwap.h"
+
+#include "RepositoryError.h"
+
+#include <utility>
+
+namespace {
+
+/// What a kernel or a file system answers that does not know the flags of a rename.
+bool meansNoFlags(const Failure &failure)
+{
+    return failure.is(EINVAL) || failure.is(ENOSYS) || failure.is(EOPNOTSUPP);
+}
+
+} // namespace
+
+LiveSwap::LiveSwap(const SwapPlace &place, std::optional<FileIdentity> oldOne,
+                   std::optional<FileIdentity> newOne) noexcept
+    : m_place(place)
+    , m_oldOne(oldOne)
+    , m_newOne(newOne)
+    , m_old(oldOne ? Spot::live : Spot::nowhere)
+    , m_new(newOne ? Spot::stage : Spot::nowhere)
+{
+}
+
+LiveSwap::~LiveSwap()
+{
+    if (!m_isDone)
+        undo();
+}
+
+bool LiveSwap::swap()
+{
+    Result<void> swapped;
+    if (!m_oldOne) {
+        const Result<bool> published = publish();
+        if (published && !*published)
+            return false;
+        if (!published)
+            swapped = published.failure();
+    } else {
+        swapped = m_newOne ? exchange() : moveOld(Spot::recovery);
+    }
+    // What is not there any more was taken by another program.
+    if (!swapped && swapped.failure().is(ENOENT) && !isOld(m_old).valueOr(true)) {
+        undo();
+        refuseLeftRecoveryCopy();
+        return false;
+    }
+    if (!swapped)
+        fail(swapped.failure());
+
+    const Result<bool> isNewLive = m_newOne ? isNew(Spot::live) : true;
+    const Result<bool> isOldAside = m_oldOne ? isOld(m_old) : true;
+    if (!isNewLive || !isOldAside)
+        fail(isNewLive ? isOldAside.failure() : isNewLive.failure());
+    if (*isNewLive && *isOldAside)
+        return true;
+    undo();
+    refuseLeftRecoveryCopy();
+    return false;
+}
+
+Result<bool> LiveSwap::publish()
+{
+    const Result<void> moved = moveNew(Spot::live);
+    if (moved)
+        return true;
+    if (moved.failure().is(EEXIST))
+        return false;
+    return moved.failure();
+}
+
+Result<void> LiveSwap::exchange() noexcept
+{
+    // Renamed before the exchange and not after it: at no time is the old one under a name that
+    // nobody looks for while it might still be needed.
+    if (const auto moved = moveNew(Spot::recovery); !moved)
+        return moved;
+    const Result<void> exchanged = tryExchange();
+    if (exchanged || !meansNoFlags(exchanged.failure()))
+        return exchanged;
+    m_canExchange = false;
+    if (const auto moved = moveNew(Spot::stage); !moved)
+        return moved;
+    return moveInTwoSteps();
+}
+
+Result<void> LiveSwap::moveInTwoSteps() noexcept
+{
+    if (const auto moved = moveOld(Spot::recovery); !moved)
+        return moved;
+    if (const auto synced = sync(); !synced)
+        return synced;
+    return moveNew(Spot::live);
+}
+
+void LiveSwap::keep()
+{
+    if (m_oldOne) {
+        // Before the only step there is no name left under which the old one would be found.
+        if (!m_canExchange || !m_newOne) {
+            if (const auto synced = sync(); !synced)
+                fail(synced.failure());
+        }
+        if (const auto moved = moveOld(Spot::stage); !moved)
+            fail(moved.failure());
+    }
+    if (const auto synced = sync(); !synced)
+        fail(synced.failure());
+    m_isDone = true;
+}
+
+void LiveSwap::fail(Failure failure)
+{
+    undo();
+    refuseLeftRecoveryCopy();
+    throw m_place.parent.error(failure, m_place.live);
+}
+
+void LiveSwap::refuseLeftRecoveryCopy() const
+{
+    if (m_old == Spot::recovery || m_new == Spot::recovery)
+        throw RepositoryError::recoveryRequired();
+}
+
+void LiveSwap::undo() noexcept
+{
+    if (std::exchange(m_isDone, true))
+        return;
+    const bool hasMoved = (m_newOne && m_new != Spot::stage) || (m_oldOne && m_old != Spot::live);
+    // Should anything below fail, it must not be under a name that nobody looks for.
+    if (m_old == Spot::stage)
+        static_cast<void>(moveOld(Spot::recovery));
+    if (m_new == Spot::live && isNew(Spot::live).valueOr(true))
+        static_cast<void>(m_oldOne && m_canExchange ? tryExchange() : moveNew(Spot::stage));
+    if (m_oldOne && m_new != Spot::live && m_old != Spot::live)
+        static_cast<void>(moveOld(Spot::live));
+    if (m_new == Spot::recovery)
+        static_cast<void>(moveNew(Spot::stage));
+    if (hasMoved)
+        static_cast<void>(sync());
+}
+
+Result<void> LiveSwap::tryExchange() noexcept
+{
+    // Never simply repeated: a network file system may report an interruption of an exchange that
+    // took place, and a second one would take it back.
+    constexpr int mostTries = 100;
+    Result<void> exchanged;
+    for (int i = 0; i < mostTries; ++i) {
+        exchanged =
+            folder(m_new).rename(name(m_new), folder(m_old), name(m_old), Disk::Rename::exchange);
+        if (exchanged || isNew(m_old).valueOr(false)) {
+            std::swap(m_new, m_old);
+            return {};
+        }
+        if (!exchanged.failure().is(EINTR))
+            break;
+    }
+    return exchanged;
+}
+
+Result<void> LiveSwap::moveOld(Spot to) noexcept
+{
+    const Result<void> moved = move(m_old, to);
+    // The answer to a rename that took place may have been lost on its way.
+    if (!moved && !isOld(to).valueOr(false))
+        return moved;
+    m_old = to;
+    return {};
+}
+
+Result<void> LiveSwap::moveNew(Spot to) noexcept
+{
+    const Result<void> moved = move(m_new, to);
+    if (!moved && !isNew(to).valueOr(false))
+        return moved;
+    m_new = to;
+    return {};
+}
+
+Result<void> LiveSwap::move(Spot from, Spot to) noexcept
+{
+    // Hidden names are nobody else's. What has the live name by now would be lost without a word.
+    const auto rename = [&](Disk::Rename how) {
+        return folder(from).rename(name(from), folder(to), name(to), how);
+    };
+    if (to != Spot::live)
+        return rename(Disk::Rename::replace);
+    const Result<void> moved = rename(Disk::Rename::noReplace);
+    if (moved || !(meansNoFlags(moved.failure()) || moved.failure().is(EINTR)))
+        return moved;
+    const Result<FileStatus> live = folder(to).status(name(to));
+    if (!live && live.failure().is(ENOENT))
+        return rename(Disk::Rename::replace);
+    return live ? Failure::system(EEXIST) : live.failure();
+}
+
+Result<void> LiveSwap::sync() noexcept
+{
+    if (&m_place.parent != &m_place.hidden) {
+        if (const auto synced = m_place.parent.sync(); !synced)
+            return synced;
+    }
+    return m_place.hidden.sync();
+}
+
+const Directory &LiveSwap::folder(Spot spot) const noexcept
+{
+    return spot == Spot::live ? m_place.parent : m_place.hidden;
+}
+
+const char *LiveSwap::name(Spot spot) const noexcept
+{
+    switch (spot) {
+    case Spot::live:
+        return m_place.live.c_str();
+    case Spot::recovery:
+        return m_place.recovery.c_str();
+    case Spot::stage:
+    case Spot::nowhere:
+        break;
+    }
+    return m_place.stage.c_str();
+}
+
+Result<bool> LiveSwap::isOld(Spot spot) const noexcept
+{
+    return isAt(spot, m_oldOne);
+}
+
+Result<bool> LiveSwap::isNew(Spot spot) const noexcept
+{
+    return isAt(spot, m_newOne);
+}
+
+Result<bool> LiveSwap::isAt(Spot spot, const std::optional<FileIdentity> &one) const noexcept
+{
+    return one ? folder(spot).isAt(name(spot), *one) : Result<bool>(false);
+}

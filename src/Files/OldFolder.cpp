@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "OldFolder.h"
+
+#include <utility>
+
+OldFolder::OldFolder(Directory parent, Directory folder, Directory twin, FolderTree tree,
+                     std::string name, std::string recoveryName) noexcept
+    : m_parent(std::move(parent))
+    , m_folder(std::move(folder))
+    , m_twin(std::move(twin))
+    , m_tree(std::move(tree))
+    , m_name(std::move(name))
+    , m_recoveryName(std::move(recoveryName))
+{
+}
+
+OldFolder::Outcome OldFolder::remove(FolderTree::Deadline deadline) noexcept
+{
+    if (!isInPlace())
+        return Outcome::gone;
+    if (!std::exchange(m_isChecked, true) && hasSomethingElse())
+        return keep();
+    if (!m_tree.removeFrom(m_folder.disk(), m_folder.handle(), deadline))
+        return Outcome::more;
+    const Result<void> removed = m_parent.unlink(m_name.c_str(), FileKind::folder);
+    // What a failing disk would not give up may stay, unless there is more.
+    if (!removed && hasSomethingElse())
+        return keep();
+    static_cast<void>(m_parent.sync());
+    return Outcome::gone;
+}
+
+bool OldFolder::isInPlace() const noexcept
+{
+    const Result<FileStatus> own = m_folder.status();
+    return own && m_parent.isAt(m_name.c_str(), own->identity).valueOr(false);
+}
+
+bool OldFolder::hasSomethingElse() noexcept
+{
+    return !m_tree.hasNothingElse(m_folder.disk(), m_folder.handle(), m_twin.handle())
+                .valueOr(true);
+}
+
+OldFolder::Outcome OldFolder::keep() const noexcept
+{
+    if (m_parent.rename(m_name.c_str(), m_parent, m_recoveryName.c_str()))
+        static_cast<void>(m_parent.sync());
+    return Outcome::needsAttention;
+}

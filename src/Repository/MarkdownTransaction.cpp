@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+#include "MarkdownTransaction.h"
+
+#include "RepositoryError.h"
+
+#include <algorithm>
+#include <sys/stat.h>
+#include <utility>
+
+namespace {
+
+constexpr std::array<const char *, 2> sectionFolders{"Notes", "Drafts"};
+
+class RecoveryCopyFinder final : public ListingVisitor {
+public:
+    void visit(ino_t /*inode*/, FileKind /*kind*/, const char *name) noexcept override
+    {
+        m_hasFound |= std::string_view(name).starts_with(FileNames::recoveryPrefix);
+    }
+    [[nodiscard]] bool hasFound() const noexcept { return m_hasFound; }
+
+private:
+    bool m_hasFound = false;
+};
+
+void refuseUnlessSame(bool isSame)
+{
+    if (!isSame)
+        throw RepositoryError::externalChange();
+}
+
+} // namespace
+
+void MarkdownTransaction::checkRecovery(const Directory &data)
+{
+    RecoveryCopyFinder finder;
+    data.orThrow(uninterrupted([&] { return data.disk().list(data.handle(), finder); }));
+    if (finder.hasFound())
+        throw RepositoryError::recoveryRequired();
+}
+
+MarkdownTransaction::MarkdownTransaction(Directory data, KnownFolder *known,
+                                         const SnapshotDifference &difference)
+    : m_data(std::move(data))
+    , m_known(known)
+    , m_difference(difference)
+{
+    checkRecovery(m_data);
+    m_folder = NoteFolder::openIfExists(m_data);
+    refuseUnlessSame(m_folder.has_value() == (known != nullptr));
+    if (m_folder)
+        refuseUnlessSame(known->isMarkerStill(*m_folder));
+    begin();
+}
+
+void MarkdownTransaction::begin()
+{
+    const std::vector<NoteFilePlace> &places = m_difference.places();
+    const bool isDraftsAlone = std::ranges::all_of(
+        places, [](Section section) { return section == Section::drafts; },
+        &NoteFilePlace::section);
+    if (!m_folder || (places.size() > 1 && !isDraftsAlone)) {
+        beginFolder();
+        return;
+    }
+    check(Section::notes);
+    if (places.size() > 1) {
+        beginDrafts();
+        return;
+    }
+    check(Section::drafts);
+    if (!places.empty())
+        beginFile();
+}
+
+void MarkdownTransaction::check(Section section)
+{
+    const Directory &folder = m_folder->directory(section);
+    DirectoryListing listing = folder.orThrow(folder.list());
+    listing.sort();
+    refuseUnlessSame(m_known->isStill(*m_folder, section, listing));
+}
+
+void MarkdownTransaction::check(Section section, const FolderTree *tree)
+{
+    refuseUnlessSame(tree && m_known->isStill(*m_folder, section, tree->listing()));
+}
+
+void MarkdownTransaction::placeAt(const Directory &parent, const char *name)
+{
+    m_place.emplace(SwapPlace{.parent = parent,
+                              .hidden = m_data,
+                              .live = name,
+                              .stage = FileNames::fresh(FileNames::stagePrefix),
+                              .recovery = FileNames::fresh(FileNames::recoveryPrefix)});
+}
+
+void MarkdownTransaction::beginFile()
+{
+    const NoteFilePlace &place = m_difference.places().front();
+    const FileChange &change = m_difference.changes().front();
+    const Directory &folder = m_folder->directory(place.section);
+    std::optional<FileStatus> old;
+    if (m_known->find(place)) {
+        const Result<FileStatus> status = folder.status(change.name);
+        refuseUnlessSame(status || !status.failure().is(ENOENT));
+        old = folder.orThrow(status, change.name);
+    }
+    closeToOthers();
+    placeAt(folder, change.name);
+    m_fileChange.emplace(*m_place, change.bytes, old);
+}
+
+void MarkdownTransaction::beginDrafts()
+{
+    const Directory &drafts = m_folder->directory(Section::drafts);
+    FolderTree tree(drafts);
+    check(Section::drafts, &tree);
+    closeToOthers();
+    m_draftChanges = m_difference.changes();
+    for (FileChange &change : m_draftChanges)
+        change.folder = "";
+    placeAt(m_folder->directory(), FileNames::ofSection(Section::drafts));
+    m_folderChange.emplace(*m_place, &drafts, std::move(tree), m_draftChanges,
+                           std::span<const char *const>());
+}
+
+void MarkdownTransaction::beginFolder()
+{
+    const Directory *original = m_folder ? &m_folder->directory() : nullptr;
+    FolderTree tree;
+    if (original) {
+        tree = FolderTree(*original);
+        for (const Section section : {Section::notes, Section::drafts})
+            check(section, tree.find(FileNames::ofSection(section)));
+    } else {
+        // An earlier try may have made the data folder and failed before that was on the disk.
+        m_data.syncPath();
+    }
+    placeAt(m_data, FileNames::markdownFolder);
+    m_folderChange.emplace(*m_place, original, std::move(tree), m_difference.changes(),
+                           sectionFolders);
+}
+
+void MarkdownTransaction::closeToOthers() const
+{
+    for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
+        const Directory &folder = m_folder->directory(section);
+        const Result<FileStatus> status = folder.status();
+        // Folders of somebody else stay as they are.
+        if (status && (status->mode & ~mode_t{S_IRWXU}) != 0)
+            static_cast<void>(folder.setMode(status->mode & S_IRWXU));
+    }
+}
+
+void MarkdownTransaction::syncLoaded() const
+{
+    m_data.orThrow(m_data.sync());
+    for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
+        const Directory &folder = m_folder->directory(section);
+        folder.orThrow(folder.sync());
+    }
+}
+
+bool MarkdownTransaction::commit()
+{
+    if (m_fileChange)
+        return m_fileChange->commit([this] {
+            return isOldFileSame(m_difference.places().front(), m_data, m_place->recovery.c_str());
+        });
+    return !m_folderChange || m_folderChange->commit([this] { return areOldFilesSame(); });
+}
+
+bool MarkdownTransaction::areOldFilesSame()
+{
+    // The open folders are the old ones, whatever they are called by now.
+    if (m_folderChange->hasCopies()) {
+        for (const Section section : {Section::notes, Section::drafts})
+            check(section);
+    }
+    return std::ranges::all_of(m_difference.places(), [this](const NoteFilePlace &place) {
+        return isOldFileSame(place, m_folder->directory(place.section), place.name.c_str());
+    });
+}
+
+bool MarkdownTransaction::isOldFileSame(const NoteFilePlace &place, const Directory &folder,
+                                        const char *name) const
+{
+    const NoteFile *file = m_known->find(place);
+    return !file || KnownFolder::isContentStill(*file, folder, name);
+}
+
+std::optional<OldFolder> MarkdownTransaction::takeOldFolder() noexcept
+{
+    if (!m_folderChange || !m_folder)
+        return std::nullopt;
+    const Section section = &m_place->parent == &m_data ? Section::marker : Section::drafts;
+    return m_folderChange->takeOldFolder(std::move(m_data), m_folder->takeDirectory(section),
+                                         std::move(m_place->stage), std::move(m_place->recovery));
+}
