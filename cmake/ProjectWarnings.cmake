@@ -7,8 +7,7 @@ target_compile_options(ProjectWarnings INTERFACE
   $<$<BOOL:${QUILLMARK_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(ProjectWarnings INTERFACE
   QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
-  QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
-  QT_STRICT_ITERATORS)
+  QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 
 if(QUILLMARK_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
