@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ColorScheme.h"
+
 #include <QWidget>
 
 class QPainterPath;
-enum class ColorScheme;
 
 /// The frosted rounded surface under the launcher and the workspace. Fills the space it is given;
 /// put the content into it or over it. Opaque when the environment reduces transparency.

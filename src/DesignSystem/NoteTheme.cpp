@@ -2,7 +2,6 @@
 #include "NoteTheme.h"
 
 #include "Metrics.h"
-#include "SystemAppearance.h"
 
 #include <QFontDatabase>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ColorScheme.h"
+
 #include <QColor>
 #include <QFont>
 #include <QLocale>
 #include <QPalette>
-
-enum class ColorScheme;
 
 /// How strongly a text or a symbol speaks.
 enum class Tone { primary, secondary, tertiary, accent, failure, onAccent };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ThemedMenu.h"
 
-#include "SystemAppearance.h"
 #include "TextStyle.h"
 
 ThemedMenu::ThemedMenu(QWidget *owner)

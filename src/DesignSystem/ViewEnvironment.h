@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "SystemAppearance.h"
+#include "ColorScheme.h"
 
 #include <QWidget>
 

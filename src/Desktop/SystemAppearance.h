@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QObject>
+#include "ColorScheme.h"
 
-/// Light or dark.
-enum class ColorScheme { light, dark };
+#include <QObject>
 
 /// What the user asked of the whole desktop, as the views see it.
 ///

@@ -10,6 +10,7 @@
 #include "NoteWorkspaceView.h"
 #include "PanelPlacement.h"
 #include "Screens.h"
+#include "SystemAppearance.h"
 
 #include <QApplication>
 #include <QInputMethod>

@@ -3,6 +3,7 @@
 
 #include "AppPreferences.h"
 #include "NoteTheme.h"
+#include "SystemAppearance.h"
 #include "TextStyle.h"
 
 #include <QToolTip>

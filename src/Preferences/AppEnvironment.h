@@ -4,6 +4,7 @@
 #include "ViewEnvironment.h"
 
 class AppPreferences;
+class SystemAppearance;
 
 /// Hands the preferences to a view tree: locale, palette and font through Qt, the preferences
 /// object through preferences(). A change of language or appearance, by the user or by the system,

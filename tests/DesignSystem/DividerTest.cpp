@@ -2,7 +2,6 @@
 #include "Divider.h"
 #include "NoteTheme.h"
 #include "Pixels.h"
-#include "SystemAppearance.h"
 
 #include <QTest>
 

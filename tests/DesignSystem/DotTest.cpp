@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Dot.h"
 #include "Pixels.h"
-#include "SystemAppearance.h"
 
 #include <QTest>
 

@@ -3,7 +3,6 @@
 #include "NoteTheme.h"
 #include "Pixels.h"
 #include "Symbol.h"
-#include "SystemAppearance.h"
 #include "TextLine.h"
 
 #include <QSignalSpy>

@@ -3,7 +3,6 @@
 #include "GlassSurface.h"
 #include "Metrics.h"
 #include "Pixels.h"
-#include "SystemAppearance.h"
 #include "TextStyle.h"
 
 #include <QFontDatabase>

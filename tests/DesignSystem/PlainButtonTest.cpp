@@ -2,7 +2,6 @@
 #include "PlainButton.h"
 #include "Metrics.h"
 #include "Pixels.h"
-#include "SystemAppearance.h"
 #include "TextLine.h"
 
 #include <QTest>

@@ -3,7 +3,6 @@
 #include "Metrics.h"
 #include "NoteTheme.h"
 #include "Pixels.h"
-#include "SystemAppearance.h"
 
 #include <QTest>
 

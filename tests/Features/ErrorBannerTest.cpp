@@ -3,7 +3,6 @@
 #include "NoteTheme.h"
 #include "Pixels.h"
 #include "SymbolView.h"
-#include "SystemAppearance.h"
 #include "Views.h"
 
 #include <QTest>

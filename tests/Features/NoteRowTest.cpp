@@ -3,7 +3,6 @@
 #include "NoteListModel.h"
 #include "NoteTheme.h"
 #include "Pixels.h"
-#include "SystemAppearance.h"
 #include "TextStyle.h"
 
 #include <QStandardItemModel>

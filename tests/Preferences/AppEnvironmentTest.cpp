@@ -2,6 +2,7 @@
 #include "AppEnvironment.h"
 #include "AppPreferences.h"
 #include "NoteTheme.h"
+#include "SystemAppearance.h"
 
 #include <QLineEdit>
 #include <QPointer>

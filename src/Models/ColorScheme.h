@@ -1,0 +1,5 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// Light or dark.
+enum class ColorScheme { light, dark };
