@@ -2,8 +2,7 @@
 #include "ApplicationFocus.h"
 
 #include "X11Session.h"
-
-#include <cstdlib>
+#include "XcbReply.h"
 
 namespace {
 
@@ -18,9 +17,8 @@ qint64 processId(X11Session &session, xcb_window_t window)
 bool exists(X11Session &session, xcb_window_t window)
 {
     const auto request = xcb_get_window_attributes(session.connection(), window);
-    auto *const reply = xcb_get_window_attributes_reply(session.connection(), request, nullptr);
-    std::free(reply);
-    return reply != nullptr;
+    return owned(xcb_get_window_attributes_reply(session.connection(), request, nullptr)) !=
+           nullptr;
 }
 
 } // namespace

@@ -2,9 +2,9 @@
 #include "CompositorWatch.h"
 
 #include "X11Session.h"
+#include "XcbReply.h"
 
 #include <QGuiApplication>
-#include <cstdlib>
 #include <xcb/xfixes.h>
 
 namespace {
@@ -12,10 +12,8 @@ namespace {
 bool hasOwner(const X11Session &session, xcb_atom_t selection)
 {
     const auto request = xcb_get_selection_owner(session.connection(), selection);
-    auto *const reply = xcb_get_selection_owner_reply(session.connection(), request, nullptr);
-    const bool isOwned = reply && reply->owner != XCB_WINDOW_NONE;
-    std::free(reply);
-    return isOwned;
+    const auto reply = owned(xcb_get_selection_owner_reply(session.connection(), request, nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
 } // namespace

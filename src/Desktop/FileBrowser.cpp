@@ -9,7 +9,6 @@
 #include <QUrl>
 #include <QVariantMap>
 #include <fcntl.h>
-#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,15 +18,15 @@ namespace {
 /// an open folder instead of a path, which may mean something else on its side.
 void openThroughPortal(const QUrl &folder)
 {
-    const int descriptor =
-        open(QFile::encodeName(folder.toLocalFile()).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor == -1)
+    QDBusUnixFileDescriptor folderHandle;
+    folderHandle.giveFileDescriptor(open(QFile::encodeName(folder.toLocalFile()).constData(),
+                                         O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!folderHandle.isValid())
         return;
     auto call = QDBusMessage::createMethodCall(
         "org.freedesktop.portal.Desktop"_L1, "/org/freedesktop/portal/desktop"_L1,
         "org.freedesktop.portal.OpenURI"_L1, "OpenDirectory"_L1);
-    call << QString() << QVariant::fromValue(QDBusUnixFileDescriptor(descriptor)) << QVariantMap();
-    close(descriptor);
+    call << QString() << QVariant::fromValue(folderHandle) << QVariantMap();
     QDBusConnection::sessionBus().asyncCall(call);
 }
 

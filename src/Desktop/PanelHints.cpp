@@ -2,6 +2,7 @@
 #include "PanelHints.h"
 
 #include "X11Session.h"
+#include "XcbReply.h"
 
 #include <QImage>
 #include <QPoint>
@@ -10,7 +11,6 @@
 #include <QWidget>
 #include <QWindow>
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <vector>
 #include <xcb/shape.h>
@@ -44,12 +44,11 @@ std::optional<QPoint> actualPosition(const X11Session &session, xcb_window_t win
 {
     const auto request =
         xcb_translate_coordinates(session.connection(), window, session.root(), 0, 0);
-    auto *const reply = xcb_translate_coordinates_reply(session.connection(), request, nullptr);
+    const auto reply =
+        owned(xcb_translate_coordinates_reply(session.connection(), request, nullptr));
     if (!reply)
         return std::nullopt;
-    const QPoint position(reply->dst_x, reply->dst_y);
-    std::free(reply);
-    return position;
+    return QPoint(reply->dst_x, reply->dst_y);
 }
 
 void moveTo(const X11Session &session, xcb_window_t window, QPoint position)

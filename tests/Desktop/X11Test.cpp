@@ -3,6 +3,7 @@
 #include "DesktopAppearance.h"
 #include "KeepOnTop.h"
 #include "PanelHints.h"
+#include "XcbReply.h"
 
 #include <QApplication>
 #include <QImage>
@@ -11,23 +12,12 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
-#include <cstdlib>
-#include <memory>
 #include <xcb/shape.h>
 #include <xcb/xcb_ewmh.h>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-template <class Reply>
-using ReplyPointer = std::unique_ptr<Reply, decltype(&std::free)>;
-
-template <class Reply>
-ReplyPointer<Reply> owned(Reply *reply)
-{
-    return {reply, &std::free};
-}
 
 constexpr xcb_window_t noWindow = XCB_WINDOW_NONE;
 
@@ -180,7 +170,8 @@ private:
     /// Until the server has done all that was asked.
     void sync() const
     {
-        owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        const auto answer = owned(
+            xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
     }
 
     xcb_connection_t *const m_connection;
