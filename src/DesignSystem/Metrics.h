@@ -10,7 +10,6 @@ namespace Metrics {
 // The launcher.
 inline constexpr QSize launcherSize{64, 64};
 inline constexpr int launcherDisc = 54;
-inline constexpr int launcherPadding = 5;
 inline constexpr double launcherHoverScale = 1.04;
 inline constexpr int launcherHoverMilliseconds = 160;
 

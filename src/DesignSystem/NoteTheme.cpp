@@ -118,26 +118,11 @@ QColor NoteTheme::color(const QPalette &palette, Tone tone)
     return palette.color(role(tone));
 }
 
-QColor NoteTheme::secondary(const QPalette &palette)
-{
-    return color(palette, Tone::secondary);
-}
-
-QColor NoteTheme::tertiary(const QPalette &palette)
-{
-    return color(palette, Tone::tertiary);
-}
-
 QColor NoteTheme::primary(const QPalette &palette, double opacity)
 {
     QColor color = NoteTheme::color(palette, Tone::primary);
     color.setAlphaF(static_cast<float>(opacity));
     return color;
-}
-
-QColor NoteTheme::failure(const QPalette &palette)
-{
-    return color(palette, Tone::failure);
 }
 
 QFont NoteTheme::font(int pixelSize, QFont::Weight weight, const QLocale &locale)

@@ -9,7 +9,14 @@
 #include <QPalette>
 
 /// How strongly a text or a symbol speaks.
-enum class Tone { primary, secondary, tertiary, accent, failure, onAccent };
+enum class Tone {
+    primary,
+    secondary, ///< Text of lesser weight. At least 4.5:1 on the surface.
+    tertiary,  ///< Prompts and marks of no importance. At least 3:1 on the surface.
+    accent,
+    failure, ///< The red of failures; readable as text on the surface.
+    onAccent
+};
 
 /// Every colour and font of the program; Metrics.h and TextStyle.h have the measures. Views hold
 /// no number of their own.
@@ -31,17 +38,8 @@ namespace NoteTheme {
 [[nodiscard]] QPalette::ColorRole role(Tone tone);
 [[nodiscard]] QColor color(const QPalette &palette, Tone tone);
 
-/// Text of lesser weight. At least 4.5:1 on the surface.
-[[nodiscard]] QColor secondary(const QPalette &palette);
-
-/// Prompts and marks of no importance. At least 3:1 on the surface.
-[[nodiscard]] QColor tertiary(const QPalette &palette);
-
 /// The primary style at an opacity from 0 to 1, for fills and lines.
 [[nodiscard]] QColor primary(const QPalette &palette, double opacity);
-
-/// The red of failures; readable as text on the surface.
-[[nodiscard]] QColor failure(const QPalette &palette);
 
 /// The system's interface font at a pixel size. Chinese characters that it lacks are drawn as they
 /// are written in the locale: on a system that does not speak Chinese the first font at hand would

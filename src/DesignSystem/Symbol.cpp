@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Symbol.h"
 
-#include "Metrics.h"
 #include "SymbolPath.h"
 #include "SymbolTable.h"
 
@@ -109,14 +108,6 @@ QPixmap pixmap(const SymbolDrawing &symbol, int pixelSize, double ratio, const Q
 
 } // namespace
 
-QStringList Symbol::names()
-{
-    QStringList names;
-    for (const SymbolDrawing &symbol : symbolDrawings())
-        names.append(QLatin1StringView(symbol.name));
-    return names;
-}
-
 int Symbol::extent(int pixelSize)
 {
     return static_cast<int>(std::lround(extentPerTextSize * pixelSize));
@@ -154,19 +145,4 @@ void Symbol::paint(QPainter &painter, const QRectF &rect, const QString &name, i
     const QPointF corner(std::floor(middle.x() - image.width() / 2.0),
                          std::floor(middle.y() - image.height() / 2.0));
     painter.drawPixmap(toDevice.inverted().map(corner), image);
-}
-
-QIcon Symbol::icon(const QString &name, int pixelSize, const QColor &color)
-{
-    QIcon icon;
-    const SymbolDrawing *symbol = drawing(name);
-    if (!symbol)
-        return icon;
-    QColor dimmed = color;
-    dimmed.setAlphaF(color.alphaF() * static_cast<float>(Metrics::disabledOpacity));
-    for (const double ratio : {1.0, 2.0}) {
-        icon.addPixmap(pixmap(*symbol, pixelSize, ratio, color, QFont::Normal), QIcon::Normal);
-        icon.addPixmap(pixmap(*symbol, pixelSize, ratio, dimmed, QFont::Normal), QIcon::Disabled);
-    }
-    return icon;
 }

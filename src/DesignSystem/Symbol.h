@@ -3,10 +3,8 @@
 
 #include <QColor>
 #include <QFont>
-#include <QIcon>
 #include <QSize>
 #include <QString>
-#include <QStringList>
 
 class QPainter;
 
@@ -17,9 +15,6 @@ class QPainter;
 /// program: rendering them as SVG documents at run time would cost the launcher, which is on the
 /// screen all day, a third of a megabyte for one plus sign.
 namespace Symbol {
-
-/// Every name that can be drawn.
-[[nodiscard]] QStringList names();
 
 /// The side of the square that a symbol beside text of that pixel size is drawn in.
 [[nodiscard]] int extent(int pixelSize);
@@ -32,8 +27,5 @@ namespace Symbol {
 /// in strokes that suit text of that weight. Draws nothing for an unknown name.
 void paint(QPainter &painter, const QRectF &rect, const QString &name, int pixelSize,
            const QColor &color, QFont::Weight weight = QFont::Normal);
-
-/// An icon in that colour: normal, and dimmed when disabled.
-[[nodiscard]] QIcon icon(const QString &name, int pixelSize, const QColor &color);
 
 } // namespace Symbol

@@ -21,14 +21,6 @@ void SymbolView::setSymbol(const QString &name)
     update();
 }
 
-void SymbolView::setColor(const QColor &color)
-{
-    if (m_color == color)
-        return;
-    m_color = color;
-    update();
-}
-
 QSize SymbolView::sizeHint() const
 {
     return Symbol::size(m_style.pixelSize);
@@ -38,6 +30,5 @@ void SymbolView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     Symbol::paint(painter, rect(), m_name, m_style.pixelSize,
-                  m_color.isValid() ? m_color : NoteTheme::color(palette(), m_style.tone),
-                  m_style.weight);
+                  NoteTheme::color(palette(), m_style.tone), m_style.weight);
 }

@@ -5,7 +5,7 @@
 
 #include <QWidget>
 
-/// A symbol as a view of its own, in the tone of its style or in a colour of its own.
+/// A symbol as a view of its own in the tone of its style.
 class SymbolView final : public QWidget {
     Q_OBJECT
 
@@ -15,9 +15,6 @@ public:
     void setSymbol(const QString &name);
     [[nodiscard]] const QString &symbol() const noexcept { return m_name; }
 
-    /// An invalid colour: the palette's colour for the style's tone.
-    void setColor(const QColor &color);
-
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
@@ -26,5 +23,4 @@ protected:
 private:
     QString m_name;
     TextStyle m_style;
-    QColor m_color;
 };

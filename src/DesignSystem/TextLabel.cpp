@@ -62,12 +62,6 @@ void TextLabel::setWraps(bool wraps)
     setWordWrap(wraps);
 }
 
-void TextLabel::setElides(bool elides)
-{
-    m_elides = elides;
-    updateGeometry();
-}
-
 bool TextLabel::isOneLine() const
 {
     return !wordWrap() && !text().contains(QChar(u'\n'));
@@ -83,10 +77,7 @@ QSize TextLabel::minimumSizeHint() const
 {
     if (wordWrap())
         return {0, fontMetrics().height()};
-    if (!isOneLine())
-        return QLabel::minimumSizeHint();
-    const QSize whole = sizeHint();
-    return m_elides ? QSize(0, whole.height()) : whole;
+    return isOneLine() ? sizeHint() : QLabel::minimumSizeHint();
 }
 
 int TextLabel::heightForWidth(int width) const
@@ -119,10 +110,7 @@ void TextLabel::paintEvent(QPaintEvent *event)
         paintParagraph(painter);
         return;
     }
-    const QString shown =
-        m_elides ? fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width())
-                 : text();
-    TextLine::paint(painter, contentsRect(), shown, alignment());
+    TextLine::paint(painter, contentsRect(), text(), alignment());
 }
 
 void TextLabel::paintParagraph(QPainter &painter) const

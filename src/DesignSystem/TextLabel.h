@@ -21,9 +21,6 @@ public:
     /// label is as high as its lines.
     void setWraps(bool wraps);
 
-    /// One line that may be narrower than its text, which then ends in an ellipsis.
-    void setElides(bool elides);
-
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] int heightForWidth(int width) const override;
@@ -37,5 +34,4 @@ private:
     void paintParagraph(QPainter &painter) const;
 
     TextStyle m_style;
-    bool m_elides = false;
 };

@@ -5,8 +5,8 @@
 #include "GlassSurface.h"
 #include "LauncherHitView.h"
 #include "Metrics.h"
-#include "NoteTheme.h"
 #include "Symbol.h"
+#include "TextStyle.h"
 #include "ViewEnvironment.h"
 
 #include <QEasingCurve>
@@ -18,8 +18,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-constexpr int plusPixelSize = 23;
 
 /// A soft shadow within the padding: rings around the disc, each wider and lighter than the last.
 constexpr int shadowRings = 4;
@@ -144,10 +142,10 @@ void LauncherView::paintEvent(QPaintEvent * /*event*/)
         !environment || !environment->reduceTransparency())
         paintShadow(painter);
     GlassSurface::paint(painter, atRest, this);
-    Symbol::paint(
-        painter, atRest, u"plus"_s, plusPixelSize,
-        mixed(NoteTheme::color(palette(), Tone::primary), NoteTheme::accent(), m_emphasis),
-        QFont::Light);
+    Symbol::paint(painter, atRest, u"plus"_s, TextStyles::launcherPlus.pixelSize,
+                  mixed(NoteTheme::color(palette(), TextStyles::launcherPlus.tone),
+                        NoteTheme::accent(), m_emphasis),
+                  TextStyles::launcherPlus.weight);
 }
 
 void LauncherView::setHovered(bool isHovered)

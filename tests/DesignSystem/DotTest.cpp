@@ -20,7 +20,7 @@ void DotTest::isACircleOfItsDiameterInItsTone()
     constexpr int ratio = 20;
     const QImage image = Pixels::draw(dot, ratio);
 
-    const QColor color = NoteTheme::secondary(NoteTheme::palette(ColorScheme::light));
+    const QColor color = NoteTheme::color(NoteTheme::palette(ColorScheme::light), Tone::secondary);
     QCOMPARE(Pixels::inkBounds(image), QRect(0, 0, 3 * ratio, 3 * ratio));
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {

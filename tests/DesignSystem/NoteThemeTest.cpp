@@ -86,7 +86,7 @@ void NoteThemeTest::keepsTextReadableOverEveryWallpaper()
     QFETCH(bool, isOpaque);
     const QPalette palette = NoteTheme::palette(scheme);
     const QColor primary = NoteTheme::color(palette, Tone::primary);
-    const QColor failure = NoteTheme::failure(palette);
+    const QColor failure = NoteTheme::color(palette, Tone::failure);
 
     for (const QColor &wallpaper : wallpapers()) {
         const QColor surface = Pixels::over(GlassSurface::fill(scheme, isOpaque), wallpaper);
@@ -96,8 +96,10 @@ void NoteThemeTest::keepsTextReadableOverEveryWallpaper()
 
         for (const QColor &ground : {surface, row}) {
             QVERIFY(Pixels::contrast(primary, ground) >= textContrast);
-            QVERIFY(Pixels::contrast(NoteTheme::secondary(palette), ground) >= textContrast);
-            QVERIFY(Pixels::contrast(NoteTheme::tertiary(palette), ground) >= largeTextContrast);
+            QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::secondary), ground) >=
+                    textContrast);
+            QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::tertiary), ground) >=
+                    largeTextContrast);
         }
         QVERIFY(Pixels::contrast(failure, banner) >= textContrast);
         QVERIFY(Pixels::contrast(NoteTheme::accent(), surface) >= largeTextContrast);

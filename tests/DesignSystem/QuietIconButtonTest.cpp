@@ -58,7 +58,7 @@ void QuietIconButtonTest::drawsItsSymbolInThirteenPointsInTheMiddle()
     expected.fill(Qt::transparent);
     QPainter painter(&expected);
     Symbol::paint(painter, QRectF(0, 0, 30, 30), u"minus"_s, 13,
-                  NoteTheme::secondary(button->palette()), QFont::Medium);
+                  NoteTheme::color(button->palette(), Tone::secondary), QFont::Medium);
     painter.end();
 
     QCOMPARE(Pixels::draw(*button), expected);

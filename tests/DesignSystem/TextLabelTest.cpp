@@ -15,7 +15,6 @@ private Q_SLOTS:
     void centresItsCapitals();
     void cutsNothingOffItsLetters();
     void showsMarkupAndAmpersandsAsTheyAre();
-    void elidesWhenItIsTooNarrow();
     void wrapsWhenItMay();
     void breaksAWordThatIsLongerThanALine();
     void takesItsFontForTheLocaleAbove();
@@ -28,10 +27,10 @@ void TextLabelTest::followsThePaletteInItsTone()
     TextLabel label(TextStyles::subtitle, &tree);
 
     QCOMPARE(label.palette().color(label.foregroundRole()),
-             NoteTheme::secondary(NoteTheme::palette(ColorScheme::light)));
+             NoteTheme::color(NoteTheme::palette(ColorScheme::light), Tone::secondary));
     tree.setPalette(NoteTheme::palette(ColorScheme::dark));
     QCOMPARE(label.palette().color(label.foregroundRole()),
-             NoteTheme::secondary(NoteTheme::palette(ColorScheme::dark)));
+             NoteTheme::color(NoteTheme::palette(ColorScheme::dark), Tone::secondary));
 }
 
 void TextLabelTest::isAsHighInChineseAsInEnglish()
@@ -75,20 +74,6 @@ void TextLabelTest::showsMarkupAndAmpersandsAsTheyAre()
     QCOMPARE(label.textFormat(), Qt::PlainText);
     QCOMPARE(label.sizeHint().width(),
              QFontMetrics(label.font()).horizontalAdvance(u"<b>Save</b> & close"_s));
-}
-
-void TextLabelTest::elidesWhenItIsTooNarrow()
-{
-    TextLabel label(TextStyles::rowExcerpt, u"A long excerpt that has no room at all"_s);
-    QVERIFY(label.minimumSizeHint().width() > 60);
-    label.setElides(true);
-    QCOMPARE(label.minimumSizeHint().width(), 0);
-
-    label.resize(60, label.sizeHint().height());
-    const QRect ink = Pixels::inkBounds(Pixels::draw(label));
-
-    QVERIFY(ink.right() < 60);
-    QCOMPARE(label.text(), u"A long excerpt that has no room at all"_s);
 }
 
 void TextLabelTest::wrapsWhenItMay()

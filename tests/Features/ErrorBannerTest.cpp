@@ -98,7 +98,7 @@ void ErrorBannerTest::isFilledWithSevenPerCentOfRed()
 {
     QFETCH(const ColorScheme, scheme);
     m_banner->setPalette(NoteTheme::palette(scheme));
-    QColor fill = NoteTheme::failure(m_banner->palette());
+    QColor fill = NoteTheme::color(m_banner->palette(), Tone::failure);
     fill.setAlphaF(0.07F);
 
     const QImage image = Pixels::draw(*m_banner, 1, Qt::white);
@@ -132,7 +132,7 @@ void ErrorBannerTest::isRedThroughout()
 {
     QFETCH(const ColorScheme, scheme);
     m_banner->setPalette(NoteTheme::palette(scheme));
-    const QColor red = NoteTheme::failure(m_banner->palette());
+    const QColor red = NoteTheme::color(m_banner->palette(), Tone::failure);
     QVERIFY(isRed(red));
     const QList<QWidget *> parts{m_banner->findChild<SymbolView *>(),
                                  Views::find(*m_banner, "errorMessage"),

@@ -158,7 +158,7 @@ void NoteRowTest::showsItsArrowInFullUnderThePointerAlone()
     row.setPointerIsOver(true);
     const QColor full = arrowOf(row);
 
-    QVERIFY(Pixels::isAlike(full, NoteTheme::secondary(row.palette())));
+    QVERIFY(Pixels::isAlike(full, NoteTheme::color(row.palette(), Tone::secondary)));
     // 35 % over the row's own 3.5 %.
     QVERIFY(std::abs(faint.alphaF() - (0.35 + 0.65 * 0.035)) < 0.01);
 }

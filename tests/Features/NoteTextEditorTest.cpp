@@ -384,8 +384,9 @@ void NoteTextEditorTest::hidesThePlaceholderBehindTextAndCompositions()
     bool isTertiary = false;
     for (int y = 0; y < prompt.height(); ++y) {
         for (int x = 0; x < prompt.width(); ++x)
-            isTertiary |= Pixels::isAlike(prompt.pixelColor(x, y),
-                                          NoteTheme::tertiary(fixture.editor.palette()));
+            isTertiary |=
+                Pixels::isAlike(prompt.pixelColor(x, y),
+                                NoteTheme::color(fixture.editor.palette(), Tone::tertiary));
     }
     QVERIFY(isTertiary);
 

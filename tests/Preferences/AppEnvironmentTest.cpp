@@ -72,8 +72,8 @@ void AppEnvironmentTest::handsDownLocaleAndColors()
     QCOMPARE(deepInside->locale(), preferences.locale());
     QCOMPARE(deepInside->locale().script(), QLocale::SimplifiedHanScript);
     QCOMPARE(schemeOf(*deepInside), ColorScheme::dark);
-    QCOMPARE(NoteTheme::secondary(deepInside->palette()),
-             NoteTheme::secondary(NoteTheme::palette(ColorScheme::dark)));
+    QCOMPARE(NoteTheme::color(deepInside->palette(), Tone::secondary),
+             NoteTheme::color(NoteTheme::palette(ColorScheme::dark), Tone::secondary));
 }
 
 void AppEnvironmentTest::followsTheSystemWhileNoAppearanceIsChosen()

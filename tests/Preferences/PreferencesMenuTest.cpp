@@ -206,7 +206,7 @@ void PreferencesMenuTest::looksAndReadsAsDescribed()
     expected.fill(Qt::transparent);
     QPainter painter(&expected);
     Symbol::paint(painter, QRectF(0, 0, 25, 28), u"slider.horizontal.3"_s, 13,
-                  NoteTheme::secondary(button.palette()));
+                  NoteTheme::color(button.palette(), Tone::secondary));
     painter.end();
     QCOMPARE(Pixels::draw(button), expected);
 }
