@@ -7,7 +7,8 @@
 
 class QWidget;
 
-/// Qt's own connection to the X server with what this layer needs beside it. Internal to Desktop.
+/// Qt's own connection to the X server with what this layer needs beside it. Internal to Desktop,
+/// and part of the one application object, as that connection is.
 ///
 /// Also keeps the time of the last key or button, in the server's clock: window managers allow a
 /// window to take the keyboard only as the answer to something the user did.

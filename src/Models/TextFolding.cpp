@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "TextFolding.h"
 
+#include <array>
+#include <memory>
+#include <string>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 namespace {
+
+constexpr size_t pageSize = 256;
+
+/// The folded forms of 256 code points in a row, one after the other.
+struct Page {
+    std::u16string units;
+    std::array<quint16, pageSize + 1> starts;
+};
 
 bool isMark(UChar32 codePoint)
 {
@@ -30,13 +41,29 @@ icu::UnicodeString foldedByIcu(UChar32 codePoint)
     return bases.foldCase(U_FOLD_CASE_DEFAULT);
 }
 
-} // namespace
-
-TextFolding &TextFolding::shared()
+std::unique_ptr<Page> makePage(UChar32 firstCodePoint)
 {
-    static TextFolding folding;
-    return folding;
+    auto page = std::make_unique<Page>();
+    for (size_t i = 0; i < pageSize; ++i) {
+        page->starts[i] = static_cast<quint16>(page->units.size());
+        const icu::UnicodeString folded = foldedByIcu(firstCodePoint + static_cast<UChar32>(i));
+        page->units.append(folded.getBuffer(), static_cast<size_t>(folded.length()));
+    }
+    page->starts[pageSize] = static_cast<quint16>(page->units.size());
+    return page;
 }
+
+/// The page of a code point. The forms are the same for ever, so each page is made once.
+const Page &pageOf(char32_t codePoint)
+{
+    static constinit std::array<std::unique_ptr<Page>, 0x110000 / pageSize> pages;
+    std::unique_ptr<Page> &page = pages[codePoint / pageSize];
+    if (!page)
+        page = makePage(static_cast<UChar32>(codePoint - codePoint % pageSize));
+    return *page;
+}
+
+} // namespace
 
 std::u16string_view TextFolding::next(std::u16string_view text, size_t &position)
 {
@@ -46,20 +73,10 @@ std::u16string_view TextFolding::next(std::u16string_view text, size_t &position
         codePoint = QChar::surrogateToUcs4(static_cast<char16_t>(codePoint), text[position++]);
     }
 
-    std::unique_ptr<Page> &page = m_pages[codePoint / pageSize];
-    if (!page) {
-        page = std::make_unique<Page>();
-        for (size_t i = 0; i < pageSize; ++i) {
-            page->starts[i] = static_cast<quint16>(page->units.size());
-            const icu::UnicodeString folded =
-                foldedByIcu(static_cast<UChar32>(codePoint - codePoint % pageSize + i));
-            page->units.append(folded.getBuffer(), static_cast<size_t>(folded.length()));
-        }
-        page->starts[pageSize] = static_cast<quint16>(page->units.size());
-    }
-    const size_t start = page->starts[codePoint % pageSize];
-    const size_t end = page->starts[codePoint % pageSize + 1];
-    return std::u16string_view(page->units).substr(start, end - start);
+    const Page &page = pageOf(codePoint);
+    const size_t start = page.starts[codePoint % pageSize];
+    const size_t end = page.starts[codePoint % pageSize + 1];
+    return std::u16string_view(page.units).substr(start, end - start);
 }
 
 QString TextFolding::folded(QStringView text)

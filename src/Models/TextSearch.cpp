@@ -176,14 +176,14 @@ bool continues(Units part, Units text, size_t position, Units query)
         if (position >= text.size()) {
             return false;
         }
-        part = TextFolding::shared().next(text, position);
+        part = TextFolding::next(text, position);
     }
 }
 
 /// True when a match begins within the folded form of the character at the position.
 bool matches(Units text, size_t position, Units query)
 {
-    const Units character = TextFolding::shared().next(text, position);
+    const Units character = TextFolding::next(text, position);
     for (size_t i = 0; i < character.size(); ++i) {
         if (character[i] == query[0] && continues(character.substr(i), text, position, query)) {
             return true;
@@ -202,7 +202,7 @@ bool matchesAround(Units text, size_t position, Units query)
 } // namespace
 
 TextSearch::TextSearch(QStringView query)
-    : m_folded(TextFolding::shared().folded(query))
+    : m_folded(TextFolding::folded(query))
 {
 }
 

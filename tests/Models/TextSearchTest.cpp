@@ -116,7 +116,7 @@ private Q_SLOTS:
             }
             const QString text = QString::fromUcs4(&codePoint, 1);
             const icu::UnicodeString expected = plainlyFolded(text);
-            const QString folded = TextFolding::shared().folded(text);
+            const QString folded = TextFolding::folded(text);
             if (expected != icu::UnicodeString(reinterpret_cast<const char16_t *>(folded.utf16()),
                                                static_cast<int32_t>(folded.size()))) {
                 QFAIL(qPrintable(u"U+%1 folds differently"_s.arg(codePoint, 4, 16)));
@@ -131,7 +131,7 @@ private Q_SLOTS:
                 continue;
             }
             const QString text = QString::fromUcs4(&unit, 1);
-            const QString folded = TextFolding::shared().folded(text);
+            const QString folded = TextFolding::folded(text);
             const QChar narrow = unit >= 0xFF01 ? QChar(unit - 0xFEE0) : QChar(unit);
             QCOMPARE(folded, QString(unit < 0x80 || unit >= 0xFF01 ? narrow.toLower() : narrow));
         }
