@@ -87,7 +87,6 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     connect(&m_store, &NoteStore::snapshotChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorContextChanged, this, &NoteWorkspaceView::render);
-    connect(&m_store, &NoteStore::repositoryErrorChanged, this, &NoteWorkspaceView::render);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteWorkspaceView::render);
     for (const WorkspaceTab tab : allWorkspaceTabs) {
         const PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
@@ -178,13 +177,7 @@ QString NoteWorkspaceView::failureText() const
     const auto &failure = m_store.failure();
     if (!failure)
         return {};
-    const auto &error = m_store.repositoryError();
-    const bool isUnsupported = error && error->reason() == Reason::unsupportedVersion;
-    const QString what =
-        isUnsupported ? m_preferences.format(
-                            u"Unsupported note version: %d. Original files were left untouched."_s,
-                            {error->version()})
-                      : m_preferences.text(*failure);
+    const QString what = m_preferences.text(*failure);
     const auto &context = m_store.errorContext();
     return context ? m_preferences.text(*context) + u'\n' + what : what;
 }
