@@ -8,10 +8,12 @@
 #include "LocalNoteRepository.h"
 #include "MemoryNoteRepository.h"
 #include "NoteStore.h"
+#include "NoteTheme.h"
 #include "Screens.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
+#include <QPalette>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -52,7 +54,9 @@ void AppDelegate::applicationDidFinishLaunching(const LaunchOptions &options)
     m_preferences = std::make_unique<AppPreferences>(isInterfaceTest ? nullptr : m_defaults.get(),
                                                      options.language, options.appearance);
     m_store = std::make_unique<NoteStore>(makeRepository(isInterfaceTest));
-    m_system = std::make_unique<DesktopAppearance>();
+    // Before the program gives itself a palette, that of the platform tells light from dark.
+    m_system =
+        std::make_unique<DesktopAppearance>(NoteTheme::colorScheme(QGuiApplication::palette()));
     m_screens = std::make_unique<DesktopScreens>();
     m_focus = std::make_unique<X11ApplicationFocus>();
     m_panels = std::make_unique<FloatingPanelController>(

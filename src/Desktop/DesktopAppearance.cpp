@@ -9,9 +9,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QGuiApplication>
 #include <QMap>
-#include <QPalette>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -33,23 +31,14 @@ constexpr uint preferDark = 1;
 constexpr uint preferHighContrast = 1;
 constexpr uint preferReducedMotion = 1;
 
-/// Without a portal the platform's palette is what is left to tell light from dark.
-ColorScheme schemeOfPlatform()
-{
-    const QPalette palette = QGuiApplication::palette();
-    const bool isDark = palette.color(QPalette::Window).lightness() <
-                        palette.color(QPalette::WindowText).lightness();
-    return isDark ? ColorScheme::dark : ColorScheme::light;
-}
-
 } // namespace
 
-DesktopAppearance::DesktopAppearance(QObject *parent)
+DesktopAppearance::DesktopAppearance(ColorScheme withoutPortal, QObject *parent)
     : SystemAppearance(parent)
     , m_compositor(std::make_unique<CompositorWatch>())
 {
     Values values;
-    values.colorScheme = schemeOfPlatform();
+    values.colorScheme = withoutPortal;
     values.isComposited = m_compositor->isComposited();
     setValues(values);
 

@@ -12,13 +12,13 @@ class QDBusVariant;
 /// The appearance of the running desktop: the settings portal says light or dark, contrast and
 /// motion, the X server says whether windows are composited.
 ///
-/// The portal is never waited for: what it answers arrives later as changed(). Without a portal the
-/// colour scheme is the one of the palette that the platform gave, and the rest has plain values.
+/// The portal is never waited for: what it answers arrives later as changed().
 class DesktopAppearance final : public SystemAppearance {
     Q_OBJECT
 
 public:
-    explicit DesktopAppearance(QObject *parent = nullptr);
+    /// Without a portal the colour scheme stays the given one, and the rest has plain values.
+    explicit DesktopAppearance(ColorScheme withoutPortal, QObject *parent = nullptr);
     ~DesktopAppearance() override;
 
     /// The values after one setting of the portal changed; unknown settings change nothing.

@@ -140,8 +140,7 @@ void FloatingPanelController::applyPreferences()
 void FloatingPanelController::applySystemAppearance()
 {
     // Menus, tooltips and alerts are windows of their own, outside the panels' view trees.
-    const ColorScheme scheme =
-        colorScheme(m_preferences.appearance()).value_or(m_system.colorScheme());
+    const ColorScheme scheme = colorScheme(m_preferences.appearance(), m_system.colorScheme());
     QApplication::setPalette(NoteTheme::palette(scheme));
 
     m_launcher.setCutOut(!m_system.isComposited());

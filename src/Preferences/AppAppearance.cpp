@@ -38,15 +38,15 @@ QString label(AppAppearance appearance)
     return {};
 }
 
-std::optional<ColorScheme> colorScheme(AppAppearance appearance)
+ColorScheme colorScheme(AppAppearance appearance, ColorScheme ofSystem)
 {
     switch (appearance) {
     case AppAppearance::system:
-        return std::nullopt;
+        return ofSystem;
     case AppAppearance::light:
         return ColorScheme::light;
     case AppAppearance::dark:
         return ColorScheme::dark;
     }
-    return std::nullopt;
+    return ofSystem;
 }

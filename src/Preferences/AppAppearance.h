@@ -21,5 +21,5 @@ inline constexpr std::array allAppAppearances{AppAppearance::system, AppAppearan
 /// The choice in the menu, before translation.
 [[nodiscard]] QString label(AppAppearance appearance);
 
-/// Nothing means: follow the system.
-[[nodiscard]] std::optional<ColorScheme> colorScheme(AppAppearance appearance);
+/// The user's choice, or the system's where the user leaves it to the system.
+[[nodiscard]] ColorScheme colorScheme(AppAppearance appearance, ColorScheme ofSystem);

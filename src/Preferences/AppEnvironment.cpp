@@ -39,7 +39,7 @@ void AppEnvironment::setContent(QWidget *content)
 
 ColorScheme AppEnvironment::colorScheme() const
 {
-    return ::colorScheme(m_preferences.appearance()).value_or(m_system.colorScheme());
+    return ::colorScheme(m_preferences.appearance(), m_system.colorScheme());
 }
 
 bool AppEnvironment::reduceMotion() const

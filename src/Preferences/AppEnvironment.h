@@ -22,7 +22,6 @@ public:
 
     [[nodiscard]] AppPreferences &preferences() const noexcept { return m_preferences; }
 
-    /// The user's choice, or the system's where the user leaves it to the system.
     [[nodiscard]] ColorScheme colorScheme() const override;
     [[nodiscard]] bool reduceMotion() const override;
     [[nodiscard]] bool reduceTransparency() const override;

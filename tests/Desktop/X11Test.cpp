@@ -396,7 +396,7 @@ void X11Test::makesACutWindowWholeAgain()
 
 void X11Test::knowsWhetherWindowsAreComposited()
 {
-    DesktopAppearance appearance;
+    DesktopAppearance appearance(ColorScheme::light);
     const QSignalSpy changed(&appearance, &SystemAppearance::changed);
     QVERIFY(!appearance.isComposited());
     QVERIFY(appearance.reduceTransparency());

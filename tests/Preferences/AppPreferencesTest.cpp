@@ -97,9 +97,11 @@ void AppPreferencesTest::namesEachChoice()
 
 void AppPreferencesTest::mapsTheAppearanceToAColorScheme()
 {
-    QVERIFY(!colorScheme(AppAppearance::system));
-    QCOMPARE(colorScheme(AppAppearance::light), ColorScheme::light);
-    QCOMPARE(colorScheme(AppAppearance::dark), ColorScheme::dark);
+    for (const ColorScheme ofSystem : {ColorScheme::light, ColorScheme::dark}) {
+        QCOMPARE(colorScheme(AppAppearance::system, ofSystem), ofSystem);
+        QCOMPARE(colorScheme(AppAppearance::light, ofSystem), ColorScheme::light);
+        QCOMPARE(colorScheme(AppAppearance::dark, ofSystem), ColorScheme::dark);
+    }
 }
 
 void AppPreferencesTest::followsTheSystemWithoutStoredValues()
