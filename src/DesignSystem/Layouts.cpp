@@ -3,6 +3,7 @@
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
+#include <QWidget>
 #include <memory>
 
 namespace {
@@ -74,4 +75,15 @@ void row(QWidget *widget, std::initializer_list<LayoutItem> items, LayoutSpacing
 void column(QWidget *widget, std::initializer_list<LayoutItem> items, LayoutSpacing spacing)
 {
     fill(new QVBoxLayout(widget), items, spacing, {});
+}
+
+void replace(QLayout *layout, QWidget *earlier, QWidget *widget)
+{
+    if (earlier) {
+        earlier->hide();
+        layout->removeWidget(earlier);
+        earlier->deleteLater();
+    }
+    if (widget)
+        layout->addWidget(widget);
 }

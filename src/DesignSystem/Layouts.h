@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 class QBoxLayout;
+class QLayout;
 class QWidget;
 
 /// One thing in a row or column: a widget, another row or column, a gap, or a stretch.
@@ -62,3 +63,7 @@ struct LayoutSpacing {
 /// The layout of a widget, which takes ownership of the widgets and layouts in it.
 void row(QWidget *widget, std::initializer_list<LayoutItem> items, LayoutSpacing spacing = {});
 void column(QWidget *widget, std::initializer_list<LayoutItem> items, LayoutSpacing spacing = {});
+
+/// Puts a widget into the layout in place of an earlier one; either may be none. The earlier one is
+/// deleted once its own code has returned, since it may be what asks.
+void replace(QLayout *layout, QWidget *earlier, QWidget *widget);

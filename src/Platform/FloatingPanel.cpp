@@ -4,6 +4,7 @@
 #include "AccessibleRole.h"
 #include "FocusWatch.h"
 #include "KeepOnTop.h"
+#include "Layouts.h"
 #include "PanelHints.h"
 
 #include <QCloseEvent>
@@ -43,14 +44,8 @@ FloatingPanel::FloatingPanel(Kind kind, Size contentSize)
 
 void FloatingPanel::setContent(QWidget *content)
 {
-    if (m_content) {
-        // It may be what asks: a view that is done deletes itself only once it has returned.
-        m_content->hide();
-        m_content->deleteLater();
-    }
+    replace(layout(), m_content, content);
     m_content = content;
-    if (content)
-        layout()->addWidget(content);
 }
 
 void FloatingPanel::place(const QRect &frame)

@@ -27,14 +27,7 @@ AppEnvironment::AppEnvironment(AppPreferences &preferences, SystemAppearance &sy
 
 void AppEnvironment::setContent(QWidget *content)
 {
-    if (m_content) {
-        m_content->hide();
-        layout()->removeWidget(m_content);
-        m_content->deleteLater();
-    }
-    m_content = content;
-    if (m_content)
-        layout()->addWidget(m_content);
+    layout()->addWidget(content);
 }
 
 ColorScheme AppEnvironment::colorScheme() const

@@ -16,8 +16,7 @@ public:
     AppEnvironment(AppPreferences &preferences, SystemAppearance &system,
                    QWidget *parent = nullptr);
 
-    /// Fills the environment with the view, in place of an earlier one, which is deleted as soon
-    /// as its own code has returned.
+    /// Fills the environment with the view.
     void setContent(QWidget *content);
 
     [[nodiscard]] AppPreferences &preferences() const noexcept { return m_preferences; }
@@ -32,5 +31,4 @@ private:
 
     AppPreferences &m_preferences;
     SystemAppearance &m_system;
-    QWidget *m_content = nullptr;
 };

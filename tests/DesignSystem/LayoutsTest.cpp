@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Layouts.h"
 
+#include <QLayout>
+#include <QPointer>
 #include <QTest>
 #include <QWidget>
 
@@ -12,6 +14,7 @@ private Q_SLOTS:
     void pushesAsideWithAStretch();
     void centresTheItemsOfARow();
     void givesTheRestToTheFillingItem();
+    void deletesWhatIsReplacedOnlyOnceItHasReturned();
 };
 
 namespace {
@@ -78,6 +81,23 @@ void LayoutsTest::givesTheRestToTheFillingItem()
 
     QCOMPARE(text->geometry(), QRect(0, 0, 100, 90));
     QCOMPARE(button->pos(), QPoint(80, 90));
+}
+
+void LayoutsTest::deletesWhatIsReplacedOnlyOnceItHasReturned()
+{
+    QWidget page;
+    const QPointer<QWidget> first = new QWidget(&page);
+    column(&page, {first.data()});
+    page.resize(100, 100);
+    page.show();
+
+    auto *const second = new QWidget;
+    replace(page.layout(), first, second);
+
+    QVERIFY(first && !first->isVisible());
+    QTRY_VERIFY(!first);
+    QTRY_COMPARE(second->geometry(), page.rect());
+    QVERIFY(second->isVisible());
 }
 
 QTEST_MAIN(LayoutsTest)

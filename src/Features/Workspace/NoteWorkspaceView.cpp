@@ -19,6 +19,7 @@
 
 #include <QLayout>
 #include <initializer_list>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -160,14 +161,8 @@ QWidget *NoteWorkspaceView::makeScreen()
 
 void NoteWorkspaceView::showScreen()
 {
-    // The old screen may be the one that asked, so it goes once it has returned.
-    if (m_screen) {
-        m_screen->hide();
-        m_content->layout()->removeWidget(m_screen);
-        m_screen->deleteLater();
-    }
-    m_screen = makeScreen();
-    m_content->layout()->addWidget(m_screen);
+    QWidget *const earlier = std::exchange(m_screen, makeScreen());
+    replace(m_content->layout(), earlier, m_screen);
     m_screen->show();
     m_screen->setFocus(Qt::OtherFocusReason);
 }
