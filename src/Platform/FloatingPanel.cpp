@@ -17,7 +17,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-FloatingPanel::FloatingPanel(Kind kind, Size contentSize)
+FloatingPanel::FloatingPanel(Kind kind, QSize contentSize)
     : QWidget(nullptr,
               kind == Kind::launcher ? PanelHints::launcherFlags() : PanelHints::editorFlags())
     , m_kind(kind)
@@ -29,7 +29,7 @@ FloatingPanel::FloatingPanel(Kind kind, Size contentSize)
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setAccessibleRole(this, QAccessible::Window);
     setWindowTitle(u"Quillmark"_s);
-    setFixedSize(qRound(contentSize.width), qRound(contentSize.height));
+    setFixedSize(contentSize);
 
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins({});

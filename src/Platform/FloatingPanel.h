@@ -2,7 +2,6 @@
 #pragma once
 
 #include "CompositionWatch.h"
-#include "Geometry.h"
 
 #include <QPointer>
 #include <QRegion>
@@ -19,7 +18,7 @@ class FloatingPanel final : public QWidget {
 public:
     enum class Kind { launcher, editor };
 
-    FloatingPanel(Kind kind, Size contentSize);
+    FloatingPanel(Kind kind, QSize contentSize);
 
     /// Fills the panel, in place of an earlier content, which is deleted; none leaves it empty.
     void setContent(QWidget *content);

@@ -5,6 +5,7 @@
 #include "AppPreferences.h"
 #include "FileBrowser.h"
 #include "LauncherView.h"
+#include "Metrics.h"
 #include "NoteStore.h"
 #include "NoteTheme.h"
 #include "NoteWorkspaceView.h"
@@ -30,6 +31,12 @@ double number(const QVariant &value)
     return std::isfinite(read) ? read : 0;
 }
 
+/// The frame of a launcher with its bottom left corner there.
+Rect launcherAt(Point origin)
+{
+    return {origin.x, origin.y, Metrics::launcherSize.width(), Metrics::launcherSize.height()};
+}
+
 } // namespace
 
 FloatingPanelController::FloatingPanelController(NoteStore &store, AppPreferences &preferences,
@@ -44,8 +51,8 @@ FloatingPanelController::FloatingPanelController(NoteStore &store, AppPreference
     , m_system(system)
     , m_screens(screens)
     , m_focus(focus)
-    , m_launcher(FloatingPanel::Kind::launcher, PanelPlacement::launcherSize)
-    , m_editor(FloatingPanel::Kind::editor, PanelPlacement::editorSize)
+    , m_launcher(FloatingPanel::Kind::launcher, Metrics::launcherSize)
+    , m_editor(FloatingPanel::Kind::editor, Metrics::panelSize)
 {
     m_launcher.setContent(makeLauncherContent());
     m_editor.onEscape = [this] { collapse(); };
@@ -153,8 +160,8 @@ void FloatingPanelController::moveLauncher(LauncherInteraction::Translation tran
         const Rect frame = launcherFrame();
         m_dragOrigin = Point{frame.x, frame.y};
     }
-    const Rect moved{m_dragOrigin->x + translation.width, m_dragOrigin->y - translation.height,
-                     PanelPlacement::launcherSize.width, PanelPlacement::launcherSize.height};
+    const Rect moved =
+        launcherAt({m_dragOrigin->x + translation.width, m_dragOrigin->y - translation.height});
     if (!ended) {
         m_launcher.place(m_screens.toQt(moved));
         return;
@@ -174,9 +181,7 @@ void FloatingPanelController::followScreens()
 
 void FloatingPanelController::restorePosition()
 {
-    const Point origin = rememberedOrigin();
-    clampLauncher({origin.x, origin.y, PanelPlacement::launcherSize.width,
-                   PanelPlacement::launcherSize.height});
+    clampLauncher(launcherAt(rememberedOrigin()));
     if (m_isExpanded)
         placeEditor();
     savePosition();

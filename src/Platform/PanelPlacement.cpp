@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PanelPlacement.h"
 
+#include "Metrics.h"
 #include "Screens.h"
 
 #include <algorithm>
@@ -46,7 +47,8 @@ Point PanelPlacement::defaultLauncherOrigin(const Rect &visibleArea)
 
 Rect PanelPlacement::editorFrame(const Rect &launcher, const Rect &visibleArea)
 {
-    const Rect over{launcher.maxX() - editorSize.width, launcher.maxY() - editorSize.height,
-                    editorSize.width, editorSize.height};
+    constexpr Size editor{Metrics::panelSize.width(), Metrics::panelSize.height()};
+    const Rect over{launcher.maxX() - editor.width, launcher.maxY() - editor.height, editor.width,
+                    editor.height};
     return clamped(over, visibleArea, screenInset);
 }

@@ -11,9 +11,6 @@ struct Screen;
 /// Where the two panels go: arithmetic on rectangles, without windows.
 namespace PanelPlacement {
 
-inline constexpr Size launcherSize{64, 64};
-inline constexpr Size editorSize{424, 560};
-
 /// Kept between a panel and the edge of its screen's visible area.
 inline constexpr double screenInset = 12;
 

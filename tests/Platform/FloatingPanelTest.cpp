@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "FloatingPanel.h"
 
-#include "PanelPlacement.h"
+#include "Metrics.h"
 
 #include <QAccessible>
 #include <QInputMethodEvent>
@@ -14,7 +14,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 Q_DECLARE_METATYPE(FloatingPanel::Kind)
-Q_DECLARE_METATYPE(Size)
 
 class FloatingPanelTest final : public QObject {
     Q_OBJECT
@@ -44,8 +43,8 @@ private Q_SLOTS:
 
 void FloatingPanelTest::isAFramelessTranslucentWindowOfItsContentsSize()
 {
-    const FloatingPanel launcher(FloatingPanel::Kind::launcher, PanelPlacement::launcherSize);
-    const FloatingPanel editor(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    const FloatingPanel launcher(FloatingPanel::Kind::launcher, Metrics::launcherSize);
+    const FloatingPanel editor(FloatingPanel::Kind::editor, Metrics::panelSize);
 
     QCOMPARE(launcher.size(), QSize(64, 64));
     QCOMPARE(editor.size(), QSize(424, 560));
@@ -61,16 +60,16 @@ void FloatingPanelTest::isAFramelessTranslucentWindowOfItsContentsSize()
 void FloatingPanelTest::isAWindowNamedQuillmarkToAssistiveTools_data()
 {
     QTest::addColumn<FloatingPanel::Kind>("kind");
-    QTest::addColumn<Size>("size");
+    QTest::addColumn<QSize>("size");
 
-    QTest::newRow("launcher") << FloatingPanel::Kind::launcher << PanelPlacement::launcherSize;
-    QTest::newRow("editor") << FloatingPanel::Kind::editor << PanelPlacement::editorSize;
+    QTest::newRow("launcher") << FloatingPanel::Kind::launcher << Metrics::launcherSize;
+    QTest::newRow("editor") << FloatingPanel::Kind::editor << Metrics::panelSize;
 }
 
 void FloatingPanelTest::isAWindowNamedQuillmarkToAssistiveTools()
 {
     QFETCH(const FloatingPanel::Kind, kind);
-    QFETCH(const Size, size);
+    QFETCH(const QSize, size);
 
     FloatingPanel panel(kind, size);
 
@@ -83,7 +82,7 @@ void FloatingPanelTest::isAWindowNamedQuillmarkToAssistiveTools()
 
 void FloatingPanelTest::keepsTheLauncherAwayFromTheKeyboard()
 {
-    const FloatingPanel launcher(FloatingPanel::Kind::launcher, PanelPlacement::launcherSize);
+    const FloatingPanel launcher(FloatingPanel::Kind::launcher, Metrics::launcherSize);
 
     QVERIFY(launcher.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
     QVERIFY(launcher.windowFlags().testFlag(Qt::X11BypassWindowManagerHint));
@@ -92,7 +91,7 @@ void FloatingPanelTest::keepsTheLauncherAwayFromTheKeyboard()
 
 void FloatingPanelTest::letsTheEditorTakeTheKeyboard()
 {
-    FloatingPanel editor(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel editor(FloatingPanel::Kind::editor, Metrics::panelSize);
 
     editor.makeKey();
 
@@ -102,7 +101,7 @@ void FloatingPanelTest::letsTheEditorTakeTheKeyboard()
 
 void FloatingPanelTest::neverKeepsTheProgramRunningNorEndsIt()
 {
-    const FloatingPanel editor(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    const FloatingPanel editor(FloatingPanel::Kind::editor, Metrics::panelSize);
 
     QVERIFY(!editor.testAttribute(Qt::WA_QuitOnClose));
     QVERIFY(!editor.testAttribute(Qt::WA_DeleteOnClose));
@@ -110,7 +109,7 @@ void FloatingPanelTest::neverKeepsTheProgramRunningNorEndsIt()
 
 void FloatingPanelTest::runsOnEscapeOncePerKeyPress()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     int escaped = 0;
     panel.onEscape = [&escaped] { ++escaped; };
 
@@ -126,7 +125,7 @@ void FloatingPanelTest::runsOnEscapeOncePerKeyPress()
 
 void FloatingPanelTest::runsOnEscapeAlsoFromWithinItsContent()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     auto *field = new QLineEdit;
     panel.setContent(field);
     int escaped = 0;
@@ -139,7 +138,7 @@ void FloatingPanelTest::runsOnEscapeAlsoFromWithinItsContent()
 
 void FloatingPanelTest::doesNothingOnEscapeWithoutACallback()
 {
-    FloatingPanel panel(FloatingPanel::Kind::launcher, PanelPlacement::launcherSize);
+    FloatingPanel panel(FloatingPanel::Kind::launcher, Metrics::launcherSize);
     panel.show();
 
     QTest::keyClick(&panel, Qt::Key_Escape);
@@ -149,7 +148,7 @@ void FloatingPanelTest::doesNothingOnEscapeWithoutACallback()
 
 void FloatingPanelTest::ignoresOtherKeys()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     int escaped = 0;
     panel.onEscape = [&escaped] { ++escaped; };
 
@@ -161,7 +160,7 @@ void FloatingPanelTest::ignoresOtherKeys()
 
 void FloatingPanelTest::leavesEscapeToAnOpenMenu()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     int escaped = 0;
     panel.onEscape = [&escaped] { ++escaped; };
     panel.makeKey();
@@ -179,7 +178,7 @@ void FloatingPanelTest::leavesEscapeToAnOpenMenu()
 
 void FloatingPanelTest::leavesEscapeToAnInputMethodThatComposes()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     auto *field = new QLineEdit;
     panel.setContent(field);
     int escaped = 0;
@@ -202,7 +201,7 @@ void FloatingPanelTest::leavesEscapeToAnInputMethodThatComposes()
 
 void FloatingPanelTest::foldsInsteadOfClosing()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     int folded = 0;
     panel.onEscape = [&panel, &folded] {
         ++folded;
@@ -222,7 +221,7 @@ void FloatingPanelTest::foldsInsteadOfClosing()
 
 void FloatingPanelTest::staysOpenWhenItCannotFold()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     panel.onEscape = [] {};
     panel.makeKey();
 
@@ -233,7 +232,7 @@ void FloatingPanelTest::staysOpenWhenItCannotFold()
 
 void FloatingPanelTest::fillsItselfWithItsContent()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     auto *content = new QWidget;
 
     panel.setContent(content);
@@ -244,7 +243,7 @@ void FloatingPanelTest::fillsItselfWithItsContent()
 
 void FloatingPanelTest::deletesTheContentThatIsReplaced()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     const QPointer<QWidget> first = new QWidget;
     panel.setContent(first);
     panel.show();
@@ -259,7 +258,7 @@ void FloatingPanelTest::deletesTheContentThatIsReplaced()
 
 void FloatingPanelTest::survivesAContentThatReplacesItself()
 {
-    FloatingPanel panel(FloatingPanel::Kind::editor, PanelPlacement::editorSize);
+    FloatingPanel panel(FloatingPanel::Kind::editor, Metrics::panelSize);
     const QPointer<QLineEdit> field = new QLineEdit;
     panel.setContent(field);
     panel.onEscape = [&panel] { panel.setContent(nullptr); };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PanelPlacement.h"
 
+#include "Metrics.h"
 #include "Screens.h"
 
 #include <QTest>
@@ -15,7 +16,7 @@ const Screen secondScreen{{1440, 100, 1280, 800}, {1440, 160, 1280, 740}};
 
 Rect launcherAt(double x, double y)
 {
-    return {x, y, PanelPlacement::launcherSize.width, PanelPlacement::launcherSize.height};
+    return {x, y, Metrics::launcherSize.width(), Metrics::launcherSize.height()};
 }
 
 } // namespace

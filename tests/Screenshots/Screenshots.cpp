@@ -5,6 +5,7 @@
 #include "FakeScreens.h"
 #include "FileError.h"
 #include "LauncherView.h"
+#include "Metrics.h"
 #include "NoteId.h"
 #include "NoteStore.h"
 #include "NoteWorkspaceView.h"
@@ -343,7 +344,7 @@ bool takePictureOfBubble(bool isHovered, AppLanguage language, AppAppearance app
     AppEnvironment environment(preferences, system);
     environment.setAttribute(Qt::WA_TranslucentBackground);
     environment.setContent(view);
-    environment.resize(64, 64);
+    environment.resize(Metrics::launcherSize);
     environment.show();
     settle();
     const double width = view->disc().width();
