@@ -95,8 +95,7 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
 
 bool CaptureView::canSave() const
 {
-    // What is being composed becomes part of the text when it is saved.
-    return !m_store.isReadOnly() && (m_editor->isComposing() || !isBlank(m_store.draft()));
+    return !m_store.isReadOnly() && !m_editor->isBlank();
 }
 
 void CaptureView::save()

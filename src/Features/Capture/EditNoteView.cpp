@@ -13,7 +13,6 @@
 #include "QuietIconButton.h"
 #include "SaveKeys.h"
 #include "TextLabel.h"
-#include "UserText.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -78,8 +77,7 @@ EditNoteView::~EditNoteView()
 
 bool EditNoteView::canSave() const
 {
-    // What is being composed becomes part of the text when it is saved.
-    return !m_store.isReadOnly() && (m_editor->isComposing() || !isBlank(m_store.text(m_note)));
+    return !m_store.isReadOnly() && !m_editor->isBlank();
 }
 
 void EditNoteView::copy()

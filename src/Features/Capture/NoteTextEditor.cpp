@@ -6,6 +6,7 @@
 #include "SlimScrollBar.h"
 #include "TextStyle.h"
 #include "ThemedMenu.h"
+#include "UserText.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QClipboard>
@@ -163,6 +164,11 @@ void NoteTextEditor::commitComposition()
     event.setCommitString(m_preedit);
     QCoreApplication::sendEvent(this, &event);
     QGuiApplication::inputMethod()->reset();
+}
+
+bool NoteTextEditor::isBlank() const
+{
+    return !isComposing() && ::isBlank(m_text);
 }
 
 /// QTextDocument::toPlainText() would turn no-break spaces into spaces and U+2028 into LF.

@@ -33,6 +33,10 @@ public:
 
     [[nodiscard]] bool isComposing() const noexcept { return !m_preedit.isEmpty(); }
 
+    /// There is nothing to save: not in the text, nor in what is being composed, which becomes part
+    /// of it.
+    [[nodiscard]] bool isBlank() const;
+
 Q_SIGNALS:
     /// The user changed the text. What an input method still composes is not part of it.
     void textEdited(const QString &text);
