@@ -4,6 +4,7 @@
 #include "AppPreferences.h"
 #include "FocusRing.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "Symbol.h"
 #include "TextStyle.h"
 #include "ThemedMenu.h"
@@ -15,13 +16,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-ThemedMenu *makeMenu(QWidget *owner, const QString &name)
-{
-    auto *menu = new ThemedMenu(owner);
-    menu->setObjectName(name);
-    return menu;
-}
 
 /// One exclusive action per value, in their order. `choose` also hears of the value that is
 /// already chosen.
@@ -56,9 +50,9 @@ PreferencesMenu::PreferencesMenu(AppPreferences &preferences, NotesFolder notesF
     : QPushButton(parent)
     , m_preferences(preferences)
     , m_notesFolder(std::move(notesFolder))
-    , m_menu(makeMenu(this, u"preferencesMenuItems"_s))
-    , m_languages(makeMenu(m_menu, u"languageMenu"_s))
-    , m_appearances(makeMenu(m_menu, u"appearanceMenu"_s))
+    , m_menu(named(u"preferencesMenuItems"_s, new ThemedMenu(this)))
+    , m_languages(named(u"languageMenu"_s, new ThemedMenu(m_menu)))
+    , m_appearances(named(u"appearanceMenu"_s, new ThemedMenu(m_menu)))
     , m_divider(new QAction(this))
     , m_showFolder(new QAction(this))
 {

@@ -6,6 +6,7 @@
 #include "Dot.h"
 #include "Layouts.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "NotePrimaryButton.h"
 #include "NoteTextEditor.h"
 #include "SaveKeys.h"
@@ -24,20 +25,6 @@ namespace {
 /// How long the date on screen may be wrong after the clock was set or the machine slept.
 constexpr std::chrono::milliseconds longestDateWait = 1min;
 
-TextLabel *makeLabel(QWidget *parent, const TextStyle &style, const QString &name)
-{
-    auto *label = new TextLabel(style, parent);
-    label->setObjectName(name);
-    return label;
-}
-
-NotePrimaryButton *makeSaveButton(QWidget *parent)
-{
-    auto *button = new NotePrimaryButton(u"arrow.up.right"_s, parent);
-    button->setObjectName(u"saveNote"_s);
-    return button;
-}
-
 std::chrono::milliseconds untilTomorrow(Timestamp time)
 {
     const auto now =
@@ -53,19 +40,19 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
     , m_store(store)
     , m_preferences(preferences)
     , m_clock(std::move(clock))
-    , m_date(makeLabel(this, TextStyles::captureDate, u"captureDate"_s))
-    , m_title(makeLabel(this, TextStyles::screenTitle, u"captureTitle"_s))
-    , m_subtitle(makeLabel(this, TextStyles::subtitle, u"captureSubtitle"_s))
+    , m_date(named(u"captureDate"_s, new TextLabel(TextStyles::captureDate, this)))
+    , m_title(named(u"captureTitle"_s, new TextLabel(TextStyles::screenTitle, this)))
+    , m_subtitle(named(u"captureSubtitle"_s, new TextLabel(TextStyles::subtitle, this)))
     , m_editor(new NoteTextEditor(preferences,
                                   u"A sentence. A thought.\nGet it down before it goes."_s, this))
-    , m_statusSymbol(new SymbolView(u"checkmark.circle"_s, TextStyles::status, this))
-    , m_status(makeLabel(this, TextStyles::status, u"captureStatus"_s))
-    , m_count(makeLabel(this, TextStyles::status, u"characterCount"_s))
-    , m_hint(makeLabel(this, TextStyles::shortcutHint, u"saveHint"_s))
-    , m_save(makeSaveButton(this))
+    , m_statusSymbol(named(u"captureStatusSymbol"_s,
+                           new SymbolView(u"checkmark.circle"_s, TextStyles::status, this)))
+    , m_status(named(u"captureStatus"_s, new TextLabel(TextStyles::status, this)))
+    , m_count(named(u"characterCount"_s, new TextLabel(TextStyles::status, this)))
+    , m_hint(named(u"saveHint"_s, new TextLabel(TextStyles::shortcutHint, this)))
+    , m_save(named(u"saveNote"_s, new NotePrimaryButton(u"arrow.up.right"_s, this)))
     , m_saveKeys(new SaveKeys(this))
 {
-    m_statusSymbol->setObjectName(u"captureStatusSymbol"_s);
     m_midnight.setSingleShot(true);
 
     auto *dot = new Dot(Metrics::captureDot, Tone::accent, this);

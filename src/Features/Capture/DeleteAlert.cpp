@@ -7,6 +7,7 @@
 #include "GlassSurface.h"
 #include "Layouts.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "TextLabel.h"
 
 #include <QAccessible>
@@ -17,13 +18,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-AlertButton *makeButton(QWidget *parent, const TextStyle &style, const QString &name)
-{
-    auto *button = new AlertButton(style, parent);
-    button->setObjectName(name);
-    return button;
-}
 
 TextLabel *makeText(QWidget *parent, const TextStyle &style)
 {
@@ -42,8 +36,8 @@ DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
     , m_card(new QWidget(this))
     , m_title(makeText(m_card, TextStyles::alertTitle))
     , m_message(makeText(m_card, TextStyles::alertMessage))
-    , m_cancel(makeButton(m_card, TextStyles::alertCancel, u"cancelDelete"_s))
-    , m_delete(makeButton(m_card, TextStyles::alertDelete, u"confirmDelete"_s))
+    , m_cancel(named(u"cancelDelete"_s, new AlertButton(TextStyles::alertCancel, m_card)))
+    , m_delete(named(u"confirmDelete"_s, new AlertButton(TextStyles::alertDelete, m_card)))
 {
     setObjectName(u"deleteAlert"_s);
     setAccessibleRole(this, QAccessible::AlertMessage);

@@ -6,6 +6,7 @@
 #include "DeleteAlert.h"
 #include "Layouts.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "NotePrimaryButton.h"
 #include "NoteStore.h"
 #include "NoteTextEditor.h"
@@ -18,17 +19,6 @@
 #include <QGuiApplication>
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-template <typename Widget>
-Widget *named(const QString &name, Widget *widget)
-{
-    widget->setObjectName(name);
-    return widget;
-}
-
-} // namespace
 
 EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, Note note,
                            QWidget *parent)

@@ -4,6 +4,7 @@
 #include "AppPreferences.h"
 #include "Layouts.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "NoteListModel.h"
 #include "NoteListView.h"
 #include "NoteStore.h"
@@ -20,16 +21,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-TextLabel *makeLabel(QWidget *parent, const TextStyle &style, const QString &name)
-{
-    auto *label = new TextLabel(style, parent);
-    label->setObjectName(name);
-    return label;
-}
-
 TextLabel *makeCentredLabel(QWidget *parent, const TextStyle &style, const QString &name)
 {
-    TextLabel *const label = makeLabel(parent, style, name);
+    TextLabel *const label = named(name, new TextLabel(style, parent));
     label->setAlignment(Qt::AlignCenter);
     return label;
 }
@@ -41,20 +35,6 @@ int baselineHeight(const TextLabel &label)
     return (TextLine::size(metrics, {}).height() - metrics.capHeight()) / 2;
 }
 
-PlainTextField *makeSearchField(QWidget *parent)
-{
-    auto *field = new PlainTextField(TextStyles::search, parent);
-    field->setObjectName(u"searchNotes"_s);
-    return field;
-}
-
-PlainButton *makeClearButton(QWidget *parent)
-{
-    auto *button = new PlainButton(TextStyles::clearSearch, u"xmark.circle.fill"_s, parent);
-    button->setObjectName(u"clearSearch"_s);
-    return button;
-}
-
 } // namespace
 
 NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &preferences,
@@ -62,20 +42,19 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     : QWidget(parent)
     , m_store(store)
     , m_preferences(preferences)
-    , m_title(makeLabel(this, TextStyles::screenTitle, u"libraryTitle"_s))
-    , m_count(makeLabel(this, TextStyles::noteCount, u"libraryCount"_s))
-    , m_search(makeSearchField(this))
-    , m_clear(makeClearButton(this))
+    , m_title(named(u"libraryTitle"_s, new TextLabel(TextStyles::screenTitle, this)))
+    , m_count(named(u"libraryCount"_s, new TextLabel(TextStyles::noteCount, this)))
+    , m_search(named(u"searchNotes"_s, new PlainTextField(TextStyles::search, this)))
+    , m_clear(named(u"clearSearch"_s,
+                    new PlainButton(TextStyles::clearSearch, u"xmark.circle.fill"_s, this)))
     , m_model(new NoteListModel(store, preferences, this))
-    , m_list(new NoteListView(m_model, this))
-    , m_empty(new QWidget(this))
-    , m_emptySymbol(new SymbolView(u"sparkle"_s, TextStyles::emptySymbol, m_empty))
+    , m_list(named(u"noteList"_s, new NoteListView(m_model, this)))
+    , m_empty(named(u"emptyState"_s, new QWidget(this)))
+    , m_emptySymbol(
+          named(u"emptySymbol"_s, new SymbolView(u"sparkle"_s, TextStyles::emptySymbol, m_empty)))
     , m_emptyHeading(makeCentredLabel(m_empty, TextStyles::emptyHeading, u"emptyHeading"_s))
     , m_emptyHint(makeCentredLabel(m_empty, TextStyles::emptyHint, u"emptyHint"_s))
 {
-    m_list->setObjectName(u"noteList"_s);
-    m_empty->setObjectName(u"emptyState"_s);
-    m_emptySymbol->setObjectName(u"emptySymbol"_s);
     m_search->installEventFilter(this);
     setFocusProxy(m_search);
 

@@ -4,6 +4,7 @@
 #include "AccessibleRole.h"
 #include "Layouts.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "PlainButton.h"
 #include "SymbolView.h"
 #include "TextLabel.h"
@@ -15,13 +16,11 @@ using namespace Qt::Literals::StringLiterals;
 
 ErrorBanner::ErrorBanner(QWidget *parent)
     : QWidget(parent)
-    , m_message(new TextLabel(TextStyles::banner, this))
-    , m_retry(new PlainButton(TextStyles::bannerAction, {}, this))
+    , m_message(named(u"errorMessage"_s, new TextLabel(TextStyles::banner, this)))
+    , m_retry(named(u"retry"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
 {
     setObjectName(u"errorBanner"_s);
-    m_message->setObjectName(u"errorMessage"_s);
     m_message->setWraps(true);
-    m_retry->setObjectName(u"retry"_s);
     setAccessibleRole(this, QAccessible::AlertMessage);
 
     auto *frame = new TintedFrame(Tone::failure, Metrics::bannerFill, Metrics::bannerRadius, this);

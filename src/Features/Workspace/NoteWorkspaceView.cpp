@@ -9,6 +9,7 @@
 #include "ErrorBanner.h"
 #include "Layouts.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "NoteLibraryView.h"
 #include "NoteStore.h"
 #include "PlainButton.h"
@@ -23,42 +24,18 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-PlainButton *makeTab(WorkspaceTab tab, QWidget *parent)
-{
-    auto *button = PlainButton::makeTab(parent);
-    button->setObjectName(identifier(tab));
-    return button;
-}
-
-TextLabel *makeFooterText(QWidget *parent, const QString &name)
-{
-    auto *label = new TextLabel(TextStyles::footer, parent);
-    label->setObjectName(name);
-    return label;
-}
-
-QuietIconButton *makeCollapseButton(QWidget *parent)
-{
-    auto *button = new QuietIconButton(u"minus"_s, parent);
-    button->setObjectName(u"collapse"_s);
-    return button;
-}
-
-} // namespace
-
 NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferences, QWidget *parent)
     : GlassSurface(parent)
     , m_store(store)
     , m_preferences(preferences)
-    , m_tabs{makeTab(WorkspaceTab::capture, this), makeTab(WorkspaceTab::library, this)}
-    , m_collapse(makeCollapseButton(this))
+    , m_tabs{named(u"captureTab"_s, PlainButton::makeTab(this)),
+             named(u"libraryTab"_s, PlainButton::makeTab(this))}
+    , m_collapse(named(u"collapse"_s, new QuietIconButton(u"minus"_s, this)))
     , m_banner(new ErrorBanner(this))
     , m_content(new QWidget(this))
-    , m_storage(makeFooterText(this, u"storage"_s))
-    , m_count(makeFooterText(this, u"noteCount"_s))
-    , m_tagline(makeFooterText(this, u"tagline"_s))
+    , m_storage(named(u"storage"_s, new TextLabel(TextStyles::footer, this)))
+    , m_count(named(u"noteCount"_s, new TextLabel(TextStyles::footer, this)))
+    , m_tagline(named(u"tagline"_s, new TextLabel(TextStyles::footer, this)))
 {
     setObjectName(u"noteWorkspace"_s);
     setFixedSize(Metrics::panelSize);
