@@ -24,6 +24,16 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+/// Before translation.
+QString titleOf(WorkspaceTab tab)
+{
+    return tab == WorkspaceTab::capture ? u"Capture"_s : u"Notes"_s;
+}
+
+} // namespace
+
 NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferences, QWidget *parent)
     : GlassSurface(parent)
     , m_store(store)
@@ -158,7 +168,7 @@ void NoteWorkspaceView::render()
 {
     for (const WorkspaceTab tab : allWorkspaceTabs) {
         PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
-        button->setText(m_preferences.text(rawValue(tab)));
+        button->setText(m_preferences.text(titleOf(tab)));
         button->setChecked(tab == m_tab);
     }
     m_collapse->setLabel(m_preferences.text(u"Close · Esc"_s));
