@@ -11,7 +11,7 @@ class QPainter;
 /// The program's symbols, one drawing per name ("plus", "square.and.pencil"), in one grid and one
 /// stroke, coloured where they are used.
 ///
-/// The drawings are the files of resources/symbols. The build copies their path data into the
+/// The drawings are the files of resources/symbols. The build compiles their paths into the
 /// program: rendering them as SVG documents at run time would cost the launcher, which is on the
 /// screen all day, a third of a megabyte for one plus sign.
 namespace Symbol {

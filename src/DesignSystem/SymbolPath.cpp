@@ -1,128 +1,61 @@
 // SPDX-License-Identifier: MIT
 #include "SymbolPath.h"
 
-#include <charconv>
 #include <cmath>
 
 namespace {
 
-class PathReader {
-public:
-    PathReader(std::string_view data, const std::function<double(double)> &place)
-        : m_rest(data)
-        , m_place(place)
-    {
-    }
+using Place = std::function<double(double)>;
 
-    QPainterPath read()
-    {
-        for (char command = nextCommand(); command != 0; command = nextCommand())
-            append(command);
-        return m_path;
-    }
+QPointF placed(QPointF node, const Place &place)
+{
+    return {place(node.x()), place(node.y())};
+}
 
-private:
-    void append(char command)
-    {
-        switch (command) {
-        case 'M':
-            m_node = readPoint();
-            m_path.moveTo(placed(m_node));
-            break;
-        case 'L':
-            lineTo(readPoint());
-            break;
-        case 'H':
-            lineTo({readNumber(), m_node.y()});
-            break;
-        case 'V':
-            lineTo({m_node.x(), readNumber()});
-            break;
-        case 'C': {
-            const QPointF first = readPoint();
-            const QPointF second = readPoint();
-            const QPointF end = readPoint();
-            m_path.cubicTo(handle(first, end, m_node), handle(second, end, end), placed(end));
-            m_node = end;
-            break;
-        }
-        case 'Z':
-            m_path.closeSubpath();
-            break;
-        default:
-            Q_UNREACHABLE();
-        }
-    }
+double between(double handle, double from, double to, double itsNode, const Place &place)
+{
+    constexpr double tooShort = 1e-6;
+    const double origin = place(0);
+    const double scale = (place(24) - origin) / 24;
+    if (std::abs(to - from) < tooShort)
+        return place(itsNode) + (handle - itsNode) * scale;
+    return place(from) + (handle - from) / (to - from) * (place(to) - place(from));
+}
 
-    void lineTo(QPointF end)
-    {
-        m_node = end;
-        m_path.lineTo(placed(end));
-    }
-
-    [[nodiscard]] QPointF placed(QPointF node) const
-    {
-        return {m_place(node.x()), m_place(node.y())};
-    }
-
-    /// Where a handle goes when the curve from m_node to `end` is stretched between its placed
-    /// nodes; with no length to stretch on an axis it moves with the node that it belongs to.
-    [[nodiscard]] QPointF handle(QPointF handle, QPointF end, QPointF itsNode) const
-    {
-        return {between(handle.x(), m_node.x(), end.x(), itsNode.x()),
-                between(handle.y(), m_node.y(), end.y(), itsNode.y())};
-    }
-
-    [[nodiscard]] double between(double handle, double from, double to, double itsNode) const
-    {
-        constexpr double tooShort = 1e-6;
-        const double origin = m_place(0);
-        const double scale = (m_place(24) - origin) / 24;
-        if (std::abs(to - from) < tooShort)
-            return m_place(itsNode) + (handle - itsNode) * scale;
-        return m_place(from) + (handle - from) / (to - from) * (m_place(to) - m_place(from));
-    }
-
-    void skipSpaces()
-    {
-        while (!m_rest.empty() && m_rest.front() == ' ')
-            m_rest.remove_prefix(1);
-    }
-
-    char nextCommand()
-    {
-        skipSpaces();
-        if (m_rest.empty())
-            return 0;
-        const char command = m_rest.front();
-        m_rest.remove_prefix(1);
-        return command;
-    }
-
-    double readNumber()
-    {
-        skipSpaces();
-        double number = 0;
-        const auto result = std::from_chars(m_rest.data(), m_rest.data() + m_rest.size(), number);
-        m_rest.remove_prefix(static_cast<std::size_t>(result.ptr - m_rest.data()));
-        return number;
-    }
-
-    QPointF readPoint()
-    {
-        const double x = readNumber();
-        return {x, readNumber()};
-    }
-
-    std::string_view m_rest;
-    const std::function<double(double)> &m_place;
-    QPainterPath m_path;
-    QPointF m_node;
-};
+/// Where a handle goes when the curve between two nodes is stretched between their places; with no
+/// length to stretch on an axis it moves with the node that it belongs to.
+QPointF placedHandle(QPointF handle, QPointF from, QPointF to, QPointF itsNode, const Place &place)
+{
+    return {between(handle.x(), from.x(), to.x(), itsNode.x(), place),
+            between(handle.y(), from.y(), to.y(), itsNode.y(), place)};
+}
 
 } // namespace
 
-QPainterPath symbolPath(std::string_view data, const std::function<double(double)> &place)
+QPainterPath symbolPath(std::span<const QPainterPath::Element> elements, const Place &place)
 {
-    return PathReader(data, place).read();
+    QPainterPath path;
+    QPointF from;
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        switch (elements[i].type) {
+        case QPainterPath::MoveToElement:
+            path.moveTo(placed(elements[i], place));
+            break;
+        case QPainterPath::LineToElement:
+            path.lineTo(placed(elements[i], place));
+            break;
+        case QPainterPath::CurveToElement: {
+            const QPointF first = elements[i];
+            const QPointF second = elements[++i];
+            const QPointF to = elements[++i];
+            path.cubicTo(placedHandle(first, from, to, from, place),
+                         placedHandle(second, from, to, to, place), placed(to, place));
+            break;
+        }
+        case QPainterPath::CurveToDataElement: // Read with their curve.
+            Q_UNREACHABLE();
+        }
+        from = elements[i];
+    }
+    return path;
 }

@@ -3,12 +3,12 @@
 
 #include <QPainterPath>
 #include <functional>
-#include <string_view>
+#include <span>
 
-/// Makes a path of SVG path data with the absolute commands M, L, H, V, C and Z.
+/// The path with these elements in other places.
 ///
-/// The nodes, which are the points that the commands end in, go through `place` for each axis: to
-/// scale them, and to move them where strokes are crisp. Handles follow the nodes between which
+/// The nodes, which are the points that lines and curves end in, go through `place` for each axis:
+/// to scale them, and to move them where strokes are crisp. Handles follow the nodes between which
 /// they lie. Both axes are placed alike.
-[[nodiscard]] QPainterPath symbolPath(std::string_view data,
+[[nodiscard]] QPainterPath symbolPath(std::span<const QPainterPath::Element> elements,
                                       const std::function<double(double)> &place);
