@@ -14,5 +14,6 @@ Divider::Divider(QWidget *parent)
 
 void Divider::paintEvent(QPaintEvent *)
 {
-    QPainter(this).fillRect(rect(), NoteTheme::primary(palette(), Metrics::dividerOpacity));
+    QPainter(this).fillRect(rect(),
+                            NoteTheme::color(palette(), Tone::primary, Metrics::dividerOpacity));
 }

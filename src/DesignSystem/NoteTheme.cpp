@@ -118,9 +118,9 @@ QColor NoteTheme::color(const QPalette &palette, Tone tone)
     return palette.color(role(tone));
 }
 
-QColor NoteTheme::primary(const QPalette &palette, double opacity)
+QColor NoteTheme::color(const QPalette &palette, Tone tone, double opacity)
 {
-    QColor color = NoteTheme::color(palette, Tone::primary);
+    QColor color = NoteTheme::color(palette, tone);
     color.setAlphaF(static_cast<float>(opacity));
     return color;
 }

@@ -38,8 +38,8 @@ namespace NoteTheme {
 [[nodiscard]] QPalette::ColorRole role(Tone tone);
 [[nodiscard]] QColor color(const QPalette &palette, Tone tone);
 
-/// The primary style at an opacity from 0 to 1, for fills and lines.
-[[nodiscard]] QColor primary(const QPalette &palette, double opacity);
+/// The tone at an opacity from 0 to 1, for fills and lines.
+[[nodiscard]] QColor color(const QPalette &palette, Tone tone, double opacity);
 
 /// The system's interface font at a pixel size. Chinese characters that it lacks are drawn as they
 /// are written in the locale: on a system that does not speak Chinese the first font at hand would

@@ -43,7 +43,7 @@ void PlainButton::paintEvent(QPaintEvent *)
     const double radius = height() / 2.0;
     if (isChecked()) {
         painter.setPen(Qt::NoPen);
-        painter.setBrush(NoteTheme::primary(palette(), Metrics::tabFill));
+        painter.setBrush(NoteTheme::color(palette(), Tone::primary, Metrics::tabFill));
         painter.drawRoundedRect(rect(), radius, radius);
     }
 

@@ -74,8 +74,9 @@ public:
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(Qt::NoPen);
-        painter->setBrush(NoteTheme::primary(bar->palette, isHeld ? Metrics::scrollThumbHeldOpacity
-                                                                  : Metrics::scrollThumbOpacity));
+        painter->setBrush(NoteTheme::color(bar->palette, Tone::primary,
+                                           isHeld ? Metrics::scrollThumbHeldOpacity
+                                                  : Metrics::scrollThumbOpacity));
         painter->drawRoundedRect(thumb, thumb.width() / 2, thumb.width() / 2);
         painter->restore();
     }

@@ -23,8 +23,6 @@ void TintedFrame::paint(QPainter &painter, const QRectF &rect, const QColor &fil
 
 void TintedFrame::paintEvent(QPaintEvent *)
 {
-    QColor fill = NoteTheme::color(palette(), m_tone);
-    fill.setAlphaF(static_cast<float>(m_opacity));
     QPainter painter(this);
-    paint(painter, rect(), fill, m_radius);
+    paint(painter, rect(), NoteTheme::color(palette(), m_tone, m_opacity), m_radius);
 }

@@ -43,12 +43,6 @@ QList<QColor> wallpapers()
     return colors;
 }
 
-QColor withOpacity(QColor color, double opacity)
-{
-    color.setAlphaF(static_cast<float>(opacity));
-    return color;
-}
-
 } // namespace
 
 void NoteThemeTest::hasOneAccentColor()
@@ -91,8 +85,9 @@ void NoteThemeTest::keepsTextReadableOverEveryWallpaper()
     for (const QColor &wallpaper : wallpapers()) {
         const QColor surface = Pixels::over(GlassSurface::fill(scheme, isOpaque), wallpaper);
         const QColor row =
-            Pixels::over(NoteTheme::primary(palette, Metrics::rowHoverFill), surface);
-        const QColor banner = Pixels::over(withOpacity(failure, Metrics::bannerFill), surface);
+            Pixels::over(NoteTheme::color(palette, Tone::primary, Metrics::rowHoverFill), surface);
+        const QColor banner =
+            Pixels::over(NoteTheme::color(palette, Tone::failure, Metrics::bannerFill), surface);
 
         for (const QColor &ground : {surface, row}) {
             QVERIFY(Pixels::contrast(primary, ground) >= textContrast);

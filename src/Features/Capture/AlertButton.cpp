@@ -23,17 +23,15 @@ void AlertButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
 
-    const QColor color = NoteTheme::color(palette(), textStyle().tone);
-    QColor fill = color;
-    fill.setAlphaF(
-        static_cast<float>(isDown() ? Metrics::alertButtonPressedFill : Metrics::alertButtonFill));
     const QRectF capsule(rect());
     const double radius = capsule.height() / 2;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(fill);
+    painter.setBrush(
+        NoteTheme::color(palette(), textStyle().tone,
+                         isDown() ? Metrics::alertButtonPressedFill : Metrics::alertButtonFill));
     painter.drawRoundedRect(capsule, radius, radius);
 
-    painter.setPen(color);
+    painter.setPen(NoteTheme::color(palette(), textStyle().tone));
     TextLine::paint(painter, capsule, text(), Qt::AlignHCenter);
     FocusRing::paint(painter, this, capsule, radius);
 }

@@ -120,7 +120,7 @@ void DeleteAlert::paintEvent(QPaintEvent *)
     painter.setBrush(dim);
     painter.drawPath(GlassSurface::outline(rect()));
 
-    painter.setPen(NoteTheme::primary(palette(), Metrics::alertBorder));
+    painter.setPen(NoteTheme::color(palette(), Tone::primary, Metrics::alertBorder));
     painter.setBrush(palette().window());
     painter.drawPath(GlassSurface::outline(m_card->geometry(), Metrics::alertRadius));
 }

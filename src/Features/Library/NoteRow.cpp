@@ -69,10 +69,10 @@ void NoteRow::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const QRect row = surface(option.rect);
     const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
     painter->save();
-    TintedFrame::paint(
-        *painter, row,
-        NoteTheme::primary(option.palette, isHovered ? Metrics::rowHoverFill : Metrics::rowFill),
-        Metrics::rowRadius);
+    TintedFrame::paint(*painter, row,
+                       NoteTheme::color(option.palette, Tone::primary,
+                                        isHovered ? Metrics::rowHoverFill : Metrics::rowFill),
+                       Metrics::rowRadius);
 
     QRect rest = row.marginsRemoved(Metrics::rowPadding);
     drawText(*painter, option, takeLine(rest, TextStyles::rowTitle, option.locale),
