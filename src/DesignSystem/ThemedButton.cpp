@@ -2,20 +2,10 @@
 #include "ThemedButton.h"
 
 #include "FocusRing.h"
+#include "Keys.h"
 
 #include <QEvent>
 #include <QKeyEvent>
-
-namespace {
-
-/// Return with Control or Super belongs to the screen, which saves with it.
-bool isPlainReturn(const QKeyEvent &event)
-{
-    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-    return isReturn && !(event.modifiers() & ~Qt::KeypadModifier);
-}
-
-} // namespace
 
 ThemedButton::ThemedButton(const TextStyle &style, QWidget *parent)
     : QAbstractButton(parent)
@@ -38,7 +28,8 @@ void ThemedButton::changeEvent(QEvent *event)
 
 void ThemedButton::keyPressEvent(QKeyEvent *event)
 {
-    if (!isPlainReturn(*event))
+    // Return with Control or Super belongs to the screen, which saves with it.
+    if (!Keys::isReturn(*event) || Keys::modifiers(*event))
         QAbstractButton::keyPressEvent(event);
     else if (!event->isAutoRepeat())
         click();

@@ -3,6 +3,7 @@
 
 #include "AppPreferences.h"
 #include "FocusRing.h"
+#include "Keys.h"
 #include "Metrics.h"
 #include "Named.h"
 #include "Symbol.h"
@@ -108,9 +109,8 @@ void PreferencesMenu::render()
 void PreferencesMenu::keyPressEvent(QKeyEvent *event)
 {
     // Space opens the menu by itself; with Ctrl or Super the Return key saves the note.
-    const bool isPlain = !(event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier));
-    if (isPlain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
-                    event->key() == Qt::Key_Down))
+    const bool isPlain = !Keys::modifiers(*event);
+    if (isPlain && (Keys::isReturn(*event) || event->key() == Qt::Key_Down))
         showMenu();
     else
         QPushButton::keyPressEvent(event);

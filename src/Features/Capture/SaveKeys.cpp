@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "SaveKeys.h"
 
+#include "Keys.h"
+
 #include <QKeyEvent>
 #include <QWidget>
 
@@ -8,8 +10,8 @@ namespace {
 
 bool isSaveKey(const QKeyEvent &event)
 {
-    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
-    return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
+    const Qt::KeyboardModifiers modifiers = Keys::modifiers(event);
+    return Keys::isReturn(event) &&
            (modifiers == Qt::ControlModifier || modifiers == Qt::MetaModifier);
 }
 

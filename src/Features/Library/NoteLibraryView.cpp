@@ -2,6 +2,7 @@
 #include "NoteLibraryView.h"
 
 #include "AppPreferences.h"
+#include "Keys.h"
 #include "Layouts.h"
 #include "Metrics.h"
 #include "Named.h"
@@ -119,7 +120,7 @@ bool NoteLibraryView::eventFilter(QObject *watched, QEvent *event)
 
 bool NoteLibraryView::takeSearchKey(const QKeyEvent &event)
 {
-    if (event.key() == Qt::Key_Down && !(event.modifiers() & ~Qt::KeypadModifier)) {
+    if (event.key() == Qt::Key_Down && !Keys::modifiers(event)) {
         enterList();
         return true;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NoteListView.h"
 
+#include "Keys.h"
 #include "Metrics.h"
 #include "NoteListAccessible.h"
 #include "NoteListModel.h"
@@ -77,7 +78,7 @@ void NoteListView::focusInEvent(QFocusEvent *event)
 
 void NoteListView::keyPressEvent(QKeyEvent *event)
 {
-    const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier);
+    const bool isPlain = !Keys::modifiers(*event);
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
