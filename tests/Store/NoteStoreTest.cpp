@@ -4,9 +4,9 @@
 #include "FailingRepository.h"
 #include "FileError.h"
 #include "NoteId.h"
+#include "PassingTime.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -15,6 +15,7 @@
 #include <stdexcept>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 class NoteStoreTest : public QObject {
     Q_OBJECT
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void hasAFolderOnlyOnceItExistsOnDisk();
 
     void turnsTheTrimmedCaptureIntoANoteAtTheFront();
+    void createsANoteInOneMoment();
     void savesNoBlankCapture();
     void keepsTheCaptureWhenItsWriteFails();
     void namesTheStateOfTheSaving();
@@ -42,18 +44,23 @@ private Q_SLOTS:
     void savesNoEditOfADeletedNote();
     void savesNoBlankEditButKeepsItsDraft();
     void deletesTheNoteWithItsDraft();
+    void deletesEveryNoteOfTheIdentifier();
     void writesEvenWhenTheNoteToDeleteIsUnknown();
     void keepsTheNoteWhenItsDeletionFails();
 
     void writesOnceAfterABurstOfTyping();
+    void waitsAnewAfterAnEqualText_data();
+    void waitsAnewAfterAnEqualText();
     void writesNothingMoreAfterACommit_data();
     void writesNothingMoreAfterACommit();
     void describesAnUnknownFailureAsItStands();
     void keepsWhatIsTypedWithoutAPause();
+    void keepsAgainOnlyAfterAnotherWhile();
     void keepsNothingThatIsSavedSoon();
     void staysPendingWhenTheDelayedWriteFails();
     void keepsADraftExactlyAsTyped();
     void tellsOfChangesOnly();
+    void tellsOfAnEditThatChanges();
     void canBeDestroyedWhileADraftWaits();
 
     void showsTheLastUpdatedNoteFirst();
@@ -257,6 +264,18 @@ void NoteStoreTest::turnsTheTrimmedCaptureIntoANoteAtTheFront()
     QCOMPARE(fixture.repository.stored(), saved);
 }
 
+void NoteStoreTest::createsANoteInOneMoment()
+{
+    double moments = 0;
+    NoteStore store(std::make_unique<FailingRepository>(), [&] { return Timestamp{++moments}; });
+    store.setDraft(u"milk"_s);
+
+    QVERIFY(store.saveCapture());
+
+    QCOMPARE(store.notes().first().createdAt, Timestamp{1});
+    QCOMPARE(store.notes().first().updatedAt, Timestamp{1});
+}
+
 void NoteStoreTest::savesNoBlankCapture()
 {
     Fixture fixture;
@@ -404,6 +423,17 @@ void NoteStoreTest::deletesTheNoteWithItsDraft()
     QCOMPARE(fixture.repository.stored(), fixture.store.snapshot());
 }
 
+void NoteStoreTest::deletesEveryNoteOfTheIdentifier()
+{
+    const Note note = noteOf(u"milk"_s);
+    const Note other = noteOf(u"bread"_s);
+    Fixture fixture(snapshotOf({note, other, note}));
+
+    QVERIFY(fixture.store.deleteNote(note));
+
+    QCOMPARE(fixture.store.snapshot().notes, QList<Note>{other});
+}
+
 void NoteStoreTest::writesEvenWhenTheNoteToDeleteIsUnknown()
 {
     const NoteSnapshot snapshot = snapshotOf({noteOf(u"milk"_s)});
@@ -432,27 +462,49 @@ void NoteStoreTest::keepsTheNoteWhenItsDeletionFails()
 void NoteStoreTest::writesOnceAfterABurstOfTyping()
 {
     Fixture fixture;
-    QElapsedTimer sinceLastEdit;
     QTimer typist;
     QString text;
-    connect(&typist, &QTimer::timeout, &fixture.store, [&] {
-        fixture.store.setDraft(text += u'x');
-        sinceLastEdit.start();
-        if (text.size() == 10)
-            typist.stop();
-    });
-    typist.start(std::chrono::milliseconds(100));
+    connect(&typist, &QTimer::timeout, &fixture.store,
+            [&] { fixture.store.setDraft(text += u'x'); });
+    typist.setTimerType(Qt::PreciseTimer);
+    typist.start(NoteStore::saveDelay / 2);
 
-    QTRY_COMPARE(text.size(), qsizetype(10));
+    while (text.size() < 10)
+        PassingTime::pass(1s);
+    typist.stop();
+
+    QCOMPARE(NoteStore::saveDelay, 350ms);
     QCOMPARE(fixture.repository.saves(), 0);
-    QSignalSpy pending(&fixture.store, &NoteStore::hasPendingChangesChanged);
-    QVERIFY(pending.wait());
-
-    QCOMPARE(NoteStore::saveDelay, std::chrono::milliseconds(350));
-    QVERIFY(sinceLastEdit.elapsed() >= 350);
+    PassingTime::pass(1s);
     QCOMPARE(fixture.repository.saves(), 1);
     QCOMPARE(fixture.repository.stored().captureDraft, text);
     QVERIFY(!fixture.store.hasPendingChanges());
+}
+
+void NoteStoreTest::waitsAnewAfterAnEqualText_data()
+{
+    using Typing = std::function<void(NoteStore &)>;
+    QTest::addColumn<Typing>("type");
+
+    QTest::newRow("capture") << Typing([](NoteStore &store) { store.setDraft(u"milk"_s); });
+    QTest::newRow("edit") << Typing(
+        [](NoteStore &store) { store.updateDraft(store.snapshot().notes.first(), u"milk"_s); });
+}
+
+void NoteStoreTest::waitsAnewAfterAnEqualText()
+{
+    QFETCH(std::function<void(NoteStore &)>, type);
+    Fixture fixture(snapshotOf({noteOf(u"tea"_s)}));
+    // Due before the write of the first text.
+    QTimer::singleShot(NoteStore::saveDelay / 2, Qt::PreciseTimer, &fixture.store,
+                       [&] { type(fixture.store); });
+    type(fixture.store);
+
+    PassingTime::pass(1s);
+    QCOMPARE(fixture.repository.saves(), 0);
+
+    PassingTime::pass(1s);
+    QCOMPARE(fixture.repository.saves(), 1);
 }
 
 void NoteStoreTest::writesNothingMoreAfterACommit_data()
@@ -486,12 +538,9 @@ void NoteStoreTest::writesNothingMoreAfterACommit()
     QCOMPARE(fixture.repository.saves(), 1);
     fixture.repository.recover();
 
-    // A later draft is written by its own timer, so the earlier one would have been written first.
-    QTimer::singleShot(NoteStore::saveDelay / 2, &fixture.store,
-                       [&fixture] { fixture.store.setDraft(u"bread"_s); });
+    PassingTime::pass(1s);
 
-    QTRY_COMPARE(fixture.repository.stored().captureDraft, u"bread"_s);
-    QCOMPARE(fixture.repository.saves(), 2);
+    QCOMPARE(fixture.repository.saves(), 1);
 }
 
 void NoteStoreTest::describesAnUnknownFailureAsItStands()
@@ -528,12 +577,29 @@ void NoteStoreTest::keepsWhatIsTypedWithoutAPause()
     QVERIFY(NoteStore::keepInterval < NoteStore::saveDelay);
 }
 
+void NoteStoreTest::keepsAgainOnlyAfterAnotherWhile()
+{
+    Fixture fixture;
+    fixture.store.setDraft(u"m"_s);
+    // A save that fails leaves the text to be kept.
+    fixture.repository.failWith(noSpace);
+    PassingTime::pass(1s);
+    fixture.repository.recover();
+    fixture.store.setDraft(u"mi"_s);
+    QCOMPARE(fixture.repository.kept().size(), qsizetype(1));
+
+    fixture.store.setDraft(u"mil"_s);
+
+    QCOMPARE(fixture.repository.kept().size(), qsizetype(1));
+    QCOMPARE(fixture.repository.kept().first().captureDraft, u"mi"_s);
+}
+
 void NoteStoreTest::keepsNothingThatIsSavedSoon()
 {
     Fixture fixture;
     for (int i = 0; i < 2; ++i) {
         fixture.store.setDraft(u"milk"_s.repeated(i + 1));
-        QTRY_VERIFY(!fixture.store.hasPendingChanges());
+        PassingTime::pass(1s);
     }
 
     QCOMPARE(fixture.repository.saves(), 2);
@@ -603,6 +669,22 @@ void NoteStoreTest::tellsOfChangesOnly()
     QCOMPARE(snapshot.count(), 1);
 
     QVERIFY(fixture.store.saveCapture());
+    QCOMPARE(snapshot.count(), 2);
+}
+
+void NoteStoreTest::tellsOfAnEditThatChanges()
+{
+    const Note note = noteOf(u"milk"_s);
+    Fixture fixture(snapshotOf({note}));
+    const QSignalSpy snapshot(&fixture.store, &NoteStore::snapshotChanged);
+
+    fixture.store.updateDraft(note, QString());
+    QCOMPARE(snapshot.count(), 1);
+    fixture.store.updateDraft(note, QString());
+    QCOMPARE(snapshot.count(), 1);
+    fixture.store.updateDraft(note, u"milk"_s);
+    QCOMPARE(snapshot.count(), 2);
+    fixture.store.updateDraft(note, u"milk"_s);
     QCOMPARE(snapshot.count(), 2);
 }
 
