@@ -82,6 +82,7 @@ private Q_SLOTS:
 
     void migratesEveryPartOfTheOlderFile();
     void migratesTheOlderFileOnce();
+    void seesAChangeFromOutsideAfterAMigration();
     void leavesAnOlderFileOfAnotherVersionAlone();
     void leavesAnOlderFileThatItCannotReadAlone();
     void leavesAnOlderFileWithBadNotesAlone();
@@ -106,6 +107,7 @@ private Q_SLOTS:
     void overlooksFilesOfOtherKindsFromOutside();
     void refusesWhileThereIsARecoveryCopy();
     void staysUnloadedWhenLoadingFails();
+    void remembersWhatItKnewWhenLoadingAgainFails();
 };
 
 void LocalNoteRepositoryTest::namesTheFolderOfTheNotesBeforeItExists()
@@ -393,6 +395,20 @@ void LocalNoteRepositoryTest::migratesTheOlderFileOnce()
     QCOMPARE(bodies(repository.load()), (QStringList{u"one"_s, u"two"_s}));
     repository.save(withCapture(u"works"_s));
     QCOMPARE(data.read("notes.json"), "no longer looked at");
+}
+
+void LocalNoteRepositoryTest::seesAChangeFromOutsideAfterAMigration()
+{
+    const DataFolder data;
+    data.write("notes.json", legacyFile("1"));
+    LocalNoteRepository repository(data.fileURL());
+    NoteSnapshot snapshot = repository.load();
+    data.write("Markdown/Drafts/capture.md", "theirs");
+
+    snapshot.captureDraft = u"ours"_s;
+
+    QCOMPARE(refusal([&] { repository.save(snapshot); }), RepositoryError::externalChange());
+    QCOMPARE(data.read("Markdown/Drafts/capture.md"), "theirs");
 }
 
 void LocalNoteRepositoryTest::leavesAnOlderFileOfAnotherVersionAlone()
@@ -737,6 +753,30 @@ void LocalNoteRepositoryTest::staysUnloadedWhenLoadingFails()
              RepositoryError::invalidMarkdown());
 
     QCOMPARE(data.read("Markdown/Drafts/capture.md"), "theirs");
+}
+
+void LocalNoteRepositoryTest::remembersWhatItKnewWhenLoadingAgainFails()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    const NoteSnapshot snapshot = snapshotOf({numberedNote(1, u"a"_s), numberedNote(2, u"b"_s)});
+    repository.save(snapshot);
+    const std::string second = noteFile(numberedId(2));
+    const QByteArray remembered = data.read(second);
+    data.write(second, "no note");
+    QCOMPARE(refusal([&] { static_cast<void>(repository.load()); }),
+             RepositoryError::invalidMarkdown());
+
+    // Another content is a change, though it could be read.
+    data.write(second, noteBytes(numberedNote(2, u"theirs"_s)));
+    NoteSnapshot next = snapshot;
+    next.notes[0].body = u"new"_s;
+    QCOMPARE(refusal([&] { repository.save(next); }), RepositoryError::externalChange());
+
+    data.write(second, remembered);
+    repository.save(next);
+
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), next);
 }
 
 QTEST_GUILESS_MAIN(LocalNoteRepositoryTest)

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void savesWithoutLinks();
     void seesAChangeFromOutsideWithoutLinks();
     void refusesAPipeThatItCannotLink();
+    void givesNoRightsToAnotherGroup();
     void savesWithoutAnExchange_data();
     void savesWithoutAnExchange();
     void makesTheFirstFolderWithoutFlagsOfRenames();
@@ -189,6 +190,28 @@ void RefusedCallTest::refusesAPipeThatItCannotLink()
     QCOMPARE(save(data, {refused(SYS_linkat, EPERM)}, newNotes()), int(failedOtherwise));
 
     QCOMPARE(data.content(), before);
+}
+
+void RefusedCallTest::givesNoRightsToAnotherGroup()
+{
+    const DataFolder data;
+    LocalNoteRepository(data.fileURL()).save(oldNotes());
+    data.write("Markdown/shared/list.txt", "theirs");
+    constexpr gid_t group = 4242;
+    for (const char *const name : {"Markdown/shared/list.txt", "Markdown/shared"}) {
+        if (::chown(data.path(name).c_str(), static_cast<uid_t>(-1), group) != 0)
+            QSKIP("Only root may give a folder to any group.");
+        QCOMPARE(::chmod(data.path(name).c_str(), 02775), 0);
+    }
+
+    // A user who is no longer in the group copies both; their group is then the user's own.
+    QCOMPARE(save(data, {refused(SYS_linkat, EPERM), refused(SYS_fchown, EPERM)}, newNotes()),
+             int(saved));
+
+    QVERIFY(data.status("Markdown/shared").st_gid != group);
+    QCOMPARE(data.status("Markdown/shared").st_mode & 07777, 0705U);
+    QVERIFY(data.status("Markdown/shared/list.txt").st_gid != group);
+    QCOMPARE(data.status("Markdown/shared/list.txt").st_mode & 07777, 0705U);
 }
 
 void RefusedCallTest::savesWithoutAnExchange_data()
