@@ -16,6 +16,7 @@ private Q_SLOTS:
     void saysWhetherThereIsAnExcerptWithoutMakingIt();
     void endsALineAtEachKindOfLineBreak_data();
     void endsALineAtEachKindOfLineBreak();
+    void endsALineNowhereElse();
     void differsWhenAnyFieldDiffers();
     void startsAsAnEmptySnapshotOfTheCurrentVersion();
     void isAnotherSnapshotWhenAnyFieldDiffers();
@@ -89,6 +90,15 @@ void NoteTest::endsALineAtEachKindOfLineBreak()
 
     QCOMPARE(note.title(), u"one"_s);
     QCOMPARE(note.excerpt(), u"two three"_s);
+}
+
+void NoteTest::endsALineNowhereElse()
+{
+    const QString lineBreaks = u"\n\v\f\r\u0085\u2028\u2029"_s;
+    for (int unit = 0; unit <= 0xFFFF; ++unit) {
+        const QString body = u"one"_s + QChar(unit) + u"two"_s;
+        QCOMPARE(noteOf(body).title(), lineBreaks.contains(QChar(unit)) ? u"one"_s : body);
+    }
 }
 
 void NoteTest::differsWhenAnyFieldDiffers()

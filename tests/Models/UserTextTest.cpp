@@ -15,8 +15,28 @@ private Q_SLOTS:
     void countsWhatAReaderCallsACharacter_data();
     void countsWhatAReaderCallsACharacter();
     void agreesWithTheRulesOnMixedTexts();
+    void agreesWithTheRulesOnEveryUnitBesideOthers();
     void findsOnlyWhiteSpaceBlank();
 };
+
+namespace {
+
+/// The plain way: the rules asked of the whole text.
+qsizetype countByRules(const QString &text)
+{
+    static UErrorCode status = U_ZERO_ERROR;
+    static const std::unique_ptr<icu::BreakIterator> rules(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    if (U_FAILURE(status))
+        return -1;
+    rules->setText(icu::UnicodeString(false, text.utf16(), static_cast<int32_t>(text.size())));
+    qsizetype count = 0;
+    while (rules->next() != icu::BreakIterator::DONE)
+        ++count;
+    return count;
+}
+
+} // namespace
 
 void UserTextTest::countsWhatAReaderCallsACharacter_data()
 {
@@ -54,21 +74,25 @@ void UserTextTest::agreesWithTheRulesOnMixedTexts()
                              u"\u200D"_s, u"👩"_s,      u"🇩"_s,      u"\uFE0F"_s, u"\u0600"_s,
                              u"\u1100"_s, u"\u1161"_s, u"\u0E33"_s, u"ｶ"_s,      u"\uFF9E"_s,
                              u"©"_s,      u"\u00AD"_s, u"〰"_s,     u"\u302A"_s, u"ʰ"_s};
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::BreakIterator> rules(
-        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    QVERIFY(U_SUCCESS(status));
     QRandomGenerator random(7);
     for (int i = 0; i < 20000; ++i) {
         QString text;
         for (int length = random.bounded(12); length > 0; --length)
             text += pieces[random.bounded(pieces.size())];
-        rules->setText(icu::UnicodeString(false, text.utf16(), static_cast<int32_t>(text.size())));
-        qsizetype expected = 0;
-        while (rules->next() != icu::BreakIterator::DONE)
-            ++expected;
+        QVERIFY2(characterCount(text) == countByRules(text), qUtf8Printable(text));
+    }
+}
 
-        QVERIFY2(characterCount(text) == expected, qUtf8Printable(text));
+void UserTextTest::agreesWithTheRulesOnEveryUnitBesideOthers()
+{
+    for (int unit = 0; unit <= 0xFFFF; ++unit) {
+        const QChar c(unit);
+        for (const char16_t other : {u'a', u'\n', u'\r', u'\u0301', u'\u200D', u'中'}) {
+            const QString text = QString(c) + c + QChar(other) + c;
+
+            QVERIFY2(characterCount(text) == countByRules(text),
+                     qPrintable(QString::number(unit, 16)));
+        }
     }
 }
 

@@ -612,14 +612,17 @@ void NoteStoreTest::staysPendingWhenTheDelayedWriteFails()
     fixture.repository.failWith(noSpace);
     fixture.store.setDraft(u"milk"_s);
 
-    QTRY_COMPARE(fixture.store.status(), u"Not saved · Retry"_s);
+    PassingTime::pass(1s);
+
+    QCOMPARE(fixture.store.status(), u"Not saved · Retry"_s);
 
     QVERIFY(fixture.store.hasPendingChanges());
     QCOMPARE(fixture.store.draft(), u"milk"_s);
 
     fixture.repository.recover();
     fixture.store.setDraft(u"milk and bread"_s);
-    QTRY_COMPARE(fixture.repository.stored().captureDraft, u"milk and bread"_s);
+    PassingTime::pass(1s);
+    QCOMPARE(fixture.repository.stored().captureDraft, u"milk and bread"_s);
     QCOMPARE(fixture.store.status(), u"Saved on this Mac"_s);
 }
 
@@ -647,26 +650,29 @@ void NoteStoreTest::tellsOfChangesOnly()
     const QSignalSpy error(&fixture.store, &NoteStore::repositoryErrorChanged);
 
     fixture.store.setDraft(u"milk"_s);
+    QCOMPARE(snapshot.count(), 1);
     fixture.store.setDraft(u"milk"_s);
     QCOMPARE(snapshot.count(), 1);
     QCOMPARE(pending.count(), 1);
 
     fixture.repository.failWith(RepositoryError::externalChange());
-    QVERIFY(!fixture.store.flush());
-    QVERIFY(!fixture.store.flush());
-    QCOMPARE(message.count(), 1);
-    QCOMPARE(context.count(), 1);
-    QCOMPARE(error.count(), 1);
-    QCOMPARE(pending.count(), 1);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        QVERIFY(!fixture.store.flush());
+        QCOMPARE(message.count(), 1);
+        QCOMPARE(context.count(), 1);
+        QCOMPARE(error.count(), 1);
+        QCOMPARE(pending.count(), 1);
+    }
 
     fixture.repository.recover();
-    QVERIFY(fixture.store.flush());
-    QVERIFY(fixture.store.flush());
-    QCOMPARE(message.count(), 2);
-    QCOMPARE(context.count(), 1);
-    QCOMPARE(error.count(), 2);
-    QCOMPARE(pending.count(), 2);
-    QCOMPARE(snapshot.count(), 1);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        QVERIFY(fixture.store.flush());
+        QCOMPARE(message.count(), 2);
+        QCOMPARE(context.count(), 1);
+        QCOMPARE(error.count(), 2);
+        QCOMPARE(pending.count(), 2);
+        QCOMPARE(snapshot.count(), 1);
+    }
 
     QVERIFY(fixture.store.saveCapture());
     QCOMPARE(snapshot.count(), 2);
@@ -694,10 +700,11 @@ void NoteStoreTest::canBeDestroyedWhileADraftWaits()
     fixture->store.setDraft(u"milk"_s);
     fixture.reset();
 
-    // Outlives the wait of the draft: a timer left behind would write through a store that is gone.
+    // A timer left behind would write through a store that is gone.
     Fixture later;
     later.store.setDraft(u"bread"_s);
-    QTRY_COMPARE(later.repository.stored().captureDraft, u"bread"_s);
+    PassingTime::pass(1s);
+    QCOMPARE(later.repository.stored().captureDraft, u"bread"_s);
 }
 
 void NoteStoreTest::showsTheLastUpdatedNoteFirst()
@@ -706,6 +713,8 @@ void NoteStoreTest::showsTheLastUpdatedNoteFirst()
                              noteOf(u"middle"_s, 2)};
     Fixture fixture(snapshotOf(stored));
     QCOMPARE(bodies(fixture.store.notes()), (QStringList{u"newest"_s, u"middle"_s, u"oldest"_s}));
+    QCOMPARE(bodies(Fixture(snapshotOf({stored[0], stored[2], stored[1]})).store.notes()),
+             (QStringList{u"newest"_s, u"middle"_s, u"oldest"_s}));
 
     QVERIFY(fixture.store.saveEdit(stored[0]));
 
