@@ -4,8 +4,10 @@
 # of the program's own; the time of a start does not change.
 include(CheckLinkerFlag)
 
-set(CMAKE_CXX_VISIBILITY_PRESET hidden)
-set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+if(NOT QUILLMARK_SHARED_LAYERS)
+  set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+  set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+endif()
 add_compile_options($<$<CONFIG:Release>:-O2> -ffunction-sections -fdata-sections)
 add_link_options(-Wl,--gc-sections -Wl,--as-needed -Wl,-O1)
 
