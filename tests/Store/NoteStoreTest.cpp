@@ -24,6 +24,9 @@ private Q_SLOTS:
     void startsWithWhatTheRepositoryHolds();
     void isReadOnlyForGoodWhenLoadingFails();
     void keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn();
+    void tidiesUpAfterASaveInSlices();
+    void tidiesUpNothingAfterASaveThatFailed();
+    void saysWhatTidyingUpFinds();
     void ignoresDraftsWhenReadOnly();
     void refusesEveryOperationWhenReadOnly();
 
@@ -168,6 +171,60 @@ void NoteStoreTest::keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn()
     QVERIFY(!fixture.store.flush());
     QVERIFY(!fixture.store.repositoryError());
     QCOMPARE(fixture.store.errorMessage(), noSpace.description());
+}
+
+void NoteStoreTest::tidiesUpAfterASaveInSlices()
+{
+    using namespace std::chrono_literals;
+    Fixture fixture;
+    QList<std::chrono::milliseconds> slices;
+    fixture.repository.setTidy([&](std::chrono::milliseconds most) {
+        slices.append(most);
+        return slices.size() < 3 ? std::optional(0ms) : std::nullopt;
+    });
+
+    QVERIFY(fixture.store.flush());
+    QCOMPARE(slices.size(), 0);
+
+    QTRY_COMPARE(slices.size(), 3);
+    for (const std::chrono::milliseconds slice : slices)
+        QVERIFY(slice > 0ms && slice <= 4ms);
+    // There was nothing left to do.
+    QVERIFY(fixture.store.flush());
+    QTRY_COMPARE(slices.size(), 4);
+    QCoreApplication::processEvents();
+    QCOMPARE(slices.size(), 4);
+}
+
+void NoteStoreTest::tidiesUpNothingAfterASaveThatFailed()
+{
+    Fixture fixture;
+    bool hasTidied = false;
+    fixture.repository.setTidy([&](std::chrono::milliseconds) {
+        hasTidied = true;
+        return std::nullopt;
+    });
+    fixture.repository.failWith(noSpace);
+
+    QVERIFY(!fixture.store.flush());
+    QCoreApplication::processEvents();
+
+    QVERIFY(!hasTidied);
+}
+
+void NoteStoreTest::saysWhatTidyingUpFinds()
+{
+    Fixture fixture;
+    fixture.repository.setTidy(
+        [](std::chrono::milliseconds) -> std::optional<std::chrono::milliseconds> {
+            throw RepositoryError::recoveryRequired();
+        });
+
+    QVERIFY(fixture.store.flush());
+
+    QTRY_COMPARE(fixture.store.repositoryError(), RepositoryError::recoveryRequired());
+    QCOMPARE(fixture.store.errorMessage(), RepositoryError::recoveryRequired().description());
+    QCOMPARE(fixture.store.status(), u"Not saved · Retry"_s);
 }
 
 void NoteStoreTest::ignoresDraftsWhenReadOnly()

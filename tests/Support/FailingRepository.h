@@ -22,6 +22,11 @@ public:
 
     void recover() { m_fail = nullptr; }
 
+    using Tidy = std::function<std::optional<std::chrono::milliseconds>(std::chrono::milliseconds)>;
+
+    /// What tidy() does; nothing when not set.
+    void setTidy(Tidy tidy) { m_tidy = std::move(tidy); }
+
     void setNotesFolderURL(const QUrl &folder) { m_notesFolderURL = folder; }
 
     /// What a restart would find.
@@ -47,6 +52,12 @@ public:
         m_stored = snapshot;
     }
 
+    [[nodiscard]] std::optional<std::chrono::milliseconds>
+    tidy(std::chrono::milliseconds most) override
+    {
+        return m_tidy ? m_tidy(most) : std::nullopt;
+    }
+
     void keepTyped(const NoteSnapshot &snapshot) override
     {
         if (m_fail)
@@ -61,6 +72,7 @@ private:
     QList<NoteSnapshot> m_kept;
     NoteSnapshot m_stored;
     std::function<void()> m_fail;
+    Tidy m_tidy;
     std::optional<QUrl> m_notesFolderURL;
     int m_saves = 0;
 };
