@@ -503,15 +503,13 @@ bool FolderTree::isStillThere(Disk &disk, Disk::Handle original,
 
 bool FolderTree::removeFrom(Disk &disk, Disk::Handle original, Deadline deadline) noexcept
 {
-    constexpr std::size_t callsBetweenLooks = 16;
+    constexpr std::size_t filesBetweenLooks = 16;
     const std::vector<DirectoryListing::Entry> &entries = m_listing.entries();
-    for (; m_removedCount < entries.size(); ++m_removedCount) {
-        if (m_removedCount % callsBetweenLooks == callsBetweenLooks - 1 &&
-            std::chrono::steady_clock::now() >= deadline)
-            return false;
+    while (m_removedCount < entries.size()) {
         const DirectoryListing::Entry &entry = entries[m_removedCount];
         const char *name = m_listing.name(entry);
-        if (entry.kind == FileKind::folder) {
+        const bool isFolder = entry.kind == FileKind::folder;
+        if (isFolder) {
             const auto inside = uninterrupted([&] { return disk.openFolder(original, name); });
             if (inside) {
                 const Descriptor folder(disk, *inside);
@@ -522,6 +520,11 @@ bool FolderTree::removeFrom(Disk &disk, Disk::Handle original, Deadline deadline
         } else if (isStillThere(disk, original, entry)) {
             removeEntry(disk, original, name, entry.kind);
         }
+        ++m_removedCount;
+        // After the work, so that each call gets on.
+        if ((isFolder || m_removedCount % filesBetweenLooks == 0) &&
+            std::chrono::steady_clock::now() >= deadline)
+            return false;
     }
     return true;
 }

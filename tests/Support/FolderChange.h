@@ -69,7 +69,8 @@ private:
         return data.orThrow(std::move(found), live);
     }
 
-    SystemDisk m_disk;
+    /// Outlives what a commit leaves to be removed.
+    static inline SystemDisk m_disk;
     Directory m_data;
     std::optional<Directory> m_original;
     SwapPlace m_place;
