@@ -71,12 +71,10 @@ FileTransaction::FileTransaction(const SwapPlace &place, std::optional<std::stri
 {
 }
 
-bool FileTransaction::commit(const std::function<bool()> &isOldFileSame)
+bool FileTransaction::commit(const std::function<bool()> &isAllSame)
 {
     LiveSwap swap(m_stage.place, identityOf(m_oldStatus), identityOf(m_stage.status));
-    if (!swap.swap())
-        return false;
-    if (m_oldStatus && !isOldFileSame())
+    if (!swap.swap() || !isAllSame())
         return false;
     swap.keep();
     m_stage.isReleased = true;

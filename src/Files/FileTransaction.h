@@ -18,9 +18,10 @@ public:
                     std::optional<FileStatus> oldStatus);
 
     /// Puts the new file in place. Once that is done, and while it can still be taken back, the
-    /// check says whether the old file is what it was; it lies in the hidden folder then, under the
-    /// recovery name. Answers and throws like FolderTransaction::commit().
-    [[nodiscard]] bool commit(const std::function<bool()> &isOldFileSame);
+    /// check says whether the folder is in its place and the old file, if any, what it was; that
+    /// lies in the hidden folder then, under the recovery name. Answers and throws like
+    /// FolderTransaction::commit().
+    [[nodiscard]] bool commit(const std::function<bool()> &isAllSame);
 
 private:
     /// The hidden file. Gone with this, unless it was released.

@@ -78,6 +78,12 @@ bool NoteFolder::isIn(const Directory &data) const
     return data.isAt(FileNames::markdownFolder, own).valueOr(true);
 }
 
+bool NoteFolder::holds(Section section) const
+{
+    const FileIdentity own = directory(section).orThrow(directory(section).status()).identity;
+    return m_markdown.isAt(FileNames::ofSection(section), own).valueOr(true);
+}
+
 void NoteFolder::visit(const Visitor &visitor,
                        const std::function<void(std::size_t fileCount)> &expect) const
 {

@@ -47,6 +47,9 @@ public:
     /// False when another folder has taken its place in the data folder since it was opened.
     [[nodiscard]] bool isIn(const Directory &data) const;
 
+    /// False when another folder has taken the place of a section since it was opened.
+    [[nodiscard]] bool holds(Section section) const;
+
     /// Gives up one of its folders.
     [[nodiscard]] Directory takeDirectory(Section section) noexcept
     {

@@ -166,13 +166,19 @@ bool MarkdownTransaction::commit()
 {
     if (m_fileChange)
         return m_fileChange->commit([this] {
-            return isOldFileSame(m_difference.places().front(), m_data, m_place->recovery.c_str());
+            const NoteFilePlace &place = m_difference.places().front();
+            return m_folder->isIn(m_data) && m_folder->holds(place.section) &&
+                   isOldFileSame(place, m_data, m_place->recovery.c_str());
         });
     return !m_folderChange || m_folderChange->commit([this] { return areOldFilesSame(); });
 }
 
 bool MarkdownTransaction::areOldFilesSame()
 {
+    // Where the drafts alone are exchanged, another folder may be in the place of the one that
+    // holds them.
+    if (&m_place->parent != &m_data && !m_folder->isIn(m_data))
+        return false;
     // The open folders are the old ones, whatever they are called by now.
     if (m_folderChange->hasCopies()) {
         for (const Section section : {Section::notes, Section::drafts})

@@ -1,36 +1,41 @@
 // SPDX-License-Identifier: MIT
-#include "MarkdownTransaction.h"
+#include "LocalNoteRepository.h"
 
 #include "DataFolder.h"
+#include "FolderChange.h"
+#include "Notes.h"
+#include "RacingDisk.h"
 #include "Thrown.h"
+#include "Tidy.h"
 
 #include <QTest>
 
+using namespace Qt::Literals::StringLiterals;
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr auto agree = [] {};
-constexpr auto agreeToDisplaced = [](const fs::path &) {};
+const Note kept = numberedNote(1, u"kept"_s);
+const Note old = numberedNote(2, u"old"_s);
+const Note ours = numberedNote(2, u"ours"_s);
+const Note theirs = numberedNote(3, u"theirs"_s);
 
-using Callback = std::function<void()>;
-
-void putFile(const fs::path &path, const QByteArray &bytes)
+NoteSnapshot oldNotes()
 {
-    fs::remove(path);
-    std::ofstream(path, std::ios::binary).write(bytes.data(), bytes.size());
+    return snapshotOf({kept, old}, u"old"_s, {{canonicalText(old.id), u"old"_s}});
 }
 
-/// A save that changes the note while another program does something.
-std::optional<RepositoryError> refusalOfSave(const DataFolder &data, const Callback &beforeTheSwap,
-                                             const Callback &afterTheSwap)
+/// Each kind of save: what it exchanges differs.
+void addSaves()
 {
-    return refusal([&] {
-        MarkdownTransaction::replace(
-            data.path("Markdown"),
-            [](const fs::path &stage) { putFile(stage / "Notes/note.md", "ours"); }, beforeTheSwap,
-            [&](const fs::path &) { afterTheSwap(); });
-    });
+    QTest::addColumn<NoteSnapshot>("next");
+
+    const QMap<QString, QString> drafts = oldNotes().editingDrafts;
+    QTest::newRow("one file changes") << snapshotOf({kept, ours}, u"old"_s, drafts);
+    QTest::newRow("one file is added") << snapshotOf({kept, old, theirs}, u"old"_s, drafts);
+    QTest::newRow("one file is removed") << snapshotOf({kept, old}, u"old"_s);
+    QTest::newRow("the drafts change") << snapshotOf({kept, old}, u"ours"_s);
+    QTest::newRow("the whole folder changes") << snapshotOf({kept, ours}, u"ours"_s, drafts);
 }
 
 /// The one entry of the data folder whose name begins with the prefix.
@@ -45,6 +50,27 @@ std::string hidden(const DataFolder &data, std::string_view prefix)
     return found;
 }
 
+void replaceFile(const fs::path &path, const QByteArray &bytes)
+{
+    const fs::path temporary = path.parent_path() / ".temporary";
+    std::ofstream(temporary, std::ios::binary).write(bytes.data(), bytes.size());
+    fs::rename(temporary, path);
+}
+
+/// What stands below any folder.
+DataFolder::Content contentOf(const fs::path &folder)
+{
+    DataFolder::Content content;
+    for (const auto &entry : fs::recursive_directory_iterator(folder)) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        content[QByteArray::fromStdString(entry.path().lexically_relative(folder).native())] =
+            entry.is_regular_file()
+                ? "f" + QByteArray::fromStdString(std::string(std::istreambuf_iterator(file), {}))
+                : "d";
+    }
+    return content;
+}
+
 } // namespace
 
 /// Another program that works in the folder at the worst of all moments: what it wrote or moved is
@@ -55,178 +81,301 @@ class RacingProgramTest : public QObject {
 private Q_SLOTS:
     void init();
 
+    void leavesAFolderAloneThatWasMovedAway_data();
     void leavesAFolderAloneThatWasMovedAway();
+    void leavesASectionAloneThatWasMovedAway_data();
+    void leavesASectionAloneThatWasMovedAway();
+    void leavesAFolderAloneThatBecameALink_data();
     void leavesAFolderAloneThatBecameALink();
     void leavesAFirstFolderAloneThatTookItsPlace();
+    void refusesWhatChangesRightAfterTheSwap_data();
+    void refusesWhatChangesRightAfterTheSwap();
     void keepsWhatWasWrittenIntoANewFolderThatIsTakenBack();
     void keepsAFolderThatTookThePlaceOfTheNewOne();
     void keepsAFileThatReplacesAnOldOne();
     void keepsAFileThatIsAddedToTheOldFolder();
     void keepsWhatIsWrittenIntoAnOldFile();
+    void keepsWhatComesBeforeTheOldFolderIsRemoved();
     void keepsAnOldFolderThatIsMovedAway();
 
 private:
+    [[nodiscard]] std::optional<RepositoryError> refusalOfSave(const NoteSnapshot &next);
+
     std::optional<DataFolder> m_data;
+    std::optional<RacingDisk> m_disk;
+    std::optional<LocalNoteRepository> m_repository;
 };
 
 void RacingProgramTest::init()
 {
+    m_repository.reset();
     m_data.emplace();
-    m_data->write("Markdown/Notes/note.md", "old");
-    m_data->write("Markdown/Notes/other.md", "kept");
+    m_disk.emplace();
+    m_repository.emplace(m_data->fileURL(), *m_disk);
+    m_repository->save(oldNotes());
+}
+
+std::optional<RepositoryError> RacingProgramTest::refusalOfSave(const NoteSnapshot &next)
+{
+    return refusal([&] {
+        m_repository->save(next);
+        tidyUp(*m_repository);
+    });
+}
+
+void RacingProgramTest::leavesAFolderAloneThatWasMovedAway_data()
+{
+    addSaves();
 }
 
 void RacingProgramTest::leavesAFolderAloneThatWasMovedAway()
 {
+    QFETCH(const NoteSnapshot, next);
     const DataFolder &data = *m_data;
     const fs::path away = data.path().parent_path() / "away";
-    const auto moveAndCopyBack = [&] {
+    const auto before = contentOf(data.path("Markdown"));
+    DataFolder::Content copied;
+    m_disk->beforeNextSwap([&] {
         fs::rename(data.path("Markdown"), away);
         fs::copy(away, data.path("Markdown"), fs::copy_options::recursive);
-        data.write("Markdown/Notes/theirs.md", "theirs");
-    };
+        data.write(noteFile(theirs.id), noteBytes(theirs));
+        copied = contentOf(data.path("Markdown"));
+    });
 
-    const auto error = refusalOfSave(data, moveAndCopyBack, agree);
+    const auto error = refusalOfSave(next);
 
     QCOMPARE(error, RepositoryError::externalChange());
-    QCOMPARE(std::distance(fs::directory_iterator(away / "Notes"), {}), 2);
-    QCOMPARE(data.content(), (DataFolder::Content{{"Markdown", "d"},
-                                                  {"Markdown/Notes", "d"},
-                                                  {"Markdown/Notes/note.md", "fold"},
-                                                  {"Markdown/Notes/other.md", "fkept"},
-                                                  {"Markdown/Notes/theirs.md", "ftheirs"}}));
+    QCOMPARE(contentOf(away), before);
+    QCOMPARE(contentOf(data.path("Markdown")), copied);
+    QCOMPARE(data.count(""), 1);
+}
+
+void RacingProgramTest::leavesASectionAloneThatWasMovedAway_data()
+{
+    addSaves();
+}
+
+void RacingProgramTest::leavesASectionAloneThatWasMovedAway()
+{
+    QFETCH(const NoteSnapshot, next);
+    const DataFolder &data = *m_data;
+    const fs::path away = data.path().parent_path() / "away";
+    fs::create_directory(away);
+    const auto before = contentOf(data.path("Markdown"));
+    DataFolder::Content copied;
+    m_disk->beforeNextSwap([&] {
+        for (const char *name : {"Notes", "Drafts"}) {
+            const fs::path section = data.path("Markdown") / name;
+            fs::rename(section, away / name);
+            fs::copy(away / name, section, fs::copy_options::recursive);
+        }
+        fs::copy(data.path("Markdown/.format"), away / ".format");
+        data.write(noteFile(theirs.id), noteBytes(theirs));
+        copied = contentOf(data.path("Markdown"));
+    });
+
+    const auto error = refusalOfSave(next);
+
+    QCOMPARE(error, RepositoryError::externalChange());
+    QCOMPARE(contentOf(away), before);
+    QCOMPARE(contentOf(data.path("Markdown")), copied);
+    QCOMPARE(data.count(""), 1);
+}
+
+void RacingProgramTest::leavesAFolderAloneThatBecameALink_data()
+{
+    addSaves();
 }
 
 void RacingProgramTest::leavesAFolderAloneThatBecameALink()
 {
+    QFETCH(const NoteSnapshot, next);
     const DataFolder &data = *m_data;
     const fs::path away = data.path().parent_path() / "away";
-    const auto moveAndLink = [&] {
+    const auto before = contentOf(data.path("Markdown"));
+    m_disk->beforeNextSwap([&] {
         fs::rename(data.path("Markdown"), away);
         fs::create_directory_symlink(away, data.path("Markdown"));
-    };
+    });
 
-    const auto error = refusalOfSave(data, moveAndLink, agree);
+    const auto error = thrown<FileError>([&] { m_repository->save(next); });
 
-    QCOMPARE(error, RepositoryError::externalChange());
-    QCOMPARE(std::distance(fs::directory_iterator(away / "Notes"), {}), 2);
-    QVERIFY(fs::is_symlink(data.path("Markdown")));
+    QVERIFY(error.has_value());
+    QCOMPARE(error->reason(), Reason::notFolder);
+    QCOMPARE(contentOf(away), before);
+    QCOMPARE(fs::read_symlink(data.path("Markdown")), away);
     QCOMPARE(data.count(""), 1);
 }
 
 void RacingProgramTest::leavesAFirstFolderAloneThatTookItsPlace()
 {
     const DataFolder data;
-    const auto makeTheirs = [&] { data.write("Markdown/Notes/note.md", "theirs"); };
-
-    const auto error = refusal([&] {
-        MarkdownTransaction::replace(
-            data.path("Markdown"), [](const fs::path &stage) { putFile(stage / "ours", ""); },
-            makeTheirs, agreeToDisplaced);
+    LocalNoteRepository repository(data.fileURL(), *m_disk);
+    QCOMPARE(repository.load(), NoteSnapshot());
+    DataFolder::Content made;
+    m_disk->beforeNextSwap([&] {
+        fs::copy(m_data->path("Markdown"), data.path("Markdown"), fs::copy_options::recursive);
+        made = contentOf(data.path("Markdown"));
     });
 
+    const auto error = refusal([&] { repository.save(snapshotOf({ours})); });
+
     QCOMPARE(error, RepositoryError::externalChange());
-    QCOMPARE(data.read("Markdown/Notes/note.md"), "theirs");
+    QCOMPARE(contentOf(data.path("Markdown")), made);
     QCOMPARE(data.count(""), 1);
+}
+
+void RacingProgramTest::refusesWhatChangesRightAfterTheSwap_data()
+{
+    QTest::addColumn<NoteSnapshot>("next");
+
+    QTest::newRow("one file") << snapshotOf({kept, ours}, u"old"_s, oldNotes().editingDrafts);
+    QTest::newRow("the whole folder") << snapshotOf({kept, ours}, u"ours"_s);
+}
+
+void RacingProgramTest::refusesWhatChangesRightAfterTheSwap()
+{
+    QFETCH(const NoteSnapshot, next);
+    const DataFolder &data = *m_data;
+    std::ofstream editor(data.path(noteFile(old.id)), std::ios::app);
+    auto expected = data.content();
+    const QByteArray name = QByteArray::fromStdString(noteFile(old.id));
+    expected[name] += " and theirs";
+    m_disk->afterNextSwap([&] { editor << " and theirs" << std::flush; });
+
+    const auto error = refusalOfSave(next);
+
+    QCOMPARE(error, RepositoryError::externalChange());
+    QCOMPARE(data.content(), expected);
 }
 
 void RacingProgramTest::keepsWhatWasWrittenIntoANewFolderThatIsTakenBack()
 {
     const DataFolder &data = *m_data;
-    const auto writeAndRefuse = [&] {
-        data.write("Markdown/Notes/theirs.md", "theirs");
-        throw RepositoryError::externalChange();
-    };
+    std::ofstream editor(data.path(noteFile(old.id)), std::ios::app);
+    m_disk->afterNextSwap([&] {
+        data.write(noteFile(theirs.id), noteBytes(theirs));
+        editor << " and theirs" << std::flush;
+    });
 
-    const auto error = refusalOfSave(data, agree, writeAndRefuse);
+    const auto error = refusalOfSave(snapshotOf({kept, ours}, u"ours"_s));
 
-    QCOMPARE(error, RepositoryError::externalChange());
-    QCOMPARE(data.read("Markdown/Notes/note.md"), "old");
+    QCOMPARE(error, RepositoryError::recoveryRequired());
+    QCOMPARE(data.read(noteFile(old.id)), noteBytes(old) + " and theirs");
     const std::string copy = hidden(data, ".quillmark-recovery-");
-    QCOMPARE(data.read(copy + "/Notes/theirs.md"), "theirs");
-    QCOMPARE(data.read(copy + "/Notes/note.md"), "ours");
+    const auto inCopy = [&](const std::string &file) {
+        return data.read(copy + file.substr(std::string_view("Markdown").size()));
+    };
+    QCOMPARE(inCopy(noteFile(theirs.id)), noteBytes(theirs));
+    QCOMPARE(inCopy(noteFile(ours.id)), noteBytes(ours));
     QCOMPARE(data.count(".quillmark-"), 1);
 }
 
 void RacingProgramTest::keepsAFolderThatTookThePlaceOfTheNewOne()
 {
-    // Such as a second program of ours that saved in between.
     const DataFolder &data = *m_data;
-    const auto replaceAndRefuse = [&] {
+    std::ofstream editor(data.path(noteFile(old.id)), std::ios::app);
+    m_disk->afterNextSwap([&] {
         fs::remove_all(data.path("Markdown"));
         data.write("Markdown/Notes/note.md", "saved by another");
-        throw RepositoryError::externalChange();
-    };
+        editor << " and theirs" << std::flush;
+    });
 
-    const auto error = refusalOfSave(data, agree, replaceAndRefuse);
+    const auto error = refusalOfSave(snapshotOf({kept, ours}, u"ours"_s));
 
-    QCOMPARE(error, RepositoryError::externalChange());
-    QCOMPARE(data.read("Markdown/Notes/note.md"), "saved by another");
+    QCOMPARE(error, RepositoryError::recoveryRequired());
+    QCOMPARE(contentOf(data.path("Markdown")),
+             (DataFolder::Content{{"Notes", "d"}, {"Notes/note.md", "fsaved by another"}}));
     const std::string copy = hidden(data, ".quillmark-recovery-");
-    QCOMPARE(data.read(copy + "/Notes/note.md"), "old");
+    QCOMPARE(data.read(copy + noteFile(old.id).substr(std::string_view("Markdown").size())),
+             noteBytes(old) + " and theirs");
+    QCOMPARE(data.count(".quillmark-"), 1);
 }
 
 void RacingProgramTest::keepsAFileThatReplacesAnOldOne()
 {
-    const DataFolder &data = *m_data;
-    const auto replaceOld = [&] {
-        const fs::path old = data.path(hidden(data, ".quillmark-recovery-")) / "Notes";
-        putFile(old / ".temporary", "theirs");
-        fs::rename(old / ".temporary", old / "other.md");
-    };
+    const DataFolder data;
+    data.write("Markdown/note", "old");
+    data.write("Markdown/other", "kept");
+    FolderChange change(data, {{"", "note", "ours"}});
 
-    const auto error = refusalOfSave(data, agree, replaceOld);
+    QVERIFY(change.commitDuring([&] { replaceFile(data.path(".recovery/other"), "theirs"); }));
+    const auto outcome = change.takeOldFolder().remove(FolderTree::Deadline::max());
 
-    QCOMPARE(error, RepositoryError::recoveryRequired());
-    QCOMPARE(data.read("Markdown/Notes/note.md"), "ours");
-    const std::string copy = hidden(data, ".quillmark-recovery-");
-    QCOMPARE(data.read(copy + "/Notes/other.md"), "theirs");
-    QCOMPARE(data.read(copy + "/Notes/note.md"), "old");
-    QCOMPARE(data.count(".quillmark-"), 1);
+    QVERIFY(outcome == OldFolder::Outcome::needsAttention);
+    QCOMPARE(data.content(), (DataFolder::Content{{"Markdown", "d"},
+                                                  {"Markdown/note", "fours"},
+                                                  {"Markdown/other", "fkept"},
+                                                  {".recovery", "d"},
+                                                  {".recovery/note", "fold"},
+                                                  {".recovery/other", "ftheirs"}}));
 }
 
 void RacingProgramTest::keepsAFileThatIsAddedToTheOldFolder()
 {
-    const DataFolder &data = *m_data;
-    const auto add = [&] {
-        putFile(data.path(hidden(data, ".quillmark-recovery-")) / "Notes/new.md", "theirs");
-    };
+    const DataFolder data;
+    data.write("Markdown/Notes/note", "old");
+    FolderChange change(data, {{"Notes", "note", "ours"}}, {"Notes"});
 
-    const auto error = refusalOfSave(data, agree, add);
+    QVERIFY(change.commitDuring([&] { data.write(".recovery/Notes/new", "theirs"); }));
+    const auto outcome = change.takeOldFolder().remove(FolderTree::Deadline::max());
 
-    QCOMPARE(error, RepositoryError::recoveryRequired());
-    QCOMPARE(data.read(hidden(data, ".quillmark-recovery-") + "/Notes/new.md"), "theirs");
+    QVERIFY(outcome == OldFolder::Outcome::needsAttention);
+    QCOMPARE(data.read("Markdown/Notes/note"), "ours");
+    QCOMPARE(data.read(".recovery/Notes/new"), "theirs");
+    QCOMPARE(data.read(".recovery/Notes/note"), "old");
 }
 
 void RacingProgramTest::keepsWhatIsWrittenIntoAnOldFile()
 {
     // An editor that has the file open writes into the one that was displaced.
-    const DataFolder &data = *m_data;
-    std::ofstream editor(data.path("Markdown/Notes/note.md"), std::ios::app);
-    const auto write = [&] { editor << " and theirs" << std::flush; };
+    const DataFolder data;
+    data.write("Markdown/note", "old");
+    std::ofstream editor(data.path("Markdown/note"), std::ios::app);
+    FolderChange change(data, {{"", "note", "ours"}});
 
-    const auto error = refusalOfSave(data, agree, write);
+    QVERIFY(change.commitDuring([&] { editor << " and theirs" << std::flush; }));
+    const auto outcome = change.takeOldFolder().remove(FolderTree::Deadline::max());
+
+    QVERIFY(outcome == OldFolder::Outcome::needsAttention);
+    QCOMPARE(data.read("Markdown/note"), "ours");
+    QCOMPARE(data.read(".recovery/note"), "old and theirs");
+}
+
+void RacingProgramTest::keepsWhatComesBeforeTheOldFolderIsRemoved()
+{
+    const DataFolder &data = *m_data;
+    const NoteSnapshot next = snapshotOf({kept, ours}, u"ours"_s);
+    m_repository->save(next);
+    data.write(hidden(data, ".quillmark-stage-") + "/Notes/new.md", "theirs");
+
+    const auto error = refusal([&] { tidyUp(*m_repository); });
 
     QCOMPARE(error, RepositoryError::recoveryRequired());
-    QCOMPARE(data.read("Markdown/Notes/note.md"), "ours");
-    QCOMPARE(data.read(hidden(data, ".quillmark-recovery-") + "/Notes/note.md"), "old and theirs");
+    QCOMPARE(data.read(hidden(data, ".quillmark-recovery-") + "/Notes/new.md"), "theirs");
+    QCOMPARE(data.count(".quillmark-"), 1);
+    QCOMPARE(data.read(noteFile(ours.id)), noteBytes(ours));
+    QCOMPARE(refusalOfSave(oldNotes()), RepositoryError::recoveryRequired());
 }
 
 void RacingProgramTest::keepsAnOldFolderThatIsMovedAway()
 {
     const DataFolder &data = *m_data;
     const fs::path away = data.path().parent_path() / "away";
-    const auto move = [&] {
+    const auto before = contentOf(data.path("Markdown"));
+    m_disk->afterNextSwap([&] {
         fs::rename(data.path(hidden(data, ".quillmark-recovery-")), away);
-        // What then has its name is another's, and nobody's to remove.
+        // What else begins so is another's, and nobody's to remove.
         fs::create_directory(data.path(".quillmark-stage-of-another"));
-    };
+    });
 
-    static_cast<void>(thrown<FileError>([&] { refusalOfSave(data, agree, move); }));
+    const auto error = refusalOfSave(snapshotOf({kept, ours}, u"ours"_s));
 
-    QCOMPARE(std::distance(fs::directory_iterator(away / "Notes"), {}), 2);
+    QCOMPARE(error, RepositoryError::recoveryRequired());
+    QCOMPARE(contentOf(away), before);
     QVERIFY(data.holds(".quillmark-stage-of-another"));
-    QVERIFY(data.holds("Markdown/Notes/other.md"));
+    QCOMPARE(data.read(noteFile(ours.id)), noteBytes(ours));
+    QCOMPARE(data.read(noteFile(kept.id)), noteBytes(kept));
 }
 
 QTEST_GUILESS_MAIN(RacingProgramTest)

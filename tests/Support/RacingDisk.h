@@ -6,7 +6,7 @@
 #include <functional>
 
 /// A disk on which another program does something at the worst of all moments: right before or
-/// right after a new file or folder takes the place of the live one. Must not throw.
+/// right after a file or folder takes the place of the live one, or that goes. Must not throw.
 class RacingDisk final : public ForwardingDisk {
 public:
     using Action = std::function<void()>;
@@ -21,12 +21,12 @@ public:
     Result<void> rename(Handle from, const char *name, Handle to, const char *newName,
                         Rename how) noexcept override
     {
-        const auto forward = [&] { return ForwardingDisk::rename(from, name, to, newName, how); };
-        if (how == Rename::replace)
-            return forward();
+        // All that is hidden begins with a point.
+        if (*name == '.' && *newName == '.')
+            return ForwardingDisk::rename(from, name, to, newName, how);
         run(std::exchange(m_before, nullptr));
         run(m_beforeEvery);
-        const Result<void> renamed = forward();
+        const Result<void> renamed = ForwardingDisk::rename(from, name, to, newName, how);
         run(std::exchange(m_after, nullptr));
         return renamed;
     }
