@@ -112,6 +112,10 @@ std::optional<std::size_t> KnownFolder::learnStamps(const NoteFolder &folder, st
         return std::nullopt;
     std::string bytes;
     for (std::size_t i = from; i < m_files.size(); ++i) {
+        const std::size_t done = i - from;
+        if (done != 0 && done % filesBetweenLooks == 0 &&
+            std::chrono::steady_clock::now() >= deadline)
+            return i;
         NoteFile &file = m_files[i];
         const Directory &directory = folder.directory(file.place.section);
         const char *name = file.place.name.c_str();
@@ -122,8 +126,6 @@ std::optional<std::size_t> KnownFolder::learnStamps(const NoteFolder &folder, st
         const Result<FileStatus> status = directory.readFile(name, NoteFolder::largestFile, bytes);
         if (status && digestOf(bytes) == file.digest)
             file.stamp = FileStamp(*status, begin);
-        if (i % filesBetweenLooks == 0 && std::chrono::steady_clock::now() >= deadline)
-            return i + 1;
     }
     return std::nullopt;
 }
