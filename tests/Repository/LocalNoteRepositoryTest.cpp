@@ -3,8 +3,11 @@
 
 #include "DataFolder.h"
 #include "Notes.h"
+#include "RacingDisk.h"
 #include "Thrown.h"
+#include "Tidy.h"
 
+#include <QFile>
 #include <QTest>
 #include <QUrl>
 #include <limits>
@@ -44,6 +47,55 @@ QByteArray legacyFile(const QByteArray &version)
            R"(, "captureDraft": "draft", "editingDrafts": {}, "notes": [
         {"id": "8C5B6F0E-3C1D-4E0A-9C55-000000000002", "body": "two", "createdAt": 1, "updatedAt": 2},
         {"id": "8C5B6F0E-3C1D-4E0A-9C55-000000000001", "body": "one", "createdAt": 1, "updatedAt": 2}]})";
+}
+
+/// Three notes with a draft of the first, all of it loaded.
+NoteSnapshot threeNotes()
+{
+    return snapshotOf({numberedNote(1, u"a"_s), numberedNote(2, u"b"_s), numberedNote(3, u"c"_s)},
+                      u"capture"_s, {{canonicalText(numberedId(1)), u"edit"_s}});
+}
+
+/// What tells whether anything touched a file or folder: which one it is and when it changed.
+struct Trace {
+    ino_t inode;
+    std::int64_t changed;
+
+    friend bool operator==(const Trace &, const Trace &) = default;
+};
+
+QMap<QByteArray, Trace> tracesBelow(const DataFolder &data, const char *folder = "Markdown")
+{
+    QMap<QByteArray, Trace> traces;
+    for (const auto &entry : fs::recursive_directory_iterator(data.path(folder))) {
+        const std::string name = entry.path().lexically_relative(data.path()).native();
+        const struct stat found = data.status(name);
+        traces[QByteArray::fromStdString(name)] = {
+            found.st_ino,
+            found.st_ctim.tv_sec * std::int64_t{1'000'000'000} + found.st_ctim.tv_nsec};
+    }
+    return traces;
+}
+
+/// What is another one than before, came or went.
+QStringList touched(const QMap<QByteArray, Trace> &before, const QMap<QByteArray, Trace> &after)
+{
+    QStringList names;
+    for (auto trace = before.begin(); trace != before.end(); ++trace) {
+        if (after.value(trace.key(), Trace{}) != trace.value())
+            names.append(QFile::decodeName(trace.key()));
+    }
+    for (auto trace = after.begin(); trace != after.end(); ++trace) {
+        if (!before.contains(trace.key()))
+            names.append(QFile::decodeName(trace.key()));
+    }
+    names.sort();
+    return names;
+}
+
+ino_t inode(const DataFolder &data, std::string_view name)
+{
+    return data.status(name).st_ino;
 }
 
 QStringList bodies(const NoteSnapshot &snapshot)
@@ -92,6 +144,14 @@ private Q_SLOTS:
     void keepsFilesOfOtherPrograms();
     void keepsUnchangedFilesAsTheyAre();
     void touchesNothingWhenNothingChanged();
+    void touchesOneFileForADraft();
+    void touchesOneFileForANote_data();
+    void touchesOneFileForANote();
+    void exchangesOnlyTheDraftsForTwoOfThem();
+    void exchangesTheFolderForANoteAndItsDraft();
+    void tidiesUpInSlices();
+    void savesWhileFilesOfOtherProgramsComeAndGo_data();
+    void savesWhileFilesOfOtherProgramsComeAndGo();
     void writesAKeyOfLowerCaseAsItStands();
     void renamesAFileOfLowerCaseOnceItChanges();
     void refusesToWrite_data();
@@ -521,6 +581,193 @@ void LocalNoteRepositoryTest::touchesNothingWhenNothingChanged()
     repository.save(snapshot);
 
     QCOMPARE(data.status("Markdown").st_ino, before.st_ino);
+}
+
+void LocalNoteRepositoryTest::touchesOneFileForADraft()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    NoteSnapshot snapshot = threeNotes();
+    repository.save(snapshot);
+    data.write("Markdown/photo.jpg", "of another program");
+    const auto before = tracesBelow(data);
+
+    snapshot.captureDraft = u"typed"_s;
+    repository.save(snapshot);
+    tidyUp(repository);
+
+    // A file that is replaced is a change of its folder, which stays the same one.
+    QCOMPARE(touched(before, tracesBelow(data)),
+             (QStringList{u"Markdown/Drafts"_s, u"Markdown/Drafts/capture.md"_s}));
+    QCOMPARE(inode(data, "Markdown/Drafts"), before["Markdown/Drafts"].inode);
+    QCOMPARE(data.read("Markdown/Drafts/capture.md"), "typed");
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void LocalNoteRepositoryTest::touchesOneFileForANote_data()
+{
+    QTest::addColumn<NoteSnapshot>("next");
+    QTest::addColumn<int>("number");
+
+    NoteSnapshot changed = threeNotes();
+    changed.notes[1].body = u"changed"_s;
+    NoteSnapshot added = threeNotes();
+    added.notes.append(numberedNote(4, u"d"_s));
+    NoteSnapshot removed = threeNotes();
+    removed.notes.removeAt(2);
+    QTest::newRow("changed") << changed << 2;
+    QTest::newRow("added") << added << 4;
+    QTest::newRow("removed") << removed << 3;
+}
+
+void LocalNoteRepositoryTest::touchesOneFileForANote()
+{
+    QFETCH(const NoteSnapshot, next);
+    QFETCH(const int, number);
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(threeNotes());
+    const auto before = tracesBelow(data);
+    const ino_t markdown = inode(data, "Markdown");
+
+    repository.save(next);
+    tidyUp(repository);
+
+    QCOMPARE(
+        touched(before, tracesBelow(data)),
+        (QStringList{u"Markdown/Notes"_s, QString::fromStdString(noteFile(numberedId(number)))}));
+    QCOMPARE(inode(data, "Markdown"), markdown);
+    QCOMPARE(inode(data, "Markdown/Notes"), before["Markdown/Notes"].inode);
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), next);
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void LocalNoteRepositoryTest::exchangesOnlyTheDraftsForTwoOfThem()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    NoteSnapshot snapshot = threeNotes();
+    repository.save(snapshot);
+    data.write("Markdown/Drafts/list.txt", "of another program");
+    const auto notes = tracesBelow(data, "Markdown/Notes");
+    const ino_t markdown = inode(data, "Markdown");
+    const ino_t notesFolder = inode(data, "Markdown/Notes");
+    const ino_t drafts = inode(data, "Markdown/Drafts");
+    const ino_t other = inode(data, "Markdown/Drafts/list.txt");
+
+    snapshot.captureDraft = u"typed"_s;
+    snapshot.editingDrafts[canonicalText(numberedId(1))] = u"typed"_s;
+    repository.save(snapshot);
+    tidyUp(repository);
+
+    QCOMPARE(touched(notes, tracesBelow(data, "Markdown/Notes")), QStringList());
+    QCOMPARE(inode(data, "Markdown"), markdown);
+    QCOMPARE(inode(data, "Markdown/Notes"), notesFolder);
+    QVERIFY(inode(data, "Markdown/Drafts") != drafts);
+    QCOMPARE(inode(data, "Markdown/Drafts/list.txt"), other);
+    QCOMPARE(data.status("Markdown/Drafts").st_mode & 07777, 0700U);
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), snapshot);
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void LocalNoteRepositoryTest::exchangesTheFolderForANoteAndItsDraft()
+{
+    // As when what was captured becomes a note.
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    NoteSnapshot snapshot = threeNotes();
+    repository.save(snapshot);
+    const ino_t markdown = inode(data, "Markdown");
+    const ino_t other = inode(data, noteFile(numberedId(1)));
+
+    snapshot.notes.append(numberedNote(4, snapshot.captureDraft));
+    snapshot.captureDraft.clear();
+    repository.save(snapshot);
+
+    QVERIFY(inode(data, "Markdown") != markdown);
+    QCOMPARE(inode(data, noteFile(numberedId(1))), other);
+    QCOMPARE(data.count(".quillmark-stage-"), 1);
+    tidyUp(repository);
+    QCOMPARE(data.count(".quillmark-"), 0);
+    QCOMPARE(data.status(noteFile(numberedId(1))).st_nlink, 1U);
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), snapshot);
+}
+
+void LocalNoteRepositoryTest::tidiesUpInSlices()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    NoteSnapshot snapshot;
+    for (int i = 0; i < 100; ++i)
+        snapshot.notes.append(numberedNote(i, u"a"_s));
+    repository.save(snapshot);
+    QVERIFY(!repository.tidy(std::chrono::hours(1)));
+    snapshot.notes[0].body = u"b"_s;
+    snapshot.captureDraft = u"b"_s;
+    repository.save(snapshot);
+
+    int slices = 0;
+    while (data.count(".quillmark-") != 0 && slices < 200) {
+        QVERIFY(repository.tidy(std::chrono::milliseconds(0)).has_value());
+        ++slices;
+    }
+    tidyUp(repository);
+
+    QVERIFY2(slices >= 4 && slices < 200, qPrintable(QString::number(slices)));
+    QVERIFY(!repository.tidy(std::chrono::hours(1)));
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), snapshot);
+}
+
+void LocalNoteRepositoryTest::savesWhileFilesOfOtherProgramsComeAndGo_data()
+{
+    QTest::addColumn<NoteSnapshot>("next");
+    QTest::addColumn<int>("disturbances");
+
+    NoteSnapshot note = threeNotes();
+    note.notes[1].body = u"changed"_s;
+    NoteSnapshot drafts = threeNotes();
+    drafts.captureDraft = u"changed"_s;
+    drafts.editingDrafts.clear();
+    NoteSnapshot all = drafts;
+    all.notes.removeLast();
+    // One file is changed without a look at any other.
+    QTest::newRow("one file") << note << 1;
+    QTest::newRow("the drafts") << drafts << 3;
+    QTest::newRow("the whole folder") << all << 3;
+}
+
+void LocalNoteRepositoryTest::savesWhileFilesOfOtherProgramsComeAndGo()
+{
+    QFETCH(const NoteSnapshot, next);
+    QFETCH(const int, disturbances);
+    const DataFolder data;
+    RacingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(threeNotes());
+    const std::array<std::string, 3> folders{"Markdown/", "Markdown/Notes/", "Markdown/Drafts/"};
+    // Three swaps find them otherwise than the stage was made, and are taken back by another one.
+    int swaps = 0;
+    int passing = 0;
+    disk.beforeEverySwap([&] {
+        if (++swaps > 5 || swaps % 2 == 0)
+            return;
+        for (const std::string &folder : folders) {
+            fs::remove(data.path(folder + "passing " + std::to_string(passing)));
+            data.write(folder + "passing " + std::to_string(passing + 1), "theirs");
+        }
+        ++passing;
+    });
+
+    repository.save(next);
+    tidyUp(repository);
+
+    QCOMPARE(passing, disturbances);
+    for (const std::string &folder : folders) {
+        QVERIFY(!data.holds(folder + "passing " + std::to_string(passing - 1)));
+        QCOMPARE(data.read(folder + "passing " + std::to_string(passing)), "theirs");
+    }
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), next);
+    QCOMPARE(data.count(".quillmark-"), 0);
 }
 
 void LocalNoteRepositoryTest::writesAKeyOfLowerCaseAsItStands()
