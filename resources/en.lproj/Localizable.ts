@@ -363,64 +363,28 @@ with a quick note.</translation>
         <translation>“%@” could not be used: %@. Mend that, then try again.</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not a text. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is not a text. Mend it or move it away, then reopen the app.</translation>
+        <source>The older notes file “notes.json” cannot be read: there is a mistake in line %d, column %d. Mend it or move the file away, then reopen the app.</source>
+        <translation>The older notes file “notes.json” cannot be read: there is a mistake in line %d, column %d. Mend it or move the file away, then reopen the app.</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ holds a text that does not end. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ holds a text that does not end. Mend it or move it away, then reopen the app.</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” is missing. Mend it or move the file away, then reopen the app.</source>
+        <translation>The older notes file “notes.json” cannot be read: “%@” is missing. Mend it or move the file away, then reopen the app.</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ holds half a character. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ holds half a character. Mend it or move it away, then reopen the app.</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” comes twice. Mend it or move the file away, then reopen the app.</source>
+        <translation>The older notes file “notes.json” cannot be read: “%@” comes twice. Mend it or move the file away, then reopen the app.</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ holds an unknown escape. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ holds an unknown escape. Mend it or move it away, then reopen the app.</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” has a wrong value. Mend it or move the file away, then reopen the app.</source>
+        <translation>The older notes file “notes.json” cannot be read: “%@” has a wrong value. Mend it or move the file away, then reopen the app.</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not a number. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is not a number. Mend it or move it away, then reopen the app.</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” is nested too deeply. Mend it or move the file away, then reopen the app.</source>
+        <translation>The older notes file “notes.json” cannot be read: “%@” is nested too deeply. Mend it or move the file away, then reopen the app.</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is a number that is too large. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is a number that is too large. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not an integer of 64 bits. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is not an integer of 64 bits. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not an identifier. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is not an identifier. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not a time of the years 0 to 9999. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is not a time of the years 0 to 9999. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is no value. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is no value. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ lacks “%@”. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ lacks “%@”. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ comes twice. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ comes twice. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is nested too deeply. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is nested too deeply. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is followed by more. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is followed by more. Mend it or move it away, then reopen the app.</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not UTF-8 text. Mend it or move it away, then reopen the app.</source>
-        <translation>The older notes file “notes.json” cannot be read: %@ is not UTF-8 text. Mend it or move it away, then reopen the app.</translation>
+        <source>The older notes file “notes.json” has version %d and cannot be read: “%@” is not as in version 1. Mend it or move the file away, then reopen the app.</source>
+        <translation>The older notes file “notes.json” has version %d and cannot be read: “%@” is not as in version 1. Mend it or move the file away, then reopen the app.</translation>
     </message>
 </context>
 </TS>

@@ -363,64 +363,28 @@ with a quick note.</source>
         <translation>“%@”无法使用：%@。请排除此问题，然后重试。</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not a text. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 不是文本。请修复或移走它，然后重新打开应用。</translation>
+        <source>The older notes file “notes.json” cannot be read: there is a mistake in line %d, column %d. Mend it or move the file away, then reopen the app.</source>
+        <translation>旧版笔记文件“notes.json”无法读取：第 %d 行第 %d 列有错误。请修复或移走该文件，然后重新打开应用。</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ holds a text that does not end. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 中有未结束的文本。请修复或移走它，然后重新打开应用。</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” is missing. Mend it or move the file away, then reopen the app.</source>
+        <translation>旧版笔记文件“notes.json”无法读取：缺少“%@”。请修复或移走该文件，然后重新打开应用。</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ holds half a character. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 中有不完整的字符。请修复或移走它，然后重新打开应用。</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” comes twice. Mend it or move the file away, then reopen the app.</source>
+        <translation>旧版笔记文件“notes.json”无法读取：“%@”出现了两次。请修复或移走该文件，然后重新打开应用。</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ holds an unknown escape. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 中有无法识别的转义。请修复或移走它，然后重新打开应用。</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” has a wrong value. Mend it or move the file away, then reopen the app.</source>
+        <translation>旧版笔记文件“notes.json”无法读取：“%@”的值不正确。请修复或移走该文件，然后重新打开应用。</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not a number. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 不是数字。请修复或移走它，然后重新打开应用。</translation>
+        <source>The older notes file “notes.json” cannot be read: “%@” is nested too deeply. Mend it or move the file away, then reopen the app.</source>
+        <translation>旧版笔记文件“notes.json”无法读取：“%@”嵌套过深。请修复或移走该文件，然后重新打开应用。</translation>
     </message>
     <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is a number that is too large. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 的数值过大。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not an integer of 64 bits. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 不是 64 位整数。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not an identifier. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 不是标识符。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not a time of the years 0 to 9999. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 不是 0 至 9999 年之间的时间。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is no value. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 不是有效的值。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ lacks “%@”. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 缺少“%@”。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ comes twice. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 出现了两次。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is nested too deeply. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 嵌套过深。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is followed by more. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 之后还有多余内容。请修复或移走它，然后重新打开应用。</translation>
-    </message>
-    <message>
-        <source>The older notes file “notes.json” cannot be read: %@ is not UTF-8 text. Mend it or move it away, then reopen the app.</source>
-        <translation>旧版笔记文件“notes.json”无法读取：%@ 不是 UTF-8 文本。请修复或移走它，然后重新打开应用。</translation>
+        <source>The older notes file “notes.json” has version %d and cannot be read: “%@” is not as in version 1. Mend it or move the file away, then reopen the app.</source>
+        <translation>旧版笔记文件“notes.json”的版本为 %d，无法读取：“%@”与版本 1 不符。请修复或移走该文件，然后重新打开应用。</translation>
     </message>
 </context>
 </TS>

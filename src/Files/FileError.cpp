@@ -10,42 +10,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Every sentence names the file first and then says what to do. Each is a translation key.
-QString sentence(Reason reason)
-{
-    switch (reason) {
-    case Reason::unsupportedVersion:
-    case Reason::invalidMarkdown:
-    case Reason::externalChange:
-    case Reason::recoveryRequired:
-    case Reason::system:
-        break;
-    case Reason::notUtf8:
-        return u"“%@” is not UTF-8 text. Convert it or move it away, then reopen the app."_s;
-    case Reason::notRegularFile:
-        return u"“%@” is not an ordinary file. Move it away, then reopen the app."_s;
-    case Reason::notFolder:
-        return u"“%@” is not a folder of its own. Move it away, then reopen the app."_s;
-    case Reason::mountPoint:
-        return u"“%@” belongs to another disk. Unmount it, then try again."_s;
-    case Reason::tooLarge:
-        return u"“%@” is too large for a note. Shorten it or move it away, then try again."_s;
-    case Reason::tooManyNotes:
-        return u"“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again."_s;
-    case Reason::tooMuchText:
-        return u"“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again."_s;
-    case Reason::tooDeep:
-        return u"“%@” lies in too many folders. Move it further up or away, then try again."_s;
-    case Reason::secondDraft:
-        return u"“%@” is the second draft of one note. Move one of the two away, then reopen the app."_s;
-    case Reason::notUnicode:
-        return u"“%@” was not written: its text holds a broken character. Remove it, then try again."_s;
-    }
-    return {};
-}
-
-/// Empty for an errno that has no sentence of its own.
-QString sentence(int systemError)
+/// Names the file first and then says what to do, as the sentences of the other reasons do. Each is
+/// a translation key. Empty for an errno that has no sentence of its own.
+QString sentenceFor(int systemError)
 {
     switch (systemError) {
     case ENOSPC:
@@ -108,8 +75,8 @@ Message FileError::message() const
 {
     const QString file = shown(m_path);
     if (reason() != Reason::system)
-        return {sentence(reason()), {file}};
-    if (const QString known = sentence(m_systemError); !known.isEmpty())
+        return {sentence(), {file}};
+    if (const QString known = sentenceFor(m_systemError); !known.isEmpty())
         return {known, {file}};
     return {u"“%@” could not be used: %@. Mend that, then try again."_s,
             {file, QString::fromLocal8Bit(std::strerror(m_systemError))}};

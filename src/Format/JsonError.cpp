@@ -1,65 +1,55 @@
 // SPDX-License-Identifier: MIT
 #include "JsonError.h"
 
-#include <utility>
+#include "FileNames.h"
 
-using namespace Qt::Literals::StringLiterals;
+#include <QStringBuilder>
+#include <utility>
 
 namespace {
 
-/// Every sentence names the file, the place in it, and what to do. Each is a translation key.
-QString sentence(JsonError::Problem problem)
+/// As much of a way as a person can make use of: its beginning and its end. The names in it may be
+/// anybody's.
+QString shown(const QString &way)
 {
-    using enum JsonError::Problem;
-    switch (problem) {
-    case notText:
-        return u"The older notes file “notes.json” cannot be read: %@ is not a text. Mend it or move it away, then reopen the app."_s;
-    case endlessText:
-        return u"The older notes file “notes.json” cannot be read: %@ holds a text that does not end. Mend it or move it away, then reopen the app."_s;
-    case halfCharacter:
-        return u"The older notes file “notes.json” cannot be read: %@ holds half a character. Mend it or move it away, then reopen the app."_s;
-    case unknownEscape:
-        return u"The older notes file “notes.json” cannot be read: %@ holds an unknown escape. Mend it or move it away, then reopen the app."_s;
-    case notNumber:
-        return u"The older notes file “notes.json” cannot be read: %@ is not a number. Mend it or move it away, then reopen the app."_s;
-    case numberTooLarge:
-        return u"The older notes file “notes.json” cannot be read: %@ is a number that is too large. Mend it or move it away, then reopen the app."_s;
-    case notInteger:
-        return u"The older notes file “notes.json” cannot be read: %@ is not an integer of 64 bits. Mend it or move it away, then reopen the app."_s;
-    case notIdentifier:
-        return u"The older notes file “notes.json” cannot be read: %@ is not an identifier. Mend it or move it away, then reopen the app."_s;
-    case notTime:
-        return u"The older notes file “notes.json” cannot be read: %@ is not a time of the years 0 to 9999. Mend it or move it away, then reopen the app."_s;
-    case notValue:
-        return u"The older notes file “notes.json” cannot be read: %@ is no value. Mend it or move it away, then reopen the app."_s;
-    case lacks:
-        return u"The older notes file “notes.json” cannot be read: %@ lacks “%@”. Mend it or move it away, then reopen the app."_s;
-    case comesTwice:
-        return u"The older notes file “notes.json” cannot be read: %@ comes twice. Mend it or move it away, then reopen the app."_s;
-    case tooDeep:
-        return u"The older notes file “notes.json” cannot be read: %@ is nested too deeply. Mend it or move it away, then reopen the app."_s;
-    case followedByMore:
-        return u"The older notes file “notes.json” cannot be read: %@ is followed by more. Mend it or move it away, then reopen the app."_s;
-    case notUtf8:
-        return u"The older notes file “notes.json” cannot be read: %@ is not UTF-8 text. Mend it or move it away, then reopen the app."_s;
-    }
-    Q_UNREACHABLE();
+    constexpr qsizetype mostAtEachEnd = 29;
+    if (way.isEmpty())
+        return QString::fromLatin1(FileNames::olderNotes);
+    if (way.size() <= 2 * mostAtEachEnd + 1)
+        return way;
+    QStringView begin = QStringView(way).first(mostAtEachEnd);
+    QStringView end = QStringView(way).last(mostAtEachEnd);
+    if (begin.back().isHighSurrogate())
+        begin.chop(1);
+    if (end.front().isLowSurrogate())
+        end = end.sliced(1);
+    return begin % u'…' % end;
 }
 
 } // namespace
 
-JsonError::JsonError(Problem problem, QString place, QString lacking)
-    : StorageError(Reason::system)
-    , m_problem(problem)
-    , m_place(std::move(place))
-    , m_lacking(std::move(lacking))
+JsonError::JsonError(Reason reason, QList<FormatArgument> arguments)
+    : StorageError(reason)
+    , m_arguments(std::move(arguments))
 {
 }
 
-Message JsonError::message() const
+JsonError JsonError::notUtf8()
 {
-    QList<FormatArgument> arguments{m_place.isEmpty() ? u"notes.json"_s : m_place};
-    if (m_problem == Problem::lacks)
-        arguments.append(m_lacking);
-    return {sentence(m_problem), arguments};
+    return {Reason::notUtf8, {QString::fromLatin1(FileNames::olderNotes)}};
+}
+
+JsonError JsonError::syntax(qint64 line, qint64 column)
+{
+    return {Reason::jsonSyntax, {line, column}};
+}
+
+JsonError JsonError::atWay(Reason reason, const QString &way)
+{
+    return {reason, {shown(way)}};
+}
+
+JsonError JsonError::otherShape(qint64 version, const QString &way)
+{
+    return {Reason::jsonOtherShape, {version, shown(way)}};
 }

@@ -10,7 +10,11 @@
 ///     {"version": 1, "captureDraft": "…", "editingDrafts": {"<id>": "…"},
 ///      "notes": [{"id": "…", "body": "…", "createdAt": 700000000.5, "updatedAt": …}]}
 ///
-/// Times are seconds since 2001-01-01 00:00:00 UTC. Every key is required and comes once, unknown
-/// keys are ignored. Keys of drafts are given their canonical text. Throws a JsonError, and a
-/// RepositoryError for a version other than 1.
+/// Times are seconds since 2001-01-01 00:00:00 UTC. Every key is required, in any order. Unknown
+/// keys are ignored, but no object may have a name twice. Keys of drafts are given their canonical
+/// text.
+///
+/// The reading needs memory for the snapshot, for the names in the objects that are open, and for
+/// one text at a time. Throws a JsonError; for a version other than 1 in the same form a
+/// RepositoryError.
 [[nodiscard]] NoteSnapshot decodeLegacySnapshot(const QByteArray &bytes);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "RepositoryError.h"
 
-using namespace Qt::Literals::StringLiterals;
-
 RepositoryError RepositoryError::unsupportedVersion(qint64 found) noexcept
 {
     return {Reason::unsupportedVersion, found};
@@ -25,21 +23,7 @@ RepositoryError RepositoryError::recoveryRequired() noexcept
 
 Message RepositoryError::message() const
 {
-    switch (reason()) {
-    case Reason::unsupportedVersion:
-        return {u"Unsupported note version: %d. Original files were left untouched."_s,
-                {m_version}};
-    case Reason::invalidMarkdown:
-        return {u"A Markdown file has invalid metadata. Original files were left untouched."_s, {}};
-    case Reason::externalChange:
-        return {u"Notes changed outside Quillmark. Copy your pending text and reopen the app to "
-                u"reload the files."_s,
-                {}};
-    case Reason::recoveryRequired:
-        return {u"A recovery copy needs attention. Original files were preserved in the data "
-                u"folder."_s,
-                {}};
-    default:
-        Q_UNREACHABLE();
-    }
+    if (reason() == Reason::unsupportedVersion)
+        return {sentence(), {m_version}};
+    return {sentence(), {}};
 }

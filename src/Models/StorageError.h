@@ -26,6 +26,14 @@ enum class Reason : std::uint8_t {
     tooDeep,        ///< More folders in one another than are followed.
     secondDraft,    ///< Another file is the same draft, under a name of another case.
     notUnicode,     ///< The text to be written holds half a surrogate pair.
+
+    // One value of the older notes file.
+    jsonSyntax,     ///< No JSON from some place on, or half a surrogate pair there.
+    jsonMissing,    ///< A key that must be there is not.
+    jsonTwice,      ///< A name, or a draft of one note, that another one was before.
+    jsonWrongValue, ///< A value of another kind, or out of its range.
+    jsonTooDeep,    ///< More values in one another than are followed.
+    jsonOtherShape, ///< A key is missing or has a wrong value, in a file of another version.
 };
 
 /// The base of everything that the storage throws. NoteStore is the only place that catches.
@@ -44,6 +52,9 @@ protected:
         : m_reason(reason)
     {
     }
+
+    /// The key of the reason's one sentence; empty for the system's, which has one for each errno.
+    [[nodiscard]] QString sentence() const;
 
 private:
     Reason m_reason;

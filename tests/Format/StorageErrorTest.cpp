@@ -23,6 +23,7 @@ private Q_SLOTS:
     void showsANameThatIsNotUtf8();
     void showsBothEndsOfALongPath();
     void saysWhatIsWrongWithTheOlderFile();
+    void showsBothEndsOfALongWay();
 };
 
 void StorageErrorTest::namesTheVersionThatIsNotSupported_data()
@@ -111,14 +112,36 @@ void StorageErrorTest::showsBothEndsOfALongPath()
 
 void StorageErrorTest::saysWhatIsWrongWithTheOlderFile()
 {
-    using enum JsonError::Problem;
-    const auto text = [](const JsonError &error) { return error.description(); };
+    const auto says = [](const JsonError &error, QStringView text) {
+        return error.description().contains(u"notes.json"_s) && error.description().contains(text);
+    };
+    const QString way = u"notes[3].id"_s;
 
-    QVERIFY(text({notIdentifier, u"notes[3].id"_s}).contains(u"notes.json"_s));
+    QVERIFY(says(JsonError::notUtf8(), u"“notes.json” is not UTF-8 text."));
+    QVERIFY(says(JsonError::syntax(2, 14), u": there is a mistake in line 2, column 14."));
+    QVERIFY(says(JsonError::atWay(Reason::jsonMissing, way), u": “notes[3].id” is missing."));
+    QVERIFY(says(JsonError::atWay(Reason::jsonTwice, way), u": “notes[3].id” comes twice."));
     QVERIFY(
-        text({notIdentifier, u"notes[3].id"_s}).contains(u": notes[3].id is not an identifier."_s));
-    QVERIFY(text({lacks, u"notes[3]"_s, u"body"_s}).contains(u": notes[3] lacks “body”."_s));
-    QVERIFY(text({notUtf8, {}}).contains(u": notes.json is not UTF-8 text."_s));
+        says(JsonError::atWay(Reason::jsonWrongValue, way), u": “notes[3].id” has a wrong value."));
+    QVERIFY(
+        says(JsonError::atWay(Reason::jsonTooDeep, way), u": “notes[3].id” is nested too deeply."));
+    QVERIFY(says(JsonError::otherShape(2, way),
+                 u"has version 2 and cannot be read: “notes[3].id” is not as in version 1."));
+}
+
+void StorageErrorTest::showsBothEndsOfALongWay()
+{
+    const auto shown = [](const QString &way) {
+        const Message message = JsonError::atWay(Reason::jsonWrongValue, way).message();
+        return std::get<QString>(message.arguments.first());
+    };
+    const QString longest(59, u'k');
+
+    QCOMPARE(shown(longest), longest);
+    QCOMPARE(shown(u"notes[3]."_s + longest + u".id"_s),
+             u"notes[3]."_s + QString(20, u'k') + u'…' + QString(26, u'k') + u".id"_s);
+    QVERIFY(shown(QString(28, u'k') + u"🪶"_s.repeated(3) + QString(28, u'k')).isValidUtf16());
+    QVERIFY(shown(QString(28, u'k') + u"🪶"_s.repeated(3) + QString(28, u'k')).contains(u'…'));
 }
 
 QTEST_GUILESS_MAIN(StorageErrorTest)

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "StorageError.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Each names the place, says what is wrong there, and then what to do. Each is a translation key.
+QString StorageError::sentence() const
+{
+    switch (m_reason) {
+    case Reason::unsupportedVersion:
+        return u"Unsupported note version: %d. Original files were left untouched."_s;
+    case Reason::invalidMarkdown:
+        return u"A Markdown file has invalid metadata. Original files were left untouched."_s;
+    case Reason::externalChange:
+        return u"Notes changed outside Quillmark. Copy your pending text and reopen the app to reload the files."_s;
+    case Reason::recoveryRequired:
+        return u"A recovery copy needs attention. Original files were preserved in the data folder."_s;
+    case Reason::system:
+        return {};
+    case Reason::notUtf8:
+        return u"“%@” is not UTF-8 text. Convert it or move it away, then reopen the app."_s;
+    case Reason::notRegularFile:
+        return u"“%@” is not an ordinary file. Move it away, then reopen the app."_s;
+    case Reason::notFolder:
+        return u"“%@” is not a folder of its own. Move it away, then reopen the app."_s;
+    case Reason::mountPoint:
+        return u"“%@” belongs to another disk. Unmount it, then try again."_s;
+    case Reason::tooLarge:
+        return u"“%@” is too large for a note. Shorten it or move it away, then try again."_s;
+    case Reason::tooManyNotes:
+        return u"“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again."_s;
+    case Reason::tooMuchText:
+        return u"“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again."_s;
+    case Reason::tooDeep:
+        return u"“%@” lies in too many folders. Move it further up or away, then try again."_s;
+    case Reason::secondDraft:
+        return u"“%@” is the second draft of one note. Move one of the two away, then reopen the app."_s;
+    case Reason::notUnicode:
+        return u"“%@” was not written: its text holds a broken character. Remove it, then try again."_s;
+    case Reason::jsonSyntax:
+        return u"The older notes file “notes.json” cannot be read: there is a mistake in line %d, column %d. Mend it or move the file away, then reopen the app."_s;
+    case Reason::jsonMissing:
+        return u"The older notes file “notes.json” cannot be read: “%@” is missing. Mend it or move the file away, then reopen the app."_s;
+    case Reason::jsonTwice:
+        return u"The older notes file “notes.json” cannot be read: “%@” comes twice. Mend it or move the file away, then reopen the app."_s;
+    case Reason::jsonWrongValue:
+        return u"The older notes file “notes.json” cannot be read: “%@” has a wrong value. Mend it or move the file away, then reopen the app."_s;
+    case Reason::jsonTooDeep:
+        return u"The older notes file “notes.json” cannot be read: “%@” is nested too deeply. Mend it or move the file away, then reopen the app."_s;
+    case Reason::jsonOtherShape:
+        return u"The older notes file “notes.json” has version %d and cannot be read: “%@” is not as in version 1. Mend it or move the file away, then reopen the app."_s;
+    }
+    Q_UNREACHABLE();
+}
