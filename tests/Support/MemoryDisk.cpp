@@ -925,6 +925,30 @@ bool MemoryDisk::hasReliableTimes(Handle handle) noexcept
     return m_image.m_abilities.hasReliableTimes;
 }
 
+// -- Tests -------------------------------------------------------------------------------------
+
+std::optional<FileStatus> MemoryDisk::statusAt(const char *path) const
+{
+    const Result<Number> found = walk(path);
+    return found ? std::optional(statusOf(*found)) : std::nullopt;
+}
+
+const std::string *MemoryDisk::contentAt(const char *path) const
+{
+    const Result<Number> found = walk(path);
+    return found && inode(*found).kind == FileKind::file ? inode(*found).bytes.get() : nullptr;
+}
+
+std::vector<std::string> MemoryDisk::namesAt(const char *path) const
+{
+    std::vector<std::string> names;
+    if (const Result<Number> found = walk(path)) {
+        for (const Entry &entry : inode(*found).entries)
+            names.push_back(*entry.name);
+    }
+    return names;
+}
+
 // -- Other programs ----------------------------------------------------------------------------
 
 Result<void> MemoryDisk::overwrite(Handle folder, const char *name,
@@ -944,7 +968,8 @@ Result<void> MemoryDisk::overwrite(Handle folder, const char *name,
                            return Failure::system(EACCES);
                        Inode &written = edit(*found);
                        written.bytes = std::make_shared<const std::string>(bytes);
-                       written.modified = written.changed = now();
+                       if (m_image.m_abilities.hasReliableTimes)
+                           written.modified = written.changed = now();
                        return {};
                    });
 }

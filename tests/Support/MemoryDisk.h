@@ -5,6 +5,7 @@
 #include "Disk.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -184,7 +185,16 @@ public:
     void setCallCount(std::uint32_t count) noexcept { m_callCount = count; }
     [[nodiscard]] std::size_t openHandleCount() const noexcept;
 
+    /// What a test sees without a call. Links are followed; nothing and null when there is no such
+    /// entry. The content is a file's.
+    [[nodiscard]] std::optional<FileStatus> statusAt(const char *path) const;
+    [[nodiscard]] const std::string *contentAt(const char *path) const;
+
+    /// The names in a folder, in no order; none when there is no such folder.
+    [[nodiscard]] std::vector<std::string> namesAt(const char *path) const;
+
     /// What the storage never does, but other programs and tests do. The same errors as everywhere.
+    /// On a disk without reliable times a file that is overwritten keeps its times.
     Result<void> overwrite(Handle folder, const char *name, const std::string &bytes) noexcept;
     Result<void> makeSymbolicLink(Handle folder, const char *name, const char *target) noexcept;
     Result<void> makePipe(Handle folder, const char *name) noexcept;
