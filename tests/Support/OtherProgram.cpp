@@ -102,3 +102,9 @@ bool OtherProgram::rename(const std::string &path, const std::string &newPath)
            m_disk.rename(place.folder(), place.name(), newPlace.folder(), newPlace.name(),
                          Disk::Rename::replace);
 }
+
+void OtherProgram::syncAll()
+{
+    const Place root(m_disk, "/");
+    static_cast<void>(m_disk.syncFileSystem(root.folder()));
+}

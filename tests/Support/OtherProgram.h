@@ -33,6 +33,9 @@ public:
     bool removeAll(const std::string &path);
     bool rename(const std::string &path, const std::string &newPath);
 
+    /// Puts on the disk what anybody has written.
+    void syncAll();
+
 private:
     class Place;
 
