@@ -16,6 +16,7 @@ A broken promise ends its regime; the others still run.
 
 import argparse
 import os
+import subprocess
 import sys
 import tempfile
 
@@ -27,10 +28,22 @@ from storage import Broken, Faults
 
 ERRORS = ["ENOSPC", "EIO", "EACCES", "EMFILE", "EDQUOT", "EROFS", "EINTR"]
 SHORT_ERRORS = ["ENOSPC", "EIO", "EINTR"]
+STOPS = 10_000_000
 
 
-def regimes(faults, short):
+def simulation(faults, driver):
+    """The same promises on a disk in memory, stopped far more often than a real one can be."""
+    program = os.path.join(os.path.dirname(driver), "StorageSimulation")
+    if subprocess.run([program, "--stops", str(STOPS), "--jobs", str(os.cpu_count())],
+                      check=False).returncode != 0:
+        raise Broken("the simulation found a stop that breaks a promise; it is shown above")
+    faults.tried += STOPS
+
+
+def regimes(faults, driver, short):
     """Names and what to run."""
+    if not short:
+        yield "simulation", lambda: simulation(faults, driver)
     errors = SHORT_ERRORS if short else ERRORS
     yield "order of syncs", lambda: order_of_syncs(faults)
     yield "errors", lambda: every_call(faults, "error", errors, 5 if short else 1)
@@ -60,9 +73,10 @@ def main():
     arguments = parser.parse_args()
 
     with tempfile.TemporaryDirectory(prefix="quillmark-faults-") as scratch:
-        faults = Faults(os.path.abspath(arguments.driver), scratch)
+        driver = os.path.abspath(arguments.driver)
+        faults = Faults(driver, scratch)
         broken = 0
-        for name, regime in regimes(faults, arguments.short):
+        for name, regime in regimes(faults, driver, arguments.short):
             if arguments.regime and name not in arguments.regime:
                 continue
             before = faults.tried

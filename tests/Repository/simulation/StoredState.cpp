@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "StoredState.h"
+
+#include "NoteId.h"
+
+#include <algorithm>
+#include <set>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const Note *find(const NoteSnapshot &snapshot, const QString &key)
+{
+    const auto note = std::ranges::find_if(
+        snapshot.notes, [&](const Note &other) { return canonicalText(other.id) == key; });
+    return note != snapshot.notes.end() ? &*note : nullptr;
+}
+
+std::string quoted(const QString &text)
+{
+    return '"' + text.left(40).replace(u'\n', u'|').replace(u'\r', u'<').toStdString() + '"';
+}
+
+} // namespace
+
+NoteSnapshot StoredState::shown() const
+{
+    NoteSnapshot snapshot = saved;
+    for (auto draft = kept.begin(); draft != kept.end(); ++draft) {
+        if (savedText(saved, draft.key()) == draft->base)
+            setText(snapshot, draft.key(), draft->text);
+    }
+    return snapshot;
+}
+
+void StoredState::keep(const NoteSnapshot &typed)
+{
+    const auto keepDraft = [&](const QString &key, const QString &text) {
+        const std::optional<QString> base = savedText(saved, key);
+        if (!base)
+            return;
+        const auto before = kept.find(key);
+        const bool isKept = before != kept.end() && before->base == *base;
+        if (isKept ? before->text != text : *base != text)
+            kept[key] = {*base, text};
+    };
+    keepDraft(captureKey(), typed.captureDraft);
+    for (auto draft = typed.editingDrafts.begin(); draft != typed.editingDrafts.end(); ++draft)
+        keepDraft(draft.key(), draft.value());
+}
+
+NoteSnapshot inOrder(NoteSnapshot snapshot)
+{
+    std::ranges::sort(snapshot.notes, {}, &Note::id);
+    return snapshot;
+}
+
+const QString &captureKey()
+{
+    static const QString key = u"capture"_s;
+    return key;
+}
+
+std::optional<QString> savedText(const NoteSnapshot &saved, const QString &key)
+{
+    if (key == captureKey())
+        return saved.captureDraft;
+    if (const auto draft = saved.editingDrafts.find(key); draft != saved.editingDrafts.end())
+        return *draft;
+    const Note *note = find(saved, key);
+    return note ? std::optional(note->body) : std::nullopt;
+}
+
+void setText(NoteSnapshot &snapshot, const QString &key, const QString &text)
+{
+    if (key == captureKey())
+        snapshot.captureDraft = text;
+    else
+        snapshot.editingDrafts[key] = text;
+}
+
+std::vector<std::string> filesThatDiffer(const NoteSnapshot &a, const NoteSnapshot &b)
+{
+    std::set<std::string> files;
+    if (a.captureDraft != b.captureDraft)
+        files.insert("Drafts/capture.md");
+    for (const auto &[one, other] : {std::pair(&a, &b), std::pair(&b, &a)}) {
+        for (const Note &note : one->notes) {
+            const QString key = canonicalText(note.id);
+            const Note *same = find(*other, key);
+            if (!same || *same != note)
+                files.insert("Notes/" + key.toStdString() + ".md");
+        }
+        const auto &drafts = one->editingDrafts;
+        for (auto draft = drafts.begin(); draft != drafts.end(); ++draft) {
+            const auto same = other->editingDrafts.find(draft.key());
+            if (same == other->editingDrafts.end() || *same != *draft)
+                files.insert("Drafts/" + draft.key().toStdString() + ".md");
+        }
+    }
+    return {files.begin(), files.end()};
+}
+
+std::string describe(const NoteSnapshot &snapshot)
+{
+    std::string text;
+    for (const Note &note : snapshot.notes)
+        text += "    note " + canonicalText(note.id).right(4).toStdString() + ' ' +
+                quoted(note.body) + ' ' + note.updatedAt.toIso8601().toStdString() + '\n';
+    text += "    capture " + quoted(snapshot.captureDraft) + '\n';
+    const auto &drafts = snapshot.editingDrafts;
+    for (auto draft = drafts.begin(); draft != drafts.end(); ++draft)
+        text += "    draft " + draft.key().right(4).toStdString() + ' ' + quoted(*draft) + '\n';
+    return text;
+}
