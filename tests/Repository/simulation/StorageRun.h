@@ -87,7 +87,7 @@ private:
     void judgeFault(const Subject &subject, const Outcome &outcome);
     void judgeEdit(const Subject &subject, const Outcome &outcome);
     void repeat(const Subject &subject);
-    void goOn(const StopCheck::Found &found, NoteSnapshot saved);
+    void goOn(const StopCheck::Found &found, const NoteSnapshot &saved);
     void takeAsSaved();
     void lookAtFiles();
     void checkFiles(const NoteSnapshot &saved);

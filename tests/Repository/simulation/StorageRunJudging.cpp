@@ -163,8 +163,10 @@ void StorageRun::judgeStops(const Subject &subject, const Outcome &outcome)
     between.mayNeedRecovery = operation != Operation::typing && operation != Operation::tidy;
     if (m_plan.kind == StopKind::powerCut)
         between.everKept = &m_everKept;
-    if (m_plan.kind == StopKind::powerCut)
+    if (m_plan.kind == StopKind::powerCut && !m_notYetOver.empty()) {
         add(between, m_notYetOver);
+        between.mayNeedRecovery = true;
+    }
     const std::vector<MemoryDisk::Image> &images = m_watcher.images();
     for (std::size_t i = 0; i < images.size(); ++i) {
         say("   stop " + std::to_string(i));
@@ -329,21 +331,28 @@ void StorageRun::judgeEdit(const Subject &subject, const Outcome &outcome)
 }
 
 /// The program is started anew on what was found.
-void StorageRun::goOn(const StopCheck::Found &found, NoteSnapshot saved)
+void StorageRun::goOn(const StopCheck::Found &found, const NoteSnapshot &saved)
 {
     m_hasGoneOn = true;
     m_repository.reset();
     if (m_disk.openHandleCount() != 0)
         throw BrokenPromise{"A folder or file is open that nobody needs."};
     m_disk.become(found.image);
-    m_state = {.saved = std::move(saved), .kept = {}};
+    // What is saved and what is only kept of the typing may look the same.
+    m_state = {.saved = saved, .kept = {}};
     std::set<QString> keys{captureKey()};
     keys.insert(found.shown.editingDrafts.keyBegin(), found.shown.editingDrafts.keyEnd());
     for (const QString &key : keys) {
-        const std::optional<QString> base = savedText(m_state.saved, key);
+        const std::string file =
+            SimulatedFolder::markdown + ("/Drafts/" + key.toStdString()) + ".md";
+        const std::string *draft = m_disk.contentAt(file.c_str());
+        m_state.saved.editingDrafts.remove(key);
+        if (draft || key == captureKey())
+            setText(m_state.saved, key, draft ? QString::fromStdString(*draft) : QString());
         const std::optional<QString> text = savedText(found.shown, key);
-        const bool isKept = key != captureKey() && !m_state.saved.editingDrafts.contains(key);
-        if (base && text && (*base != *text || isKept))
+        const std::optional<QString> base = savedText(m_state.saved, key);
+        const bool isShownOnly = !draft && key != captureKey();
+        if (base && text && (*base != *text || isShownOnly))
             m_state.kept[key] = {*base, *text};
     }
     if (m_edit && m_edit->isForeign && !m_disk.statusAt(m_edit->path.c_str()))
