@@ -29,7 +29,7 @@ inline constexpr std::string_view recoveryPrefix = ".quillmark-recovery-";
 inline constexpr std::string_view typedPrefix = ".quillmark-typed-";
 
 /// The first line of a typed text.
-inline constexpr std::string_view typedMarker = "Quillmark typed 1\n";
+inline constexpr std::string_view typedMarker = "Quillmark typed 2\n";
 
 /// In the Markdown folder, with all that it holds.
 inline constexpr const char *marker = ".format";

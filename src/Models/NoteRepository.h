@@ -35,5 +35,12 @@ public:
 
     /// Keeps the drafts from a sudden end of the program until they are saved: the next load()
     /// gives them. Quick, and no stored note changes. May throw as well.
-    virtual void keepTyped(const NoteSnapshot & /*snapshot*/) {}
+    ///
+    /// The identifier is that of the note which the text of the capture screen would become. Where
+    /// it is among the stored notes by then, that text is out of date.
+    virtual void keepTyped(const NoteSnapshot & /*snapshot*/, const QUuid & /*captureId*/) {}
+
+    /// With which identifier the text of the capture screen was kept that the last load() gave;
+    /// absent when it gave none.
+    [[nodiscard]] virtual std::optional<QUuid> captureId() const { return std::nullopt; }
 };

@@ -125,9 +125,9 @@ void LocalNoteRepository::save(const NoteSnapshot &snapshot)
     m_typed.forget();
 }
 
-void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot)
+void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot, const QUuid &captureId)
 {
-    m_typed.keep(snapshot, m_saved);
+    m_typed.keep(snapshot, m_saved, captureId);
 }
 
 std::optional<NoteSnapshot> LocalNoteRepository::readLegacySnapshot(const Directory &data) const

@@ -39,7 +39,8 @@ public:
     /// their links, so that the next save need not.
     [[nodiscard]] std::optional<std::chrono::milliseconds>
     tidy(std::chrono::milliseconds most) override;
-    void keepTyped(const NoteSnapshot &snapshot) override;
+    void keepTyped(const NoteSnapshot &snapshot, const QUuid &captureId) override;
+    [[nodiscard]] std::optional<QUuid> captureId() const override { return m_typed.captureId(); }
 
 private:
     void loadNotes();

@@ -20,7 +20,9 @@ constexpr auto captureKey = "capture"_L1;
 
 /// A digest in hexadecimal, and a line end.
 constexpr std::size_t digestSize = 65;
-constexpr std::size_t headerSize = marker.size() + 2 * digestSize;
+/// An identifier, and a line end.
+constexpr std::size_t idSize = 37;
+constexpr std::size_t headerSize = marker.size() + 2 * digestSize + idSize;
 
 std::string digestLine(std::string_view bytes)
 {
@@ -43,19 +45,32 @@ std::optional<QString> savedText(const NoteSnapshot &saved, const QString &key)
     return note != saved.notes.end() ? std::optional(note->body) : std::nullopt;
 }
 
-/// The text after the header, or nothing when the file is torn or goes on from another text.
-std::optional<QString> keptText(std::string_view file, const QString &saved)
+struct KeptText {
+    QUuid captureId;
+    QString text;
+};
+
+/// Nothing when the file is torn or goes on from another text.
+std::optional<KeptText> parse(std::string_view file, const QString &saved)
 {
     std::string base;
     if (!file.starts_with(marker) || file.size() < headerSize || !encodeUtf8(saved, base))
         return std::nullopt;
-    const std::string_view text = file.substr(headerSize);
+    const std::string_view content = file.substr(marker.size() + 2 * digestSize);
     if (file.substr(marker.size(), digestSize) != digestLine(base) ||
-        file.substr(marker.size() + digestSize, digestSize) != digestLine(text))
+        file.substr(marker.size() + digestSize, digestSize) != digestLine(content))
         return std::nullopt;
+    const std::optional<QUuid> id = parseId(content.substr(0, idSize - 1));
     Utf8Decoder decoder;
-    const std::optional<QStringView> decoded = decoder.decode(text);
-    return decoded ? std::optional(decoded->toString()) : std::nullopt;
+    const std::optional<QStringView> text = decoder.decode(content.substr(idSize));
+    return id && text ? std::optional(KeptText{*id, text->toString()}) : std::nullopt;
+}
+
+/// What was captured stands among the notes. Nothing else tells: the draft is as empty after the
+/// capture as it was before the first key.
+bool isCaptured(const KeptText &kept, const NoteSnapshot &saved)
+{
+    return std::ranges::find(saved.notes, kept.captureId, &Note::id) != saved.notes.end();
 }
 
 } // namespace
@@ -66,36 +81,40 @@ TypedText::TypedText(Disk &disk, std::filesystem::path dataFolder)
 {
 }
 
-void TypedText::keep(const NoteSnapshot &typed, const NoteSnapshot &saved)
+void TypedText::keep(const NoteSnapshot &typed, const NoteSnapshot &saved, const QUuid &captureId)
 {
     const Directory folder = Directory::openOrMake(m_disk, m_dataFolder);
-    keepDraft(folder, captureKey, typed.captureDraft, saved.captureDraft);
+    keepDraft(folder, captureKey, typed.captureDraft, saved.captureDraft, captureId);
     const auto &drafts = typed.editingDrafts;
     for (auto draft = drafts.begin(); draft != drafts.end(); ++draft) {
         if (const std::optional<QString> text = savedText(saved, draft.key()))
-            keepDraft(folder, draft.key(), draft.value(), *text);
+            keepDraft(folder, draft.key(), draft.value(), *text, captureId);
     }
 }
 
 void TypedText::keepDraft(const Directory &folder, const QString &key, const QString &typed,
-                          const QString &saved)
+                          const QString &saved, const QUuid &captureId)
 {
     const bool isKept = m_kept.contains(key);
     if (isKept ? m_kept.value(key) == typed : typed == saved)
         return;
     std::string base;
-    std::string text;
-    if (!encodeUtf8(saved, base) || !encodeUtf8(typed, text))
+    std::string content;
+    if (!encodeUtf8(saved, base) || !encodeUtf8(typed, content))
         return;
+    content.insert(0, canonicalText(captureId).toStdString() + '\n');
     const std::string name = std::string(FileNames::typedPrefix) + key.toStdString();
     const std::string fresh = name + '~';
     m_names.insert({name, fresh});
     // One that a killed program left half written.
     static_cast<void>(folder.unlink(fresh.c_str(), FileKind::file));
-    const std::string bytes = std::string(marker) + digestLine(base) + digestLine(text) + text;
+    const std::string bytes =
+        std::string(marker) + digestLine(base) + digestLine(content) + content;
     folder.orThrow(folder.makeFile(fresh.c_str(), bytes), fresh);
     folder.orThrow(folder.rename(fresh.c_str(), folder, name.c_str()), name);
     m_kept[key] = typed;
+    if (key == captureKey)
+        m_captureId = captureId;
 }
 
 void TypedText::restore(NoteSnapshot &snapshot)
@@ -105,6 +124,7 @@ void TypedText::restore(NoteSnapshot &snapshot)
         return;
     if (!folder)
         throw FileError(m_dataFolder, folder.failure());
+    m_captureId.reset();
     const NoteSnapshot saved = snapshot;
     const DirectoryListing listing = folder->orThrow(folder->list());
     std::string bytes;
@@ -119,14 +139,16 @@ void TypedText::restore(NoteSnapshot &snapshot)
             continue;
         const std::size_t most = headerSize + NoteFolder::largestFile;
         folder->orThrow(folder->readFile(listing.name(entry), most, bytes), name);
-        const std::optional<QString> kept = keptText(bytes, *text);
-        if (!kept)
+        const std::optional<KeptText> kept = parse(bytes, *text);
+        if (!kept || (key == captureKey && isCaptured(*kept, saved)))
             continue;
-        if (key == captureKey)
-            snapshot.captureDraft = *kept;
-        else
-            snapshot.editingDrafts[key] = *kept;
-        m_kept[key] = *kept;
+        if (key == captureKey) {
+            snapshot.captureDraft = kept->text;
+            m_captureId = kept->captureId;
+        } else {
+            snapshot.editingDrafts[key] = kept->text;
+        }
+        m_kept[key] = kept->text;
     }
 }
 
@@ -135,6 +157,7 @@ void TypedText::forget() noexcept
     if (m_names.empty())
         return;
     m_kept.clear();
+    m_captureId.reset();
     // By its path alone: nothing here may need memory.
     const auto handle = uninterrupted([&] { return m_disk.openPath(m_dataFolder.c_str()); });
     if (!handle)

@@ -5,6 +5,7 @@
 
 #include <QMap>
 #include <filesystem>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -23,18 +24,21 @@ public:
     TypedText(Disk &disk, std::filesystem::path dataFolder);
 
     /// Writes the drafts that differ from the saved ones. Throws a FileError.
-    void keep(const NoteSnapshot &typed, const NoteSnapshot &saved);
+    void keep(const NoteSnapshot &typed, const NoteSnapshot &saved, const QUuid &captureId);
 
     /// Puts what is kept into the notes as they were loaded. Throws a FileError when a file cannot
     /// be read.
     void restore(NoteSnapshot &snapshot);
+
+    /// With which identifier the text of the capture screen was kept; absent when none is kept.
+    [[nodiscard]] std::optional<QUuid> captureId() const noexcept { return m_captureId; }
 
     /// Removes what was kept or restored, since it is saved.
     void forget() noexcept;
 
 private:
     void keepDraft(const Directory &folder, const QString &key, const QString &typed,
-                   const QString &saved);
+                   const QString &saved, const QUuid &captureId);
 
     Disk &m_disk;
     const std::filesystem::path m_dataFolder;
@@ -44,4 +48,5 @@ private:
 
     /// What they hold, by the key of the draft.
     QMap<QString, QString> m_kept;
+    std::optional<QUuid> m_captureId;
 };

@@ -84,6 +84,7 @@ NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QO
         setErrorContext(u"Could not read your notes. Original files were protected."_s);
         setFailure(failure->message, failure->repositoryError);
     }
+    m_captureId = m_repository->captureId().value_or(m_captureId);
 }
 
 std::optional<QString> NoteStore::errorMessage() const
@@ -168,9 +169,12 @@ bool NoteStore::saveCapture()
 
     const Timestamp now = m_clock();
     NoteSnapshot next = m_snapshot;
-    next.notes.prepend({QUuid::createUuid(), body, now, now});
+    next.notes.prepend({m_captureId, body, now, now});
     next.captureDraft.clear();
-    return commit(next);
+    if (!commit(next))
+        return false;
+    m_captureId = QUuid::createUuid();
+    return true;
 }
 
 bool NoteStore::saveEdit(const Note &note)
@@ -237,7 +241,7 @@ void NoteStore::keepTyped()
 {
     m_sinceUnkept.invalidate();
     // What goes wrong here goes wrong again when it is saved, and is told then.
-    static_cast<void>(failureOf([this] { m_repository->keepTyped(m_snapshot); }));
+    static_cast<void>(failureOf([this] { m_repository->keepTyped(m_snapshot, m_captureId); }));
 }
 
 void NoteStore::tidy()

@@ -126,6 +126,9 @@ private:
     std::optional<QString> m_errorContext;
     std::optional<RepositoryError> m_repositoryError;
     bool m_isReadOnly = false;
+
+    /// Of the note that the text of the capture screen will become.
+    QUuid m_captureId = QUuid::createUuid();
     bool m_hasPendingChanges = false;
     QTimer m_saveTimer;
     QTimer m_tidyTimer;

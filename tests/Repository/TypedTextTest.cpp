@@ -57,6 +57,7 @@ private Q_SLOTS:
     void goesWithTheNextSave();
     void goesAlsoWhenTheSaveIsThatOfTheNextStart();
     void isOutOfDateOnceAnotherTextWasSaved();
+    void isOutOfDateOnceItBecameANote();
     void isIgnoredWhenItIsTorn_data();
     void isIgnoredWhenItIsTorn();
     void isIgnoredForANoteThatIsGone();
@@ -73,7 +74,7 @@ void TypedTextTest::init()
     m_data.emplace();
     LocalNoteRepository repository(m_data->fileURL());
     repository.save(saved());
-    repository.keepTyped(typed());
+    repository.keepTyped(typed(), numberedId(9));
 }
 
 void TypedTextTest::comesBackWithTheNextLoad()
@@ -90,7 +91,7 @@ void TypedTextTest::comesBackWhenThereWereNoNotesYet()
     LocalNoteRepository repository(data.fileURL());
     static_cast<void>(repository.load());
 
-    repository.keepTyped(snapshotOf({}, u"first words"_s));
+    repository.keepTyped(snapshotOf({}, u"first words"_s), numberedId(9));
 
     QCOMPARE(loaded(data), snapshotOf({}, u"first words"_s));
     QVERIFY(!data.holds("Markdown"));
@@ -109,10 +110,10 @@ void TypedTextTest::keepsTheLastOfIt()
     NoteSnapshot snapshot = repository.load();
 
     snapshot.captureDraft = u"another"_s;
-    repository.keepTyped(snapshot);
+    repository.keepTyped(snapshot, numberedId(9));
     // Back to what is saved, which has to be kept as well.
     snapshot.captureDraft = u"draft"_s;
-    repository.keepTyped(snapshot);
+    repository.keepTyped(snapshot, numberedId(9));
 
     QCOMPARE(loaded(*m_data).captureDraft, u"draft"_s);
 }
@@ -122,7 +123,7 @@ void TypedTextTest::goesWithTheNextSave()
     LocalNoteRepository repository(m_data->fileURL());
     NoteSnapshot snapshot = repository.load();
     snapshot.captureDraft += u"!"_s;
-    repository.keepTyped(snapshot);
+    repository.keepTyped(snapshot, numberedId(9));
 
     repository.save(snapshot);
     tidyUp(repository);
@@ -153,6 +154,22 @@ void TypedTextTest::isOutOfDateOnceAnotherTextWasSaved()
                                          {{noteKey(), u"saved later, too"_s}}));
 }
 
+void TypedTextTest::isOutOfDateOnceItBecameANote()
+{
+    // As by a program that was killed after the capture and before its clean-up: the draft is what
+    // it was before the first key.
+    m_data->write(noteFile(numberedId(9)), noteBytes(numberedNote(9, u"captured"_s)));
+
+    const NoteSnapshot snapshot = loaded(*m_data);
+    QCOMPARE(snapshot.captureDraft, u"draft"_s);
+    QCOMPARE(snapshot.editingDrafts, typed().editingDrafts);
+
+    // A note of another identifier says nothing, not even with the same text.
+    std::filesystem::remove(m_data->path(noteFile(numberedId(9))));
+    m_data->write(noteFile(numberedId(8)), noteBytes(numberedNote(8, u"draft and more"_s)));
+    QCOMPARE(loaded(*m_data).captureDraft, u"draft and more"_s);
+}
+
 void TypedTextTest::isIgnoredWhenItIsTorn_data()
 {
     QTest::addColumn<QByteArray>("bytes");
@@ -160,7 +177,7 @@ void TypedTextTest::isIgnoredWhenItIsTorn_data()
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("zeros") << QByteArray(200, '\0');
     QTest::newRow("another program's") << QByteArray("a text");
-    QTest::newRow("header only") << QByteArray("Quillmark typed 1\n");
+    QTest::newRow("header only") << QByteArray("Quillmark typed 2\n");
 }
 
 void TypedTextTest::isIgnoredWhenItIsTorn()
@@ -191,7 +208,7 @@ void TypedTextTest::isNotWrittenWhereNothingWasTyped()
     LocalNoteRepository repository(data.fileURL());
     repository.save(saved());
 
-    repository.keepTyped(saved());
+    repository.keepTyped(saved(), numberedId(9));
 
     QCOMPARE(data.count(".quillmark-"), 0);
 }
@@ -214,7 +231,7 @@ void TypedTextTest::doesNotFollowLinks()
     std::filesystem::create_symlink(outside, data.path(std::string(captureFile) + '~'));
 
     QCOMPARE(loaded(data), saved());
-    repository.keepTyped(typed());
+    repository.keepTyped(typed(), numberedId(9));
 
     QCOMPARE(data.read("outside"), "nobody's business");
     QCOMPARE(loaded(data), typed());

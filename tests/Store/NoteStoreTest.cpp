@@ -24,6 +24,7 @@ private Q_SLOTS:
     void startsWithWhatTheRepositoryHolds();
     void isReadOnlyForGoodWhenLoadingFails();
     void keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn();
+    void keepsTypingForTheNoteThatItWillBecome();
     void tidiesUpAfterASaveInSlices();
     void tidiesUpNothingAfterASaveThatFailed();
     void saysWhatTidyingUpFinds();
@@ -171,6 +172,23 @@ void NoteStoreTest::keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn()
     QVERIFY(!fixture.store.flush());
     QVERIFY(!fixture.store.repositoryError());
     QCOMPARE(fixture.store.errorMessage(), noSpace.description());
+}
+
+void NoteStoreTest::keepsTypingForTheNoteThatItWillBecome()
+{
+    const QUuid kept = QUuid::createUuid();
+    auto repository = std::make_unique<FailingRepository>();
+    repository->keepTyped({}, kept);
+    NoteStore store(std::move(repository));
+
+    // What the last run kept, and then something else.
+    store.setDraft(u"milk"_s);
+    QVERIFY(store.saveCapture());
+    store.setDraft(u"bread"_s);
+    QVERIFY(store.saveCapture());
+
+    QCOMPARE(store.snapshot().notes[1].id, kept);
+    QVERIFY(store.snapshot().notes[0].id != kept);
 }
 
 void NoteStoreTest::tidiesUpAfterASaveInSlices()

@@ -58,18 +58,23 @@ public:
         return m_tidy ? m_tidy(most) : std::nullopt;
     }
 
-    void keepTyped(const NoteSnapshot &snapshot) override
+    void keepTyped(const NoteSnapshot &snapshot, const QUuid &captureId) override
     {
         if (m_fail)
             m_fail();
         m_kept.append(snapshot);
+        m_captureId = captureId;
     }
 
     /// Every snapshot that was kept, in order.
     [[nodiscard]] const QList<NoteSnapshot> &kept() const noexcept { return m_kept; }
 
+    /// With which identifier the last of them was kept; load() gives what was kept.
+    [[nodiscard]] std::optional<QUuid> captureId() const override { return m_captureId; }
+
 private:
     QList<NoteSnapshot> m_kept;
+    std::optional<QUuid> m_captureId;
     NoteSnapshot m_stored;
     std::function<void()> m_fail;
     Tidy m_tidy;

@@ -188,6 +188,7 @@ void StorageRun::start()
     if (m_screen != m_state.shown())
         throw BrokenPromise{"The notes are not what they were:\n" + describe(m_screen) +
                             "  instead of\n" + describe(m_state.shown())};
+    m_captureId = m_repository->captureId().value_or(numberedId(++m_noteCount));
     m_known = m_state.saved;
     m_hasFolder = m_disk.statusAt(SimulatedFolder::markdown).has_value();
 }
@@ -288,7 +289,7 @@ void StorageRun::keepTyped()
             m_everKept.insert(kept.key(), *kept);
     }
     static_cast<void>(
-        perform(Operation::typing, after, [&] { m_repository->keepTyped(m_screen); }));
+        perform(Operation::typing, after, [&] { m_repository->keepTyped(m_screen, m_captureId); }));
 }
 
 void StorageRun::capture()
@@ -302,9 +303,17 @@ void StorageRun::capture()
     }
     NoteSnapshot next = m_screen;
     const Timestamp now = time();
-    next.notes.prepend({numberedId(++m_noteCount), m_screen.captureDraft.trimmed(), now, now});
+    next.notes.prepend({m_captureId, m_screen.captureDraft.trimmed(), now, now});
     next.captureDraft.clear();
     save(Operation::capture, next);
+    renewCaptureId();
+}
+
+void StorageRun::renewCaptureId()
+{
+    const QList<Note> &notes = m_state.saved.notes;
+    if (std::ranges::find(notes, m_captureId, &Note::id) != notes.end())
+        m_captureId = numberedId(++m_noteCount);
 }
 
 void StorageRun::saveEdit()
@@ -348,6 +357,7 @@ void StorageRun::restart()
         m_repository = std::make_unique<LocalNoteRepository>(SimulatedFolder::fileURL(), m_disk);
         loaded = inOrder(m_repository->load());
         m_screen = *loaded;
+        m_captureId = m_repository->captureId().value_or(numberedId(++m_noteCount));
     });
     const bool isOfOther = m_edit && m_watcher.hasMet() && !m_edit->isForeign;
     // After an end of the program it was started anew already.

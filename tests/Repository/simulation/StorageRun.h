@@ -72,6 +72,7 @@ private:
     void saveDrafts();
     void keepTyped();
     void capture();
+    void renewCaptureId();
     void saveEdit();
     void deleteNote();
     void restart();
@@ -143,5 +144,8 @@ private:
     std::array<std::uint32_t, operationCount> m_usualCalls{};
     int m_textCount = 0;
     int m_noteCount = 0;
+
+    /// Of the note that the text of the capture screen will become.
+    QUuid m_captureId;
     std::vector<std::string> *m_log = nullptr;
 };
