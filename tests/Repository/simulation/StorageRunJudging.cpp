@@ -257,7 +257,8 @@ void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
         if (isSave(operation))
             takeAsSaved();
     } else if (found.neededRecovery || operation == Operation::load ||
-               operation == Operation::typing || found.state != 0) {
+               operation == Operation::typing || found.state != 0 ||
+               (isFirst && m_disk.statusAt(SimulatedFolder::markdown))) {
         goOn(found, found.state == 1 ? subject.after.saved : m_state.saved);
     } else if (isSave(operation) && !isStale()) {
         repeat(subject);
