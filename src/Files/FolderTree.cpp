@@ -49,12 +49,14 @@ bool isSameContent(const FileStatus &a, const FileStatus &b) noexcept
 }
 
 /// The folder of that name in the other one of two folders; none where there is no other one.
-Descriptor openTwin(Disk &disk, Disk::Handle other, const char *name) noexcept
+Result<Descriptor> openTwin(Disk &disk, Disk::Handle other, const char *name) noexcept
 {
     if (other < 0)
-        return {disk, -1};
+        return Descriptor(disk, -1);
     const auto opened = uninterrupted([&] { return disk.openFolder(other, name); });
-    return {disk, opened ? *opened : -1};
+    if (!opened && !opened.failure().is(ENOENT))
+        return opened.failure();
+    return Descriptor(disk, opened.valueOr(-1));
 }
 
 /// Removes one entry, also from a folder that is not writable: it is the user's own.
@@ -123,14 +125,19 @@ FolderTree::FolderTree(const Directory &folder, int depth)
         const char *name = m_listing.name(entry);
         if (depth == mostFolders)
             throw folder.error(Failure::because(Reason::tooDeep), name);
-        const Disk::Attributes attributes = folder.orThrow(folder.attributes(name), name);
-        if (attributes.isMountPoint)
+        m_folderNames.emplace_back(name);
+        const Result<Disk::Attributes> attributes = folder.attributes(name);
+        // One that has gone meanwhile is missed when it is to be copied.
+        if (!attributes && attributes.failure().is(ENOENT)) {
+            m_folders.emplace_back();
+            continue;
+        }
+        if (folder.orThrow(attributes, name).isMountPoint)
             throw folder.error(Failure::because(Reason::mountPoint), name);
         // What is immutable should stay as it is and where it is.
-        if (attributes.isImmutable)
+        if (attributes->isImmutable)
             throw folder.error(Failure::system(EPERM), name);
         const Directory inside = folder.orThrow(folder.openFolder(name), name);
-        m_folderNames.emplace_back(name);
         m_folders.push_back(FolderTree(inside, depth + 1));
     }
 }
@@ -224,10 +231,12 @@ bool FolderTree::copyEntry(const Directory &copy, const Directory &original,
     const Failure failure = linked.failure();
     if (failure.is(ENOENT))
         return false;
-    const Disk::Attributes attributes = original.orThrow(original.attributes(name), name);
-    if (!meansNoLinks(failure) || attributes.isImmutable)
+    const Result<Disk::Attributes> attributes = original.attributes(name);
+    if (!attributes && attributes.failure().is(ENOENT))
+        return false;
+    if (!meansNoLinks(failure) || original.orThrow(attributes, name).isImmutable)
         throw original.error(failure, name);
-    if (attributes.isMountPoint)
+    if (attributes->isMountPoint)
         throw original.error(Failure::because(Reason::mountPoint), name);
     return copyOver(copy, original, entry);
 }
@@ -247,7 +256,10 @@ bool FolderTree::copyOver(const Directory &copy, const Directory &original,
     // Looked at before the copy, so that a change during the copy shows later.
     if (!leaveOut(original, name))
         return false;
-    addOwnFile(name).copy = copy.orThrow(original.copyFile(name, copy), name);
+    const Result<FileStatus> copied = original.copyFile(name, copy);
+    if (!copied && copied.failure().is(ENOENT))
+        return false;
+    addOwnFile(name).copy = copy.orThrow(copied, name);
     return true;
 }
 
@@ -376,7 +388,8 @@ private:
         const DirectoryListing::Entry *entry = m_tree.m_listing.find(name);
         if (!entry || entry->kind != kind)
             return false;
-        if (inode == entry->inode)
+        // Where numbers pass, the twin told until the exchange; by now it may have changed itself.
+        if (inode == entry->inode || (m_isOriginal && m_tree.m_hasPassingInodes))
             return true;
         // A symbolic link where there are no hard links, or a number that passes.
         if (kind == FileKind::link && m_tree.m_hasCopies)
@@ -407,6 +420,10 @@ private:
             return false;
         const auto here = uninterrupted([&] { return m_disk.status(m_folder, name); });
         const auto there = uninterrupted([&] { return m_disk.status(m_twin, name); });
+        for (const Result<FileStatus> *status : {&here, &there}) {
+            if (!*status && !status->failure().is(ENOENT))
+                m_failure = status->failure();
+        }
         return here && there && here->identity == there->identity;
     }
 
@@ -455,9 +472,11 @@ Result<bool> FolderTree::compareOriginal(Disk &disk, Disk::Handle original, Disk
         if (!inside)
             return inside.failure();
         const Descriptor folder(disk, *inside);
-        const Descriptor twin = openTwin(disk, copy, name);
+        const Result<Descriptor> twin = openTwin(disk, copy, name);
+        if (!twin)
+            return twin.failure();
         const Result<bool> isSame =
-            m_folders[i].compareOriginal(disk, folder.get(), twin.get(), extent);
+            m_folders[i].compareOriginal(disk, folder.get(), twin->get(), extent);
         if (!isSame || !*isSame)
             return isSame;
     }
@@ -481,8 +500,10 @@ Result<bool> FolderTree::isCopyStill(Disk &disk, Disk::Handle copy,
         if (!inside)
             return inside.failure();
         const Descriptor folder(disk, *inside);
-        const Descriptor twin = openTwin(disk, original, name);
-        const Result<bool> isStill = m_folders[i].isCopyStill(disk, folder.get(), twin.get());
+        const Result<Descriptor> twin = openTwin(disk, original, name);
+        if (!twin)
+            return twin.failure();
+        const Result<bool> isStill = m_folders[i].isCopyStill(disk, folder.get(), twin->get());
         if (!isStill || !*isStill)
             return isStill;
     }

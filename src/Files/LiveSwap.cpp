@@ -99,17 +99,21 @@ Result<void> LiveSwap::moveInTwoSteps() noexcept
 
 void LiveSwap::keep()
 {
+    // While the old one still has the recovery name: should the disk refuse this and all else, it
+    // is found.
+    if (const auto synced = sync(); !synced)
+        fail(synced.failure());
     if (m_oldOne) {
-        // Before the only step there is no name left under which the old one would be found.
-        if (!m_canExchange || !m_newOne) {
-            if (const auto synced = sync(); !synced)
-                fail(synced.failure());
-        }
         if (const auto moved = moveOld(Spot::stage); !moved)
             fail(moved.failure());
     }
-    if (const auto synced = sync(); !synced)
-        fail(synced.failure());
+    // Without this a power cut may bring the recovery name back. On a disk that now refuses even to
+    // rename there is nothing more to be done, and the new one is safe.
+    if (m_oldOne) {
+        const Result<void> synced = m_place.hidden.sync();
+        if (!synced && moveOld(Spot::recovery))
+            fail(synced.failure());
+    }
     m_isDone = true;
 }
 

@@ -153,7 +153,7 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot, const NoteSnapshot
     m_oldFolders.reserve(m_oldFolders.size() + 1);
     bool isWritten = false;
     for (int i = 0; i < mostTries && !isWritten; ++i)
-        isWritten = tryToWrite(difference, known);
+        isWritten = tryToWrite(snapshot, difference, known);
     if (!isWritten)
         throw RepositoryError::externalChange();
 
@@ -164,11 +164,13 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot, const NoteSnapshot
     m_isOnDisk = true;
 }
 
-bool LocalNoteRepository::tryToWrite(const SnapshotDifference &difference, KnownFolder *known)
+bool LocalNoteRepository::tryToWrite(const NoteSnapshot &snapshot,
+                                     const SnapshotDifference &difference, KnownFolder *known)
 {
     MarkdownTransaction transaction(Directory::openOrMake(m_disk, dataURL()), known, difference);
     if (known && !m_isOnDisk)
         transaction.syncLoaded();
+    m_typed.keepWhatWasTakenBack(snapshot, m_saved);
     if (!transaction.commit())
         return false;
     if (std::optional<OldFolder> old = transaction.takeOldFolder()) {
@@ -196,9 +198,10 @@ std::optional<std::chrono::milliseconds> LocalNoteRepository::tidy(std::chrono::
 
 void LocalNoteRepository::removeOldFolders(KnownFolder::Deadline deadline)
 {
-    const OldFolder::Outcome outcome = m_oldFolders.back().remove(deadline);
+    // The oldest first: what replaced it may be the next.
+    const OldFolder::Outcome outcome = m_oldFolders.front().remove(deadline);
     if (outcome != OldFolder::Outcome::more)
-        m_oldFolders.pop_back();
+        m_oldFolders.erase(m_oldFolders.begin());
     if (outcome == OldFolder::Outcome::needsAttention)
         throw RepositoryError::recoveryRequired();
 }

@@ -46,7 +46,8 @@ private:
     void loadNotes();
     [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot(const Directory &data) const;
     void write(const NoteSnapshot &snapshot, const NoteSnapshot &last, KnownFolder *known);
-    [[nodiscard]] bool tryToWrite(const SnapshotDifference &difference, KnownFolder *known);
+    [[nodiscard]] bool tryToWrite(const NoteSnapshot &snapshot,
+                                  const SnapshotDifference &difference, KnownFolder *known);
     void removeOldFolders(KnownFolder::Deadline deadline);
     void learnStamps(KnownFolder::Deadline deadline);
     [[nodiscard]] std::filesystem::path dataURL() const { return m_fileURL.parent_path(); }

@@ -168,6 +168,7 @@ bool MarkdownTransaction::commit()
         return m_fileChange->commit([this] {
             const NoteFilePlace &place = m_difference.places().front();
             return m_folder->isIn(m_data) && m_folder->holds(place.section) &&
+                   areDraftedNotesThere() &&
                    isOldFileSame(place, m_data, m_place->recovery.c_str());
         });
     return !m_folderChange || m_folderChange->commit([this] { return areOldFilesSame(); });
@@ -175,9 +176,9 @@ bool MarkdownTransaction::commit()
 
 bool MarkdownTransaction::areOldFilesSame()
 {
-    // Where the drafts alone are exchanged, another folder may be in the place of the one that
-    // holds them.
-    if (&m_place->parent != &m_data && !m_folder->isIn(m_data))
+    // Where the drafts alone are exchanged, the notes beside them are not, and another folder may
+    // be in the place of the one that holds both.
+    if (&m_place->parent != &m_data && !(m_folder->isIn(m_data) && areDraftedNotesThere()))
         return false;
     // The open folders are the old ones, whatever they are called by now.
     if (m_folderChange->hasCopies()) {
@@ -186,6 +187,21 @@ bool MarkdownTransaction::areOldFilesSame()
     }
     return std::ranges::all_of(m_difference.places(), [this](const NoteFilePlace &place) {
         return isOldFileSame(place, m_folder->directory(place.section), place.name.c_str());
+    });
+}
+
+bool MarkdownTransaction::areDraftedNotesThere() const
+{
+    // A draft without its note would lock out all notes.
+    return std::ranges::all_of(m_difference.writes(), [this](const NoteFile &file) {
+        const std::optional<QUuid> id = FileNames::parse(file.place.name.c_str()).note;
+        if (file.place.section != Section::drafts || !id)
+            return true;
+        const std::span<const NoteFile> notes = m_known->files(Section::notes);
+        const auto note =
+            std::ranges::find(notes, *id, [](const NoteFile &known) { return known.note.id; });
+        const Directory &folder = m_folder->directory(Section::notes);
+        return note != notes.end() && bool(folder.status(note->place.name.c_str()));
     });
 }
 

@@ -49,6 +49,7 @@ private:
     void check(Section section, const FolderTree *tree);
     void closeToOthers() const;
     [[nodiscard]] bool areOldFilesSame();
+    [[nodiscard]] bool areDraftedNotesThere() const;
     [[nodiscard]] bool isOldFileSame(const NoteFilePlace &place, const Directory &folder,
                                      const char *name) const;
 

@@ -45,6 +45,23 @@ std::optional<QString> savedText(const NoteSnapshot &saved, const QString &key)
     return note != saved.notes.end() ? std::optional(note->body) : std::nullopt;
 }
 
+std::string nameOf(const QString &key)
+{
+    return std::string(FileNames::typedPrefix) + key.toStdString();
+}
+
+/// The bytes of a kept text; nothing where UTF-8 cannot carry one of the two texts.
+std::optional<std::string> fileOf(const QString &typed, const QString &saved,
+                                  const QUuid &captureId)
+{
+    std::string base;
+    std::string content;
+    if (!encodeUtf8(saved, base) || !encodeUtf8(typed, content))
+        return std::nullopt;
+    content.insert(0, canonicalText(captureId).toStdString() + '\n');
+    return std::string(marker) + digestLine(base) + digestLine(content) + content;
+}
+
 struct KeptText {
     QUuid captureId;
     QString text;
@@ -66,11 +83,16 @@ std::optional<KeptText> parse(std::string_view file, const QString &saved)
     return id && text ? std::optional(KeptText{*id, text->toString()}) : std::nullopt;
 }
 
+bool isAmong(const QList<Note> &notes, const QUuid &id)
+{
+    return std::ranges::find(notes, id, &Note::id) != notes.end();
+}
+
 /// What was captured stands among the notes. Nothing else tells: the draft is as empty after the
 /// capture as it was before the first key.
 bool isCaptured(const KeptText &kept, const NoteSnapshot &saved)
 {
-    return std::ranges::find(saved.notes, kept.captureId, &Note::id) != saved.notes.end();
+    return isAmong(saved.notes, kept.captureId);
 }
 
 } // namespace
@@ -98,23 +120,41 @@ void TypedText::keepDraft(const Directory &folder, const QString &key, const QSt
     const bool isKept = m_kept.contains(key);
     if (isKept ? m_kept.value(key) == typed : typed == saved)
         return;
-    std::string base;
-    std::string content;
-    if (!encodeUtf8(saved, base) || !encodeUtf8(typed, content))
+    const std::optional<std::string> bytes = fileOf(typed, saved, captureId);
+    if (!bytes)
         return;
-    content.insert(0, canonicalText(captureId).toStdString() + '\n');
-    const std::string name = std::string(FileNames::typedPrefix) + key.toStdString();
+    const std::string name = nameOf(key);
+    folder.orThrow(write(folder, name, *bytes), name);
+    m_kept[key] = typed;
+    if (key == captureKey)
+        m_captureId = captureId;
+}
+
+Result<void> TypedText::write(const Directory &folder, const std::string &name,
+                              const std::string &bytes)
+{
     const std::string fresh = name + '~';
     m_names.insert({name, fresh});
     // One that a killed program left half written.
     static_cast<void>(folder.unlink(fresh.c_str(), FileKind::file));
-    const std::string bytes =
-        std::string(marker) + digestLine(base) + digestLine(content) + content;
-    folder.orThrow(folder.makeFile(fresh.c_str(), bytes), fresh);
-    folder.orThrow(folder.rename(fresh.c_str(), folder, name.c_str()), name);
-    m_kept[key] = typed;
-    if (key == captureKey)
-        m_captureId = captureId;
+    if (const auto made = folder.makeFile(fresh.c_str(), bytes); !made)
+        return made.failure();
+    return folder.rename(fresh.c_str(), folder, name.c_str());
+}
+
+void TypedText::keepWhatWasTakenBack(const NoteSnapshot &next, const NoteSnapshot &saved)
+{
+    const bool isCapture = m_captureId && isAmong(next.notes, *m_captureId);
+    for (const QString &key : m_kept.keys()) {
+        const std::optional<QString> text = savedText(next, key);
+        if ((key == captureKey && isCapture) || !text || text != savedText(saved, key) ||
+            m_kept.value(key) == *text)
+            continue;
+        const Result<Directory> folder = Directory::open(m_disk, m_dataFolder);
+        const auto bytes = fileOf(*text, *text, m_captureId.value_or(QUuid()));
+        if (folder && bytes && write(*folder, nameOf(key), *bytes))
+            m_kept[key] = *text;
+    }
 }
 
 void TypedText::restore(NoteSnapshot &snapshot)

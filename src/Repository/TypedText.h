@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Note.h"
+#include "Result.h"
 
 #include <QMap>
 #include <filesystem>
@@ -26,6 +27,11 @@ public:
     /// Writes the drafts that differ from the saved ones. Throws a FileError.
     void keep(const NoteSnapshot &typed, const NoteSnapshot &saved, const QUuid &captureId);
 
+    /// To be called when a save is about to be done. What was kept of a text that is saved already,
+    /// since it was taken back, becomes that text: after the save nothing else would tell that it
+    /// is out of date. What goes wrong here goes unnoticed.
+    void keepWhatWasTakenBack(const NoteSnapshot &next, const NoteSnapshot &saved);
+
     /// Puts what is kept into the notes as they were loaded. Throws a FileError when a file cannot
     /// be read.
     void restore(NoteSnapshot &snapshot);
@@ -39,6 +45,7 @@ public:
 private:
     void keepDraft(const Directory &folder, const QString &key, const QString &typed,
                    const QString &saved, const QUuid &captureId);
+    Result<void> write(const Directory &folder, const std::string &name, const std::string &bytes);
 
     Disk &m_disk;
     const std::filesystem::path m_dataFolder;

@@ -69,6 +69,10 @@ struct Expectation {
     std::pair<std::string, std::string> edited;
 };
 
+/// Whether two states differ at most in what was typed and kept at some time.
+[[nodiscard]] bool isSameButForTyping(const NoteSnapshot &found, const NoteSnapshot &state,
+                                      const QMultiMap<QString, StoredState::Kept> &kept);
+
 /// Looks at disks as the next start of the program would, and as the user would who was told of a
 /// recovery copy.
 class StopCheck {

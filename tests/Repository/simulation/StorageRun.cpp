@@ -363,11 +363,28 @@ void StorageRun::restart()
     // After an end of the program it was started anew already.
     if (!outcome.isDone || m_hasGoneOn)
         return;
+    if (*loaded != m_state.shown() && isSameButForTyping(*loaded, m_state.saved, m_everKept))
+        takeAsKept(*loaded);
     const bool isOld = *loaded != m_state.shown();
     m_known = isOld ? saved : m_state.saved;
     if (isOld && !isOfOther)
         throw BrokenPromise{"What was loaded is not what is on the disk:\n" + describe(*loaded) +
                             "  instead of\n" + describe(m_state.shown())};
+}
+
+/// Typing that was taken back has returned: from now on it is what is kept.
+void StorageRun::takeAsKept(const NoteSnapshot &shown)
+{
+    m_state.kept.clear();
+    std::set<QString> keys{captureKey()};
+    keys.insert(shown.editingDrafts.keyBegin(), shown.editingDrafts.keyEnd());
+    for (const QString &key : keys) {
+        const std::optional<QString> text = savedText(shown, key);
+        const std::optional<QString> base = savedText(m_state.saved, key);
+        const bool isSaved = key == captureKey() || m_state.saved.editingDrafts.contains(key);
+        if (text && base && (*text != *base || !isSaved))
+            m_state.kept[key] = {*base, *text};
+    }
 }
 
 void StorageRun::tidy(bool isToTheEnd)
@@ -449,7 +466,10 @@ std::optional<StorageRun::Edit> StorageRun::editOfNotes()
         return std::nullopt;
     } else {
         edit.note = notes.at(m_dice.below(static_cast<std::size_t>(notes.size())));
-        if (kind == 2 && !m_state.saved.editingDrafts.contains(canonicalText(edit.note->id))) {
+        // Who removes a note whose draft is just being made leaves a draft without a note.
+        const QString key = canonicalText(edit.note->id);
+        if (kind == 2 && !m_state.saved.editingDrafts.contains(key) &&
+            !m_screen.editingDrafts.contains(key)) {
             edit.way = Edit::Way::remove;
         } else {
             edit.way = kind < 7 ? Edit::Way::overwrite : Edit::Way::replace;

@@ -73,6 +73,7 @@ private:
     void keepTyped();
     void capture();
     void renewCaptureId();
+    void takeAsKept(const NoteSnapshot &shown);
     void saveEdit();
     void deleteNote();
     void restart();

@@ -2,6 +2,8 @@
 // The part of a StorageRun that decides what goes wrong and what must hold then.
 #include "StorageRun.h"
 
+#include "OtherProgram.h"
+
 #include "StorageError.h"
 
 #include <algorithm>
@@ -26,6 +28,19 @@ bool isSave(Operation operation)
 {
     return operation != Operation::load && operation != Operation::tidy &&
            operation != Operation::typing;
+}
+
+/// Whether all that a save does is to make one file that there was not.
+bool makesOneFile(const NoteSnapshot &before, const NoteSnapshot &after)
+{
+    const auto isOld = [&](const Note &note) { return before.notes.contains(note); };
+    NoteSnapshot rest = after;
+    qsizetype made = rest.notes.removeIf([&](const Note &note) { return !isOld(note); });
+    for (const QString &key : after.editingDrafts.keys()) {
+        if (!before.editingDrafts.contains(key))
+            made += rest.editingDrafts.remove(key);
+    }
+    return made == 1 && rest == before;
 }
 
 } // namespace
@@ -85,6 +100,8 @@ Expectation StorageRun::expectation(const std::vector<StoredState> &allowed) con
     expected.stagesBefore = m_stages;
     expected.mayLeaveStage = true;
     expected.foreign = m_foreign;
+    // Typing that was taken back again may return as long as no save tells that it is over.
+    expected.everKept = &m_everKept;
     return expected;
 }
 
@@ -161,8 +178,6 @@ void StorageRun::judgeStops(const Subject &subject, const Outcome &outcome)
 
     Expectation between = expectation(statesOf(subject));
     between.mayNeedRecovery = operation != Operation::typing && operation != Operation::tidy;
-    if (m_plan.kind == StopKind::powerCut)
-        between.everKept = &m_everKept;
     if (m_plan.kind == StopKind::powerCut && !m_notYetOver.empty()) {
         add(between, m_notYetOver);
         between.mayNeedRecovery = true;
@@ -182,7 +197,6 @@ void StorageRun::judgeStops(const Subject &subject, const Outcome &outcome)
         checkFiles(subject.after.saved);
     if (m_disk.abilities().canLosePower && isSave(operation)) {
         say("   power cut afterwards");
-        done.everKept = &m_everKept;
         if (isRefused) {
             add(done, m_notYetOver);
             done.mayNeedRecovery = !m_notYetOver.empty();
@@ -236,8 +250,9 @@ void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
     expected.mayLeaveStage =
         outcome.isDone || isLasting || operation == Operation::tidy || operation == Operation::load;
     expected.stagesBefore = m_namesBefore;
-    // There may be nothing to take back the very first notes with.
-    const bool isFirst = !m_hasFolder && (isLasting || operation == Operation::load);
+    // There may be nothing to take back the very first notes with, or a file that is new.
+    const bool isFirst = (!m_hasFolder && (isLasting || operation == Operation::load)) ||
+                         (isLasting && makesOneFile(m_state.saved, subject.after.saved));
     if (outcome.isDone)
         expected.required = 1;
     else if (!isFirst && operation != Operation::typing)
@@ -247,6 +262,9 @@ void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
     for (const std::string &name : SimulatedFolder::names(m_disk, SimulatedFolder::stagePrefix))
         m_stages.insert(name);
 
+    // Once a disk works again, the system writes by itself what it could not write before.
+    if (outcome.isDone && isLasting)
+        OtherProgram(m_disk).syncAll();
     if (!outcome.isDone)
         m_notYetOver.insert(m_notYetOver.end(), {m_state, subject.after});
     else if (isSave(operation))
