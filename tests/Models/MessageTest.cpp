@@ -30,6 +30,9 @@ void MessageTest::padsNumbersWithZeros()
     QCOMPARE(formatted(u"%02d:%02d"_s, {7, 30}), u"07:30"_s);
     QCOMPARE(formatted(u"%04d"_s, {-7}), u"-007"_s);
     QCOMPARE(formatted(u"%02d"_s, {1234}), u"1234"_s);
+    QCOMPARE(formatted(u"%09d"_s, {7}), u"000000007"_s);
+    QCOMPARE(formatted(u"%010d"_s, {7}), u"0000000007"_s);
+    QCOMPARE(formatted(u"%0999999999999d"_s, {7}).size(), qsizetype(99));
 }
 
 void MessageTest::writesAPerCentSignForTwo()
@@ -42,6 +45,7 @@ void MessageTest::leavesAPlaceWithoutItsArgumentAsWritten()
     QCOMPARE(formatted(u"%d notes"_s, {}), u"%d notes"_s);
     QCOMPARE(formatted(u"%02d notes"_s, {}), u"%02d notes"_s);
     QCOMPARE(formatted(u"%d of %@"_s, {u"text"_s}), u"%d of text"_s);
+    QCOMPARE(formatted(u"all of %d notes"_s, {}), u"all of %d notes"_s);
 }
 
 void MessageTest::doesNotLookForPlacesInsideAnArgument()
@@ -52,6 +56,7 @@ void MessageTest::doesNotLookForPlacesInsideAnArgument()
 void MessageTest::leavesAnOrdinaryPerCentSignAlone()
 {
     QCOMPARE(formatted(u"100 % sure, 5%"_s, {1}), u"100 % sure, 5%"_s);
+    QCOMPARE(formatted(u"5%0"_s, {1}), u"5%0"_s);
     QCOMPARE(formatted(u"%x %0 %05x %0@ %0%"_s, {1, u"t"_s}), u"%x %0 %05x %0@ %0%"_s);
 }
 

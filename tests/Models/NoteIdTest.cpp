@@ -61,6 +61,7 @@ void NoteIdTest::refusesEveryOtherForm_data()
     QTest::newRow("one digit short") << u"8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5"_s;
     QTest::newRow("one digit more") << u"8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F0"_s;
     QTest::newRow("not hexadecimal") << u"8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5G"_s;
+    QTest::newRow("not hexadecimal at the front") << u"GC5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F"_s;
     QTest::newRow("wide digits") << u"8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5\uFF11"_s;
     QTest::newRow("a character whose low byte is a digit")
         << u"8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5\u0131"_s;

@@ -98,6 +98,12 @@ private Q_SLOTS:
         QVERIFY(!TextSearch(query + u"qq"_s).isFoundIn(filling + text + filling));
     }
 
+    void findsNothingBehindTheEnd()
+    {
+        QVERIFY(!TextSearch(u"k"_s + QChar(u'\0')).isFoundIn(u"milk"_s));
+        QVERIFY(!TextSearch(u"k"_s + QChar(u'\0')).isFoundIn(u"café, milk"_s));
+    }
+
     void keepsDotlessIApart() { QVERIFY(!TextSearch(u"i"_s).isFoundIn(u"ı"_s)); }
 
     void treatsTheQueryAsOneText()
@@ -134,6 +140,59 @@ private Q_SLOTS:
             const QString folded = TextFolding::folded(text);
             const QChar narrow = unit >= 0xFF01 ? QChar(unit - 0xFEE0) : QChar(unit);
             QCOMPARE(folded, QString(unit < 0x80 || unit >= 0xFF01 ? narrow.toLower() : narrow));
+        }
+    }
+
+    void leavesHalvesOfSurrogatePairsAlone()
+    {
+        const QChar high(0xD83D);
+        const QChar low(0xDE00);
+        for (const QString &text :
+             {QString(high), high + u"a"_s, u"a"_s + low, QString(low) + high}) {
+            QCOMPARE(TextFolding::shared().folded(text), text);
+            QVERIFY(TextSearch(text).isFoundIn(u"a milk"_s + text));
+        }
+    }
+
+    void findsEachSignInBothWidths()
+    {
+        for (char16_t unit = u'!'; unit <= u'~'; ++unit) {
+            const QString narrow{QChar(unit)};
+            const QString wide{QChar(unit + 0xFEE0)};
+            for (const QString &filling : {u"到"_s, u"é"_s}) {
+                const QString text = filling.repeated(40);
+                for (const QString &query : {narrow, wide}) {
+                    QVERIFY(TextSearch(query).isFoundIn(text + narrow + text));
+                    QVERIFY(TextSearch(query).isFoundIn(text + wide));
+                    QCOMPARE(TextSearch(query).isFoundIn(text), isPlainlyFound(query, text));
+                }
+            }
+        }
+    }
+
+    void seesAnOddUnitAtEveryPlace()
+    {
+        for (const QString &filling : {u"."_s, u"到"_s}) {
+            for (qsizetype place = 0; place < 100; ++place) {
+                QString text = filling.repeated(100);
+                text[place] = u'é';
+                QVERIFY(TextSearch(u"e"_s).isFoundIn(text));
+            }
+        }
+    }
+
+    void findsAtEveryPlace()
+    {
+        for (const QString &filling : {u"."_s, u"é"_s}) {
+            for (qsizetype place = 0; place < 100; ++place) {
+                QString text = filling.repeated(102);
+                text.replace(place, 2, u"Xy"_s);
+                QVERIFY(TextSearch(u"x"_s).isFoundIn(text));
+                QVERIFY(TextSearch(u"xy"_s).isFoundIn(text));
+                QVERIFY(TextSearch(u"XY"_s + filling).isFoundIn(text + filling));
+                QVERIFY(!TextSearch(u"yx"_s).isFoundIn(text));
+                QVERIFY(!TextSearch(u"xx"_s).isFoundIn(text));
+            }
         }
     }
 
