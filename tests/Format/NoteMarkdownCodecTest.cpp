@@ -138,6 +138,11 @@ void NoteMarkdownCodecTest::reads_data()
     QTest::newRow("no space after the colon") << headerWith(u": 1"_s, u":1"_s);
     QTest::newRow("lower-case identifier") << headerWith(idText, idText.toLower());
     QTest::newRow("CR LF within the value of an unknown key") << header() + u"\ntitle: a\r\nb"_s;
+    QTest::newRow("CR LF before the end of a line") << u"title: a\r\n\n"_s + header();
+    QTest::newRow("unknown keys of letters with accents") << header() + u"\nclé: é\né: è"_s;
+    QTest::newRow("unknown keys without values") << header() + u"\ntitle:\nclé:"_s;
+    QTest::newRow("a second colon behind one that a number sign takes along")
+        << header() + u"\n\u0600:: b"_s;
     QTest::newRow("a fence after CR LF belongs to the header")
         << header() + u"\ntitle: a\r\n---\nother: b"_s;
     QTest::newRow("a marked colon belongs to an unknown key") << header() + u"\na:\u0301b: c"_s;
@@ -167,6 +172,12 @@ void NoteMarkdownCodecTest::refuses_data()
     QTest::newRow("a longer closing fence") << u"---\n"_s + header() + u"\n----\ntext"_s;
     QTest::newRow("a line without a colon") << file(header() + u"\nremark"_s);
     QTest::newRow("a line whose only colon bears a mark") << file(header() + u"\na:\u0301b"_s);
+    QTest::newRow("a mark behind a colon at the front") << file(header() + u"\n:\u0301b"_s);
+    QTest::newRow("a mark behind a colon between accents") << file(header() + u"\né:\u0301é"_s);
+    QTest::newRow("a number sign that takes the first colon along")
+        << file(header() + u"\n\u0600: 1"_s);
+    QTest::newRow("a number sign that takes a later colon along")
+        << file(header() + u"\na\u0600: 1"_s);
     QTest::newRow("two identifiers") << file(header() + u"\nid: "_s + idText);
     QTest::newRow("an unknown key twice") << file(header() + u"\na: 1\na: 2"_s);
     QTest::newRow("a space before the colon") << file(headerWith(u"id:"_s, u"id :"_s));

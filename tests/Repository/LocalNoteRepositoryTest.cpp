@@ -161,6 +161,8 @@ private Q_SLOTS:
 
     void seesAChangeFromOutside_data();
     void seesAChangeFromOutside();
+    void seesAFileThatWasMoved_data();
+    void seesAFileThatWasMoved();
     void seesAChangeFromOutsideWhenNothingIsToBeWritten();
     void seesAFolderThatAppeared();
     void goesOnRefusingUntilItLoadsAgain();
@@ -907,6 +909,31 @@ void LocalNoteRepositoryTest::seesAChangeFromOutside()
 
     QCOMPARE(error, RepositoryError::externalChange());
     QCOMPARE(data.content(), before);
+}
+
+void LocalNoteRepositoryTest::seesAFileThatWasMoved_data()
+{
+    QTest::addColumn<QByteArray>("name");
+
+    // Neither changes the order of the files, nor what is in them.
+    const QByteArray note = QByteArray::fromStdString(noteFile(numberedId(1)));
+    QTest::newRow("to a name of lower case")
+        << QByteArray(note).toLower().replace("markdown/notes", "Markdown/Notes");
+    QTest::newRow("to the drafts") << QByteArray(note).replace("Notes", "Drafts");
+}
+
+void LocalNoteRepositoryTest::seesAFileThatWasMoved()
+{
+    QFETCH(QByteArray, name);
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(snapshotOf({numberedNote(1, u"a"_s)}));
+
+    fs::rename(data.path(noteFile(numberedId(1))), data.path(name.toStdString()));
+
+    QCOMPARE(refusal([&] { repository.save(withCapture(u"new"_s)); }),
+             RepositoryError::externalChange());
+    QVERIFY(data.holds(name.toStdString()));
 }
 
 void LocalNoteRepositoryTest::seesAChangeFromOutsideWhenNothingIsToBeWritten()
