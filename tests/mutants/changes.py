@@ -14,8 +14,8 @@ TOKEN = re.compile(r"""
         |'(?:\\.|[^'\\\n])+')|\d[\w']*|\w+""", re.VERBOSE | re.DOTALL)
 NOT_CODE = re.compile(r"""
     ^[ \t]*(?:\#|using\b|namespace\b|template\b|friend\b|static_assert\b|Q_(?:ASSERT|UNREACHABLE)
-        |q(?:Debug|Info|Warning|Critical|Fatal)\b|std::array<|QVarLengthArray<).*$
-    |\boperator[^\s(]+|\[\[nodiscard\]\]
+        |q(?:Debug|Info|Warning|Critical|Fatal)\b).*$
+    |\boperator[^\s(]+|\[\[nodiscard\]\]|(?<=rray<)[^<>]*(?:<[^<>]*>)?[^<>]*(?=>)
     |(?:(?<=\)\s=\s)|(?<=const\s=\s)|(?<=override\s=\s)|(?<=noexcept\s=\s))(?:0|default|delete);
     """, re.VERBOSE | re.MULTILINE)
 SWAPS = {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">", "&&": "||", "||": "&&",
