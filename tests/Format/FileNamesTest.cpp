@@ -49,7 +49,7 @@ void FileNamesTest::areThoseOfTheFormat()
     QCOMPARE(FileNames::stagePrefix, ".quillmark-stage-");
     QCOMPARE(FileNames::recoveryPrefix, ".quillmark-recovery-");
     QCOMPARE(FileNames::typedPrefix, ".quillmark-typed-");
-    QCOMPARE(FileNames::typedMarker, "Quillmark typed 1\n");
+    QCOMPARE(FileNames::typedMarker, "Quillmark typed 2\n");
 }
 
 void FileNamesTest::nameANoteAfterItsIdentifier()

@@ -6,6 +6,7 @@
 #include "DataFolder.h"
 #include "Notes.h"
 #include "Thrown.h"
+#include "Tidy.h"
 
 #include <QTest>
 #include <cerrno>
@@ -233,6 +234,7 @@ void WatchedCallsTest::goesByWhatBecameOfARename()
     };
 
     repository.save(newNotes());
+    tidyUp(repository);
 
     QVERIFY(renames > lost);
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
