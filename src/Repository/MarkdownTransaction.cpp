@@ -106,7 +106,6 @@ void MarkdownTransaction::beginFile()
         refuseUnlessSame(status || !status.failure().is(ENOENT));
         old = folder.orThrow(status, change.name);
     }
-    closeToOthers();
     placeAt(folder, change.name);
     m_fileChange.emplace(*m_place, change.bytes, old);
 }
@@ -116,7 +115,6 @@ void MarkdownTransaction::beginDrafts()
     const Directory &drafts = m_folder->directory(Section::drafts);
     FolderTree tree(drafts);
     check(Section::drafts, &tree);
-    closeToOthers();
     m_draftChanges = m_difference.changes();
     for (FileChange &change : m_draftChanges)
         change.folder = "";
@@ -142,7 +140,7 @@ void MarkdownTransaction::beginFolder()
                            sectionFolders);
 }
 
-void MarkdownTransaction::closeToOthers() const
+void MarkdownTransaction::closeToOthers() const noexcept
 {
     for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
         const Directory &folder = m_folder->directory(section);
@@ -164,14 +162,21 @@ void MarkdownTransaction::syncLoaded() const
 
 bool MarkdownTransaction::commit()
 {
-    if (m_fileChange)
-        return m_fileChange->commit([this] {
+    bool isDone = true;
+    if (m_fileChange) {
+        isDone = m_fileChange->commit([this] {
             const NoteFilePlace &place = m_difference.places().front();
             return m_folder->isIn(m_data) && m_folder->holds(place.section) &&
                    areDraftedNotesThere() &&
                    isOldFileSame(place, m_data, m_place->recovery.c_str());
         });
-    return !m_folderChange || m_folderChange->commit([this] { return areOldFilesSame(); });
+    } else if (m_folderChange) {
+        isDone = m_folderChange->commit([this] { return areOldFilesSame(); });
+    }
+    // What a whole new folder is made of was closed while it was made.
+    if (isDone && m_place && &m_place->parent != &m_data)
+        closeToOthers();
+    return isDone;
 }
 
 bool MarkdownTransaction::areOldFilesSame()

@@ -18,13 +18,13 @@ RECOVERY = ("A recovery copy needs attention. "
 
 # A system call of a save, how it fails, and the sentence that follows.
 FAILURES = [
-    ("linkat", "ENOSPC",
+    ("fsync", "ENOSPC",
      "“%@” was not written: the disk is full. Free some space, then try again."),
-    ("mkdirat", "EDQUOT",
+    ("fsync", "EDQUOT",
      "“%@” was not written: your disk quota is used up. Delete other files, then try again."),
-    ("mkdirat", "EACCES",
+    ("renameat", "EACCES",
      "“%@” may not be used. Check its permissions and its owner, then try again."),
-    ("mkdirat", "EROFS",
+    ("renameat", "EROFS",
      "“%@” is on a read-only disk. Make the disk writable, then try again."),
     ("fsync", "EIO",
      "“%@” could not be used: the disk reports an error. Check the disk, then try again."),
@@ -161,7 +161,7 @@ class FailingDisk(DesktopTest):
         if shutil.which("strace") is None:
             self.skipTest("strace is not installed")
         outcomes = collections.Counter()
-        for call in ("mkdirat", "linkat", "unlinkat", "fsync", "renameat", "renameat2"):
+        for call in ("unlinkat", "fsync", "renameat", "renameat2"):
             for number in itertools.count(1):
                 outcome = self.kill_while_saving(call, number)
                 outcomes[outcome] += 1

@@ -360,7 +360,8 @@ void StorageRun::goOn(const StopCheck::Found &found, const NoteSnapshot &saved)
     // What is saved and what is only kept of the typing may look the same.
     m_state = {.saved = saved, .kept = {}};
     std::set<QString> keys{captureKey()};
-    keys.insert(found.shown.editingDrafts.keyBegin(), found.shown.editingDrafts.keyEnd());
+    for (const NoteSnapshot *snapshot : {&found.shown, &saved})
+        keys.insert(snapshot->editingDrafts.keyBegin(), snapshot->editingDrafts.keyEnd());
     for (const QString &key : keys) {
         const std::string file =
             SimulatedFolder::markdown + ("/Drafts/" + key.toStdString()) + ".md";
@@ -370,7 +371,7 @@ void StorageRun::goOn(const StopCheck::Found &found, const NoteSnapshot &saved)
             setText(m_state.saved, key, draft ? QString::fromStdString(*draft) : QString());
         const std::optional<QString> text = savedText(found.shown, key);
         const std::optional<QString> base = savedText(m_state.saved, key);
-        const bool isShownOnly = !draft && key != captureKey();
+        const bool isShownOnly = !draft && found.shown.editingDrafts.contains(key);
         if (base && text && (*base != *text || isShownOnly))
             m_state.kept[key] = {*base, *text};
     }
