@@ -46,6 +46,7 @@ class Bench:
         self.folder = folder
         self.quillmark = str(build / "bin/quillmark")
         self.bare_window = str(build / "bin/BareWindow")
+        self.plain_read = str(build / "bin/PlainRead")
         self.start_bench = str(build / "bin/StartBench")
         self.results = Results()
 
