@@ -74,7 +74,7 @@ FileTransaction::FileTransaction(const SwapPlace &place, std::optional<std::stri
 bool FileTransaction::commit(const std::function<bool()> &isAllSame)
 {
     LiveSwap swap(m_stage.place, identityOf(m_oldStatus), identityOf(m_stage.status));
-    if (!swap.swap() || !isAllSame())
+    if (!swap.perform() || !isAllSame())
         return false;
     swap.keep();
     m_stage.isReleased = true;

@@ -72,7 +72,7 @@ bool FolderTransaction::commit(const std::function<bool()> &areOldFilesSame)
                   original ? std::optional(original->orThrow(original->status()).identity)
                            : std::nullopt,
                   m_stage.folder.orThrow(m_stage.folder.status()).identity);
-    if (!swap.swap())
+    if (!swap.perform())
         return false;
     if (original) {
         const Result<bool> isStill = m_stage.tree.isOriginalStill(

@@ -31,7 +31,7 @@ LiveSwap::~LiveSwap()
         undo();
 }
 
-bool LiveSwap::swap()
+bool LiveSwap::perform()
 {
     Result<void> swapped;
     if (!m_oldOne) {

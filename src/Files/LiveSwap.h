@@ -40,10 +40,10 @@ public:
 
     /// False when another one was in the place of the live one; it is there again. Throws a
     /// FileError, and RepositoryError::recoveryRequired for a failure that could not be undone.
-    [[nodiscard]] bool swap();
+    [[nodiscard]] bool perform();
 
     /// Makes the swap durable. The old one then has the stage's name, which nobody looks for.
-    /// Throws like swap().
+    /// Throws like perform().
     void keep();
 
 private:
