@@ -44,6 +44,18 @@ Result<OpenFile> openRegularFile(const Directory &folder, const char *name) noex
     return OpenFile{std::move(file), *status};
 }
 
+Result<Descriptor> openSubFolder(const Directory &folder, const char *name) noexcept
+{
+    Disk &disk = folder.disk();
+    const auto handle = uninterrupted([&] { return disk.openFolder(folder.handle(), name); });
+    if (!handle) {
+        const Failure failure = handle.failure();
+        const bool isOther = failure.is(ENOTDIR) || failure.is(ELOOP);
+        return isOther ? Failure::because(Reason::notFolder) : failure;
+    }
+    return Descriptor(disk, *handle);
+}
+
 Result<Descriptor> makeEmptyFile(const Directory &folder, const char *name) noexcept
 {
     Disk &disk = folder.disk();
@@ -92,7 +104,9 @@ Result<Directory> Directory::open(Disk &disk, const std::filesystem::path &path)
         const Failure failure = handle.failure();
         return failure.is(ENOTDIR) ? Failure::because(Reason::notFolder) : failure;
     }
-    return Directory(Descriptor(disk, *handle), path);
+    // First the one that closes it: the path needs memory.
+    Descriptor descriptor(disk, *handle);
+    return Directory(std::move(descriptor), path);
 }
 
 Directory Directory::openOrMake(Disk &disk, const std::filesystem::path &path)
@@ -166,24 +180,24 @@ Result<DirectoryListing> Directory::list() const
 
 Result<Directory> Directory::openFolder(const char *name) const
 {
-    const auto opened = uninterrupted([&] { return disk().openFolder(handle(), name); });
-    if (!opened) {
-        const Failure failure = opened.failure();
-        const bool isOther = failure.is(ENOTDIR) || failure.is(ELOOP);
-        return isOther ? Failure::because(Reason::notFolder) : failure;
-    }
-    Descriptor descriptor(disk(), *opened);
-    return Directory(std::move(descriptor), m_path / name);
+    Result<Descriptor> opened = openSubFolder(*this, name);
+    if (!opened)
+        return opened.failure();
+    return Directory(*std::move(opened), m_path / name);
 }
 
 Result<Directory> Directory::makeFolder(const char *name) const
 {
+    // All that needs memory comes first: nobody would know of a folder that is made without it.
+    std::filesystem::path path = m_path / name;
     if (const auto made = uninterrupted([&] { return disk().makeFolder(handle(), name); }); !made)
         return made.failure();
-    Result<Directory> folder = openFolder(name);
-    if (!folder)
+    Result<Descriptor> opened = openSubFolder(*this, name);
+    if (!opened) {
         static_cast<void>(unlink(name, FileKind::folder));
-    return folder;
+        return opened.failure();
+    }
+    return Directory(*std::move(opened), std::move(path));
 }
 
 Result<FileStatus> Directory::readFile(const char *name, std::size_t limit,

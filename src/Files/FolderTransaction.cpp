@@ -11,14 +11,14 @@ std::optional<FileIdentity> identityOf(const Directory &folder) noexcept
     return status ? std::optional(status->identity) : std::nullopt;
 }
 
-/// Errors show the stage as what it is about to become.
+/// Errors show the stage as what it is about to become. Nothing needs memory once there is one.
 Directory makeStage(const SwapPlace &place)
 {
-    const std::filesystem::path shown = place.parent.path() / place.live;
+    std::filesystem::path shown = place.parent.path() / place.live;
     Result<Directory> folder = place.hidden.makeFolder(place.stage.c_str());
     if (!folder)
         throw FileError(shown, folder.failure());
-    folder->showAs(shown);
+    folder->showAs(std::move(shown));
     return *std::move(folder);
 }
 

@@ -5,14 +5,33 @@
 #include "NoteId.h"
 #include "RepositoryError.h"
 
-#include <QHash>
-#include <QSet>
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <set>
 
 namespace {
 
-using FilesById = QHash<QUuid, const NoteFile *>;
+// No QHash and no QSet in this file: where they find no memory for one more, they end the program.
+
+using FilesById = std::map<QUuid, const NoteFile *>;
+
+/// Which of the files is that of a note.
+struct PlaceOfId {
+    QUuid id;
+    std::size_t place;
+};
+
+/// By ascending identifier.
+std::vector<PlaceOfId> placesOf(std::span<const NoteFile> files)
+{
+    std::vector<PlaceOfId> places;
+    places.reserve(files.size());
+    for (std::size_t i = 0; i < files.size(); ++i)
+        places.push_back({files[i].note.id, i});
+    std::ranges::sort(places, {}, &PlaceOfId::id);
+    return places;
+}
 
 std::span<const NoteFile> filesOf(const KnownFolder *known, Section section) noexcept
 {
@@ -58,20 +77,16 @@ SnapshotDifference::SnapshotDifference(const NoteSnapshot &snapshot, const NoteS
 void SnapshotDifference::compareNotes(const NoteSnapshot &snapshot, const KnownFolder *known)
 {
     const std::span<const NoteFile> files = filesOf(known, Section::notes);
-    QHash<QUuid, std::size_t> places;
-    places.reserve(static_cast<qsizetype>(files.size()));
-    for (std::size_t i = 0; i < files.size(); ++i)
-        places.insert(files[i].note.id, i);
+    const std::vector<PlaceOfId> places = placesOf(files);
     std::vector<bool> isKept(files.size());
-    QSet<QUuid> added;
+    std::set<QUuid> added;
     for (const Note &note : snapshot.notes) {
-        const auto place = places.constFind(note.id);
-        const NoteFile *old = place != places.cend() ? &files[*place] : nullptr;
-        refuseUnless(old ? !isKept[*place] : !added.contains(note.id));
+        const auto found = std::ranges::lower_bound(places, note.id, {}, &PlaceOfId::id);
+        const bool isKnown = found != places.end() && found->id == note.id;
+        const NoteFile *old = isKnown ? &files[found->place] : nullptr;
+        refuseUnless(old ? !isKept[found->place] : added.insert(note.id).second);
         if (old)
-            isKept[*place] = true;
-        else
-            added.insert(note.id);
+            isKept[found->place] = true;
         if (old && old->note == note)
             continue;
         refuseUnless(note.createdAt.hasTextForm() && note.updatedAt.hasTextForm());
@@ -95,26 +110,26 @@ void SnapshotDifference::compareDrafts(const NoteSnapshot &snapshot, const Known
         if (owner.isCapture)
             capture = &file;
         else if (owner.note)
-            left.insert(*owner.note, &file);
+            left.insert_or_assign(*owner.note, &file);
     }
     compareText({Section::drafts, NoteFileName(FileNames::capture)}, snapshot.captureDraft,
                 capture);
 
-    QSet<QUuid> withoutNote;
+    std::set<QUuid> withoutNote;
     const auto &drafts = snapshot.editingDrafts;
     for (auto draft = drafts.begin(); draft != drafts.end(); ++draft) {
         // Two keys of one note would be two files, of which a load keeps one only.
         const std::optional<QUuid> id = parseId(QStringView(draft.key()));
-        refuseUnless(id && !withoutNote.contains(*id));
-        withoutNote.insert(*id);
+        refuseUnless(id && withoutNote.insert(*id).second);
+        const auto old = left.extract(*id);
         compareText({Section::drafts, NoteFileName(draft.key().toStdString() + ".md")},
-                    draft.value(), left.take(*id));
+                    draft.value(), old ? old.mapped() : nullptr);
     }
-    for (auto note = snapshot.notes.begin(); !withoutNote.isEmpty() && note != snapshot.notes.end();
+    for (auto note = snapshot.notes.begin(); !withoutNote.empty() && note != snapshot.notes.end();
          ++note)
-        withoutNote.remove(note->id);
-    refuseUnless(withoutNote.isEmpty());
-    for (const NoteFile *file : left)
+        withoutNote.erase(note->id);
+    refuseUnless(withoutNote.empty());
+    for (const auto &[id, file] : left)
         m_removals.push_back(file->place);
 }
 

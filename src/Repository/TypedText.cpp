@@ -117,15 +117,18 @@ void TypedText::keep(const NoteSnapshot &typed, const NoteSnapshot &saved, const
 void TypedText::keepDraft(const Directory &folder, const QString &key, const QString &typed,
                           const QString &saved, const QUuid &captureId)
 {
-    const bool isKept = m_kept.contains(key);
-    if (isKept ? m_kept.value(key) == typed : typed == saved)
+    auto kept = m_kept.find(key);
+    if (typed == (kept != m_kept.end() ? *kept : saved))
         return;
     const std::optional<std::string> bytes = fileOf(typed, saved, captureId);
     if (!bytes)
         return;
     const std::string name = nameOf(key);
+    // Before there is a file, of which nobody would know if there was no memory afterwards.
+    if (kept == m_kept.end())
+        kept = m_kept.insert(key, saved);
     folder.orThrow(write(folder, name, *bytes), name);
-    m_kept[key] = typed;
+    *kept = typed;
     if (key == captureKey)
         m_captureId = captureId;
 }
