@@ -25,8 +25,9 @@ bool hasReliableTimes(const Directory &folder) noexcept
 std::span<NoteFile> KnownFolder::filesOf(Section section) noexcept
 {
     const auto place = [](const NoteFile &file) { return file.place.section; };
-    const auto found = std::ranges::equal_range(m_files, section, {}, place);
-    return {found.begin(), found.end()};
+    const auto first = std::ranges::lower_bound(m_files, section, {}, place);
+    const auto last = std::ranges::upper_bound(first, m_files.end(), section, {}, place);
+    return {first, last};
 }
 
 std::span<const NoteFile> KnownFolder::files(Section section) const noexcept
