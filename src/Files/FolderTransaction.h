@@ -30,8 +30,9 @@ public:
     /// Exchanges the two folders. Once that is done, and while it can still be taken back, the
     /// check says whether the old files that changed are what they were.
     ///
-    /// False when another program changed the original meanwhile; then nothing has changed, and a
-    /// new transaction may be tried. Throws a FileError or RepositoryError::recoveryRequired. On
+    /// False when another program changed the original meanwhile; then that is as it was, and a new
+    /// transaction may be tried. What somebody wrote into the new folder while it was live for a
+    /// moment stays as a recovery copy. Throws a FileError or RepositoryError::recoveryRequired. On
     /// success the new content is on the disk.
     [[nodiscard]] bool commit(const std::function<bool()> &areOldFilesSame);
 

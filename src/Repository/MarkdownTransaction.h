@@ -31,8 +31,8 @@ public:
     /// have written it.
     void syncLoaded() const;
 
-    /// False when another program did something in the folder meanwhile; then nothing has changed,
-    /// and a new transaction finds out what it was. Throws a FileError or
+    /// False when another program did something in the folder meanwhile; then our own change is
+    /// taken back, and a new transaction finds out what it was. Throws a FileError or
     /// RepositoryError::recoveryRequired. On success the new state is on the disk.
     [[nodiscard]] bool commit();
 
