@@ -122,12 +122,13 @@ class FailingDisk(DesktopTest):
             if "libubsan" in maps.read():
                 self.skipTest("The sanitizer opens files to look at an object, and takes one that it "
                               "cannot look at for a wrong one.")
+        at_rest = self.open_files(quillmark)
         self.keyboard.type("one")
         self.expect_saved("one")
-        until(lambda: len(os.listdir(self.data.path)) == 1, "the save has cleaned up")
+        # A save closes its folders last of all: they would be room for the next one.
+        until(lambda: self.open_files(quillmark) <= at_rest, "the save is over")
         before = resource.prlimit(quillmark.process, resource.RLIMIT_NOFILE)
-        open_now = max(int(name) for name in os.listdir(f"/proc/{quillmark.process}/fd"))
-        resource.prlimit(quillmark.process, resource.RLIMIT_NOFILE, (open_now + 2, before[1]))
+        resource.prlimit(quillmark.process, resource.RLIMIT_NOFILE, (max(at_rest) + 2, before[1]))
         state = self.data.state()
 
         self.keyboard.type("!")
@@ -138,6 +139,10 @@ class FailingDisk(DesktopTest):
         resource.prlimit(quillmark.process, resource.RLIMIT_NOFILE, before)
         quillmark.element(name="Retry").press()
         self.expect_saved("one!")
+
+    def open_files(self, quillmark):
+        """The numbers of its descriptors."""
+        return {int(name) for name in os.listdir(f"/proc/{quillmark.process}/fd")}
 
     def expect_sentence(self, quillmark, language, sentence):
         """The sentence is on the screen and names a file of the notes."""
