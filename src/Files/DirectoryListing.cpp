@@ -27,17 +27,32 @@ void DirectoryListing::add(ino_t inode, FileKind kind, std::string_view name)
     m_names.push_back('\0');
 }
 
+std::size_t DirectoryListing::commonLength() const noexcept
+{
+    if (m_entries.empty())
+        return 0;
+    const char *first = name(m_entries.front());
+    std::size_t length = std::strlen(first);
+    for (const Entry &entry : m_entries) {
+        const char *other = name(entry);
+        length =
+            static_cast<std::size_t>(std::mismatch(first, first + length, other).first - first);
+    }
+    return length;
+}
+
 void DirectoryListing::sort()
 {
-    // Nearly all names differ within their first bytes, which are compared without looking them up.
+    // Nearly all names differ within a few bytes, which are compared without looking them up.
     struct Keyed {
         std::uint64_t beginning;
         Entry entry;
     };
+    const std::size_t common = commonLength();
     std::vector<Keyed> keyed;
     keyed.reserve(m_entries.size());
     for (const Entry &entry : m_entries)
-        keyed.push_back({beginning(name(entry)), entry});
+        keyed.push_back({beginning(name(entry) + common), entry});
     std::ranges::sort(keyed, [this](const Keyed &a, const Keyed &b) {
         if (a.beginning != b.beginning)
             return a.beginning < b.beginning;

@@ -44,6 +44,9 @@ public:
     }
 
 private:
+    /// How many bytes all names have in common at their fronts.
+    [[nodiscard]] std::size_t commonLength() const noexcept;
+
     std::string m_names;
     std::vector<Entry> m_entries;
 };

@@ -146,9 +146,9 @@ QString NoteMarkdownCodec::encode(const Note &note)
            "\n---\n"_L1 % note.body;
 }
 
-std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text, const QUuid &id,
-                                                   QLatin1StringView idText)
+std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text)
 {
+    constexpr qsizetype idLength = 36;
     constexpr qsizetype timeLength = 24;
     const auto take = [&text](qsizetype length) {
         const QStringView taken = text.first(std::min(length, text.size()));
@@ -157,8 +157,10 @@ std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text, const QUuid
     };
     const auto takes = [&take](auto expected) { return take(expected.size()) == expected; };
 
-    if (!takes(QStringView(u"---\nquillmark: 1\nid: ")) || !takes(idText) ||
-        !takes(QStringView(u"\ncreated: ")))
+    if (!takes(QStringView(u"---\nquillmark: 1\nid: ")))
+        return std::nullopt;
+    const QStringView idText = take(idLength);
+    if (!takes(QStringView(u"\ncreated: ")))
         return std::nullopt;
     const QStringView created = take(timeLength);
     if (!takes(QStringView(u"\nupdated: ")))
@@ -167,13 +169,16 @@ std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text, const QUuid
     if (!takes(closingFence))
         return std::nullopt;
 
+    const std::optional<QUuid> id = parseId(idText);
+    if (!id || !isCanonicalId(idText))
+        return std::nullopt;
     // A time of this length has its fraction in three digits and ends with Z: there is no room for
     // a zone offset.
     const std::optional<Timestamp> createdAt = Timestamp::fromIso8601(created);
     const std::optional<Timestamp> updatedAt = Timestamp::fromIso8601(updated);
     if (!createdAt || !updatedAt)
         return std::nullopt;
-    return Note{id, text.toString(), *createdAt, *updatedAt};
+    return Note{*id, text.toString(), *createdAt, *updatedAt};
 }
 
 Note NoteMarkdownCodec::decode(QStringView text)

@@ -3,7 +3,6 @@
 
 #include "Note.h"
 
-#include <QLatin1StringView>
 #include <QString>
 #include <QStringView>
 #include <optional>
@@ -31,10 +30,8 @@ namespace NoteMarkdownCodec {
 /// Throws RepositoryError::invalidMarkdown for everything that deviates from the format.
 [[nodiscard]] Note decode(QStringView text);
 
-/// Reads only the very form that encode() writes for the note of this identifier, spelled so.
-/// Spelled canonically, what it answers would be encoded to this text again. Nothing for all else,
-/// be it valid or not. Several times faster than decode().
-[[nodiscard]] std::optional<Note> decodeExact(QStringView text, const QUuid &id,
-                                              QLatin1StringView idText);
+/// Reads only the very form that encode() writes: encode() of what it answers is this text again.
+/// Nothing for all else, be it valid or not. Several times faster than decode().
+[[nodiscard]] std::optional<Note> decodeExact(QStringView text);
 
 } // namespace NoteMarkdownCodec

@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Sha256.h"
 
-Sha256::Sha256() noexcept
-{
-    sha256_init(&m_context);
-}
+#include <nettle/sha2.h>
+#include <tuple>
 
-void Sha256::add(std::string_view bytes) noexcept
-{
-    sha256_update(&m_context, bytes.size(), reinterpret_cast<const unsigned char *>(bytes.data()));
-}
+static_assert(std::tuple_size_v<Sha256Digest> == SHA256_DIGEST_SIZE);
 
-Sha256::Digest Sha256::finish() noexcept
+Sha256Digest sha256(std::string_view bytes) noexcept
 {
-    Digest digest;
-    sha256_digest(&m_context, digest.size(), digest.data());
+    sha256_ctx context;
+    sha256_init(&context);
+    sha256_update(&context, bytes.size(), reinterpret_cast<const unsigned char *>(bytes.data()));
+    Sha256Digest digest;
+    sha256_digest(&context, digest.size(), digest.data());
     return digest;
 }

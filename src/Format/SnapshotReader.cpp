@@ -39,28 +39,27 @@ void SnapshotReader::read(const NoteFolder &folder)
         NoteFile &file = m_files.emplace_back();
         file.place = {found.section, NoteFileName(found.name)};
         file.size = found.bytes.size();
-        m_sha256.add(found.bytes);
-        file.digest = m_sha256.finish();
         if (hasReliableTimes)
             file.stamp = FileStamp(found.status, begin);
-        readFile(file, found.name, *text);
+        readFile(file, found, *text);
     };
     folder.visit(see, expect);
     collectNotes();
 }
 
-void SnapshotReader::readFile(NoteFile &file, std::string_view name, QStringView text)
+void SnapshotReader::readFile(NoteFile &file, const NoteFolder::File &found, QStringView text)
 {
-    switch (file.place.section) {
+    switch (found.section) {
     case Section::marker:
         readMarker(text);
+        file.note.body = text.toString();
         break;
     case Section::notes:
-        readNote(file, name, text);
+        readNote(file, found, text);
         break;
     case Section::drafts:
         file.note.body = text.toString();
-        readDraft(name, file.note.body);
+        readDraft(found.name, file.note.body);
         break;
     }
 }
@@ -72,17 +71,17 @@ void SnapshotReader::readMarker(QStringView text)
         throw RepositoryError::invalidMarkdown();
 }
 
-void SnapshotReader::readNote(NoteFile &file, std::string_view name, QStringView text)
+void SnapshotReader::readNote(NoteFile &file, const NoteFolder::File &found, QStringView text)
 {
-    const std::string_view stem = FileNames::stem(name);
-    const std::optional<QUuid> id = parseId(stem);
-    if (auto exact = id ? NoteMarkdownCodec::decodeExact(text, *id, latin1(stem)) : std::nullopt)
-        file.note = std::move(*exact);
-    else
+    if (std::optional<Note> exact = NoteMarkdownCodec::decodeExact(text)) {
+        file.note = *std::move(exact);
+    } else {
         file.note = NoteMarkdownCodec::decode(text);
-    if (file.note.id != id)
+        file.foreignBytes = sha256(found.bytes);
+    }
+    if (file.note.id != FileNames::parse(found.name).note)
         throw RepositoryError::invalidMarkdown();
-    rememberId(*id);
+    rememberId(file.note.id);
 }
 
 void SnapshotReader::rememberId(const QUuid &id)

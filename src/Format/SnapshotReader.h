@@ -24,9 +24,9 @@ public:
     [[nodiscard]] std::vector<NoteFile> takeFiles() { return std::move(m_files); }
 
 private:
-    void readFile(NoteFile &file, std::string_view name, QStringView text);
+    void readFile(NoteFile &file, const NoteFolder::File &found, QStringView text);
     static void readMarker(QStringView text);
-    void readNote(NoteFile &file, std::string_view name, QStringView text);
+    void readNote(NoteFile &file, const NoteFolder::File &found, QStringView text);
     void rememberId(const QUuid &id);
     void collectNotes();
     void readDraft(std::string_view name, const QString &text);
@@ -35,7 +35,6 @@ private:
     std::vector<NoteFile> m_files;
     /// Of the notes that were read, ascending.
     std::vector<QUuid> m_ids;
-    Sha256 m_sha256;
     Utf8Decoder m_decoder;
     bool m_hasCaptureDraft = false;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NoteId.h"
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -71,4 +72,9 @@ std::optional<QUuid> parseId(QStringView text) noexcept
 std::optional<QUuid> parseId(std::string_view bytes) noexcept
 {
     return parse(bytes);
+}
+
+bool isCanonicalId(QStringView text) noexcept
+{
+    return std::ranges::none_of(text, [](QChar digit) { return digit >= u'a' && digit <= u'f'; });
 }

@@ -13,3 +13,6 @@
 /// Reads the 8-4-4-4-12 form, in either case, and nothing else: no braces, no missing hyphens.
 [[nodiscard]] std::optional<QUuid> parseId(QStringView text) noexcept;
 [[nodiscard]] std::optional<QUuid> parseId(std::string_view bytes) noexcept;
+
+/// Whether an identifier that can be read is spelled as canonicalText() spells it.
+[[nodiscard]] bool isCanonicalId(QStringView text) noexcept;

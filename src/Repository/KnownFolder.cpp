@@ -8,13 +8,6 @@
 
 namespace {
 
-Sha256::Digest digestOf(std::string_view bytes) noexcept
-{
-    Sha256 sha256;
-    sha256.add(bytes);
-    return sha256.finish();
-}
-
 bool hasReliableTimes(const Directory &folder) noexcept
 {
     return folder.disk().hasReliableTimes(folder.handle());
@@ -88,7 +81,7 @@ bool KnownFolder::readAgain(NoteFile &file, const Directory &folder, bool hasRel
     if (!status && status.failure().is(ENOENT))
         return false;
     const FileStatus found = folder.orThrow(status, name);
-    if (digestOf(bytes) != file.digest)
+    if (!file.isWrittenAs(bytes))
         return false;
     if (hasReliableTimes)
         file.stamp = FileStamp(found, begin);
@@ -102,7 +95,7 @@ bool KnownFolder::isContentStill(const NoteFile &file, const Directory &folder, 
     if (!status && status.failure().is(ENOENT))
         return false;
     folder.orThrow(status, file.place.name.c_str());
-    return digestOf(bytes) == file.digest;
+    return file.isWrittenAs(bytes);
 }
 
 std::optional<std::size_t> KnownFolder::learnStamps(const NoteFolder &folder, std::size_t from,
@@ -125,7 +118,7 @@ std::optional<std::size_t> KnownFolder::learnStamps(const NoteFolder &folder, st
             continue;
         const std::int64_t begin = directory.disk().now();
         const Result<FileStatus> status = directory.readFile(name, NoteFolder::largestFile, bytes);
-        if (status && digestOf(bytes) == file.digest)
+        if (status && file.isWrittenAs(bytes))
             file.stamp = FileStamp(*status, begin);
     }
     return std::nullopt;

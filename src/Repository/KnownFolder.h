@@ -15,8 +15,7 @@ class SnapshotDifference;
 /// What a repository remembers of the Markdown folder as it last read or wrote it, and the answer
 /// to whether the folder is still that.
 ///
-/// A file whose stamp fits is not read again; any other is, and by its digest told from what it
-/// was.
+/// A file whose stamp fits is not read again; any other is, and compared with what it was.
 class KnownFolder {
 public:
     KnownFolder() = default;

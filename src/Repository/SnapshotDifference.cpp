@@ -149,14 +149,9 @@ void SnapshotDifference::write(NoteFile file, const NoteFile *old)
 
 void SnapshotDifference::encode(const std::filesystem::path &path)
 {
-    Sha256 sha256;
     m_bytes.reserve(m_writes.size());
-    for (NoteFile &file : m_writes) {
-        const std::string &bytes = m_bytes.emplace_back(encodedFile(file, path));
-        sha256.add(bytes);
-        file.digest = sha256.finish();
-        file.size = bytes.size();
-    }
+    for (NoteFile &file : m_writes)
+        file.size = m_bytes.emplace_back(encodedFile(file, path)).size();
 }
 
 void SnapshotDifference::checkSize(const KnownFolder *known,

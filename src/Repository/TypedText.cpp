@@ -26,9 +26,7 @@ constexpr std::size_t headerSize = marker.size() + 2 * digestSize + idSize;
 
 std::string digestLine(std::string_view bytes)
 {
-    Sha256 sha256;
-    sha256.add(bytes);
-    const Sha256::Digest digest = sha256.finish();
+    const Sha256Digest digest = sha256(bytes);
     const QByteArray raw(reinterpret_cast<const char *>(digest.data()),
                          static_cast<qsizetype>(digest.size()));
     return raw.toHex().toStdString() + '\n';

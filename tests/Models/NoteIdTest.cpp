@@ -13,6 +13,7 @@ private Q_SLOTS:
     void writesUpperCaseWithoutBraces();
     void readsBothCases();
     void readsBackWhatItWrites();
+    void tellsTheCanonicalSpelling();
     void readsTheIdentifierOfOnlyZeros();
     void refusesEveryOtherForm_data();
     void refusesEveryOtherForm();
@@ -42,6 +43,13 @@ void NoteIdTest::readsBackWhatItWrites()
         QCOMPARE(parseId(canonicalText(id)), id);
         QCOMPARE(parseId(canonicalText(id).toStdString()), id);
     }
+}
+
+void NoteIdTest::tellsTheCanonicalSpelling()
+{
+    QVERIFY(isCanonicalId(u"8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F"));
+    QVERIFY(!isCanonicalId(u"8C5B6F0E-3C1D-4E0A-9C55-0a1B2C3D4E5F"));
+    QVERIFY(!isCanonicalId(u"8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5f"));
 }
 
 void NoteIdTest::readsTheIdentifierOfOnlyZeros()
