@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -44,21 +45,25 @@ std::size_t DirectoryListing::commonLength() const noexcept
 void DirectoryListing::sort()
 {
     // Nearly all names differ within a few bytes, which are compared without looking them up.
-    struct Keyed {
+    struct Key {
         std::uint64_t beginning;
-        Entry entry;
+        std::size_t place;
     };
     const std::size_t common = commonLength();
-    std::vector<Keyed> keyed;
-    keyed.reserve(m_entries.size());
+    std::vector<Key> keys;
+    keys.reserve(m_entries.size());
     for (const Entry &entry : m_entries)
-        keyed.push_back({beginning(name(entry) + common), entry});
-    std::ranges::sort(keyed, [this](const Keyed &a, const Keyed &b) {
+        keys.push_back({beginning(name(entry) + common), keys.size()});
+    std::ranges::sort(keys, [this](const Key &a, const Key &b) {
         if (a.beginning != b.beginning)
             return a.beginning < b.beginning;
-        return std::strcmp(name(a.entry), name(b.entry)) < 0;
+        return std::strcmp(name(m_entries[a.place]), name(m_entries[b.place])) < 0;
     });
-    std::ranges::transform(keyed, m_entries.begin(), &Keyed::entry);
+    std::vector<Entry> sorted;
+    sorted.reserve(keys.size());
+    for (const Key &key : keys)
+        sorted.push_back(m_entries[key.place]);
+    m_entries = std::move(sorted);
 }
 
 const DirectoryListing::Entry *DirectoryListing::find(const char *name) const noexcept

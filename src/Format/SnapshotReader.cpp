@@ -79,7 +79,7 @@ void SnapshotReader::readNote(NoteFile &file, const NoteFolder::File &found, QSt
         file.note = NoteMarkdownCodec::decode(text);
         file.foreignBytes = sha256(found.bytes);
     }
-    if (file.note.id != FileNames::parse(found.name).note)
+    if (file.note.id != parseId(FileNames::stem(found.name)))
         throw RepositoryError::invalidMarkdown();
     rememberId(file.note.id);
 }

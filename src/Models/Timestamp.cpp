@@ -20,7 +20,8 @@ constexpr double millisecondAfterLast =
 class Scanner {
 public:
     explicit Scanner(QStringView text)
-        : m_rest(text)
+        : m_next(text.utf16())
+        , m_end(m_next + text.size())
     {
     }
 
@@ -52,20 +53,20 @@ public:
 
     bool takes(char16_t c)
     {
-        if (m_rest.isEmpty() || m_rest.front() != c)
+        if (m_next == m_end || *m_next != c)
             return false;
-        m_rest = m_rest.sliced(1);
+        ++m_next;
         return true;
     }
 
     void expect(char16_t c) { m_fits = takes(c) && m_fits; }
 
-    [[nodiscard]] bool isDone() const { return m_fits && m_rest.isEmpty(); }
+    [[nodiscard]] bool isDone() const { return m_fits && m_next == m_end; }
 
 private:
     [[nodiscard]] bool isDigit() const
     {
-        return !m_rest.isEmpty() && m_rest.front() >= u'0' && m_rest.front() <= u'9';
+        return m_next != m_end && *m_next >= u'0' && *m_next <= u'9';
     }
 
     int digit()
@@ -74,12 +75,11 @@ private:
             m_fits = false;
             return 0;
         }
-        const int value = m_rest.front().unicode() - u'0';
-        m_rest = m_rest.sliced(1);
-        return value;
+        return *m_next++ - u'0';
     }
 
-    QStringView m_rest;
+    const char16_t *m_next;
+    const char16_t *m_end;
     bool m_fits = true;
 };
 
