@@ -248,6 +248,10 @@ with a quick note.</translation>
         <translation>Could not read your notes. Original files were protected.</translation>
     </message>
     <message>
+        <source>What was typed last could not be read. It was left as it is.</source>
+        <translation>What was typed last could not be read. It was left as it is.</translation>
+    </message>
+    <message>
         <source>Could not save. Your text is still in this window.</source>
         <translation>Could not save. Your text is still in this window.</translation>
     </message>

@@ -248,6 +248,10 @@ with a quick note.</source>
         <translation>无法读取你的笔记。原始文件已受到保护。</translation>
     </message>
     <message>
+        <source>What was typed last could not be read. It was left as it is.</source>
+        <translation>上次输入的内容无法读取，已原样保留。</translation>
+    </message>
+    <message>
         <source>Could not save. Your text is still in this window.</source>
         <translation>无法保存。你的文字仍在此窗口中。</translation>
     </message>

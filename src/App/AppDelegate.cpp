@@ -11,6 +11,7 @@
 #include "NoteTheme.h"
 #include "Screens.h"
 
+#include <QFile>
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QPalette>
@@ -86,6 +87,17 @@ AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
 bool AppDelegate::applicationWillTerminate()
 {
     return !m_store || m_store->isReadOnly() || writeNow();
+}
+
+QString AppDelegate::keepForNextStart()
+{
+    const QString reason = m_store->errorMessage().value_or(QString());
+    const std::optional<std::filesystem::path> path = m_store->keepForNextStart();
+    if (!path)
+        return u"What was typed could not be saved. "_s + reason;
+    return u"What was typed could not be saved, and is kept in “%1” for the next start. "_s.arg(
+               QFile::decodeName(path->c_str())) +
+           reason;
 }
 
 bool AppDelegate::writeNow()

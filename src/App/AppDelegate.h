@@ -49,6 +49,10 @@ public:
     /// Writes what is in memory, for an end that cannot be put off. False when that failed.
     bool applicationWillTerminate();
 
+    /// What to say when it failed and the program ends all the same: why, and where what was typed
+    /// is kept for the next start.
+    [[nodiscard]] QString keepForNextStart();
+
     [[nodiscard]] AppPreferences *preferences() const noexcept { return m_preferences.get(); }
     [[nodiscard]] NoteStore *store() const noexcept { return m_store.get(); }
     [[nodiscard]] FloatingPanelController *panels() const noexcept { return m_panels.get(); }

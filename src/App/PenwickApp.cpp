@@ -6,6 +6,8 @@
 
 #include <QEvent>
 #include <QSessionManager>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -90,6 +92,10 @@ void PenwickApp::quit()
 
 void PenwickApp::end()
 {
-    m_delegate.applicationWillTerminate();
-    QCoreApplication::exit();
+    if (m_delegate.applicationWillTerminate()) {
+        QCoreApplication::exit();
+        return;
+    }
+    std::fprintf(stderr, "quillmark: %s\n", qUtf8Printable(m_delegate.keepForNextStart()));
+    QCoreApplication::exit(EXIT_FAILURE);
 }

@@ -111,19 +111,38 @@ Result<Directory> Directory::open(Disk &disk, const std::filesystem::path &path)
 
 Directory Directory::openOrMake(Disk &disk, const std::filesystem::path &path)
 {
+    std::filesystem::path failed;
+    Result<Directory> folder = openOrMake(disk, path, failed);
+    if (!folder)
+        throw FileError(std::move(failed), folder.failure());
+    return *std::move(folder);
+}
+
+Result<Directory> Directory::tryToOpenOrMake(Disk &disk, const std::filesystem::path &path)
+{
+    std::filesystem::path failed;
+    return openOrMake(disk, path, failed);
+}
+
+Result<Directory> Directory::openOrMake(Disk &disk, const std::filesystem::path &path,
+                                        std::filesystem::path &failed)
+{
+    failed = path;
     Result<Directory> found = open(disk, path);
-    if (found)
-        return *std::move(found);
-    if (!found.failure().is(ENOENT))
-        throw FileError(path, found.failure());
+    if (found || !found.failure().is(ENOENT))
+        return found;
+    const Result<Directory> parent = openOrMake(disk, path.parent_path(), failed);
+    if (!parent)
+        return parent.failure();
     if (!path.has_filename())
-        return openOrMake(disk, path.parent_path());
-    const Directory parent = openOrMake(disk, path.parent_path());
+        return open(disk, path.parent_path());
+    failed = path;
     const std::filesystem::path name = path.filename();
-    const auto made = uninterrupted([&] { return disk.makeFolder(parent.handle(), name.c_str()); });
+    const auto made =
+        uninterrupted([&] { return disk.makeFolder(parent->handle(), name.c_str()); });
     if (!made && !made.failure().is(EEXIST))
-        throw parent.error(made.failure(), name.native());
-    return parent.orThrow(parent.openFolder(name.c_str()), name.native());
+        return made.failure();
+    return parent->openFolder(name.c_str());
 }
 
 void Directory::syncPath() const

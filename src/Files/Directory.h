@@ -24,6 +24,9 @@ public:
     /// FileError that names the folder that could not be opened or made.
     [[nodiscard]] static Directory openOrMake(Disk &disk, const std::filesystem::path &path);
 
+    /// The same, for who has another way out.
+    static Result<Directory> tryToOpenOrMake(Disk &disk, const std::filesystem::path &path);
+
     /// Puts the names of the folder and of those above it on the disk, as far as they may be read.
     /// Throws a FileError.
     void syncPath() const;
@@ -94,6 +97,8 @@ public:
     }
 
 private:
+    static Result<Directory> openOrMake(Disk &disk, const std::filesystem::path &path,
+                                        std::filesystem::path &failed);
     Directory(Descriptor descriptor, std::filesystem::path path)
         : m_descriptor(std::move(descriptor))
         , m_path(std::move(path))

@@ -26,10 +26,12 @@ inline constexpr const char *markdownFolder = "Markdown";
 /// What begins with these in the data folder is of passing use.
 inline constexpr std::string_view stagePrefix = ".quillmark-stage-";
 inline constexpr std::string_view recoveryPrefix = ".quillmark-recovery-";
-inline constexpr std::string_view typedPrefix = ".quillmark-typed-";
 
-/// The first line of a typed text.
-inline constexpr std::string_view typedMarker = "Quillmark typed 2\n";
+/// Where older versions kept what was typed: one file for each draft.
+inline constexpr std::string_view olderTypedPrefix = ".quillmark-typed-";
+
+/// In the program's folder for its state: what was typed, for one data folder.
+inline constexpr std::string_view journalPrefix = "typed-";
 
 /// In the Markdown folder, with all that it holds.
 inline constexpr const char *marker = ".format";

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Message.h"
 #include "Note.h"
 
 #include <QUrl>
 #include <chrono>
+#include <filesystem>
 #include <optional>
 
 /// Where the notes are kept. Loading and saving throw a StorageError when they fail, and have then
@@ -34,11 +36,27 @@ public:
     }
 
     /// Keeps the drafts from a sudden end of the program until they are saved: the next load()
-    /// gives them. Quick, and no stored note changes. May throw as well.
+    /// gives them, above what another program put in their place. Quick, and no stored note
+    /// changes. May throw as well.
     ///
     /// The identifier is that of the note which the text of the capture screen would become. Where
     /// it is among the stored notes by then, that text is out of date.
     virtual void keepTyped(const NoteSnapshot & /*snapshot*/, const QUuid & /*captureId*/) {}
+
+    /// Makes what was kept outlast a power cut. May throw as well.
+    virtual void syncTyped() {}
+
+    /// Where what was typed is kept; absent when nothing is.
+    [[nodiscard]] virtual std::optional<std::filesystem::path> typedPath() const
+    {
+        return std::nullopt;
+    }
+
+    /// Whether the last load() gave text that was kept and is not stored.
+    [[nodiscard]] virtual bool hasRestored() const { return false; }
+
+    /// Why the last load() left alone what was kept; absent when it did not.
+    [[nodiscard]] virtual std::optional<Message> leftAlone() const { return std::nullopt; }
 
     /// With which identifier the text of the capture screen was kept that the last load() gave;
     /// absent when it gave none.

@@ -31,34 +31,48 @@ constexpr auto settlingTime = std::chrono::ceil<std::chrono::milliseconds>(
                                   std::chrono::nanoseconds(FileStamp::settlingTime)) +
                               10ms;
 
+/// By the XDG rules a relative path is no path at all.
+std::optional<std::filesystem::path> absolutePathIn(const char *variable)
+{
+    // Qt's own answer is a text, which not every path is.
+    const char *given = std::getenv(variable);
+    if (!given || !std::filesystem::path(given).is_absolute())
+        return std::nullopt;
+    return given;
+}
+
+std::filesystem::path homeFolder()
+{
+    const auto home = absolutePathIn("HOME");
+    return home ? *home : std::filesystem::path(QFile::encodeName(QDir::homePath()).toStdString());
+}
+
 std::filesystem::path userDataFolder()
 {
-    // By the XDG rules a relative path is no path at all.
-    const char *given = std::getenv("XDG_DATA_HOME");
-    if (given && std::filesystem::path(given).is_absolute())
-        return given;
-    // Qt's own answer is a text, which not every path is.
-    const char *home = std::getenv("HOME");
-    if (home && std::filesystem::path(home).is_absolute())
-        return std::filesystem::path(home) / ".local/share";
-    return std::filesystem::path(QFile::encodeName(QDir::homePath()).toStdString()) /
-           ".local/share";
+    return absolutePathIn("XDG_DATA_HOME").value_or(homeFolder() / ".local/share");
+}
+
+std::filesystem::path userStateFolder()
+{
+    return absolutePathIn("XDG_STATE_HOME").value_or(homeFolder() / ".local/state");
 }
 
 } // namespace
 
-LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL)
+LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL,
+                                         Folders journalFolders)
     : m_systemDisk(std::make_unique<SystemDisk>())
     , m_disk(*m_systemDisk)
     , m_fileURL(std::filesystem::absolute(fileURL).lexically_normal())
-    , m_typed(m_disk, dataURL())
+    , m_typed(m_disk, std::move(journalFolders), dataURL())
 {
 }
 
-LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL, Disk &disk)
+LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL, Disk &disk,
+                                         Folders journalFolders)
     : m_disk(disk)
     , m_fileURL(fileURL)
-    , m_typed(m_disk, dataURL())
+    , m_typed(m_disk, std::move(journalFolders), dataURL())
 {
 }
 
@@ -71,6 +85,14 @@ LocalNoteRepository::~LocalNoteRepository()
 std::filesystem::path LocalNoteRepository::defaultFileURL()
 {
     return userDataFolder() / FileNames::dataFolder / FileNames::olderNotes;
+}
+
+LocalNoteRepository::Folders LocalNoteRepository::defaultJournalFolders()
+{
+    Folders folders{userStateFolder() / FileNames::dataFolder};
+    if (const auto session = absolutePathIn("XDG_RUNTIME_DIR"))
+        folders.push_back(*session / FileNames::dataFolder);
+    return folders;
 }
 
 std::optional<QUrl> LocalNoteRepository::notesFolderURL() const
@@ -130,6 +152,12 @@ void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot, const QUuid &c
     m_typed.keep(snapshot, m_saved, captureId);
 }
 
+std::optional<Message> LocalNoteRepository::leftAlone() const
+{
+    const std::optional<FileError> &error = m_typed.leftAlone();
+    return error ? std::optional(error->message()) : std::nullopt;
+}
+
 std::optional<NoteSnapshot> LocalNoteRepository::readLegacySnapshot(const Directory &data) const
 {
     const std::filesystem::path name = m_fileURL.filename();
@@ -170,7 +198,7 @@ bool LocalNoteRepository::tryToWrite(const NoteSnapshot &snapshot,
     MarkdownTransaction transaction(Directory::openOrMake(m_disk, dataURL()), known, difference);
     if (known && !m_isOnDisk)
         transaction.syncLoaded();
-    m_typed.keepWhatWasTakenBack(snapshot, m_saved);
+    m_typed.prepareSave(snapshot, m_saved);
     if (!transaction.commit())
         return false;
     if (std::optional<OldFolder> old = transaction.takeOldFolder()) {

@@ -4,7 +4,7 @@
 #include "KnownFolder.h"
 #include "NoteRepository.h"
 #include "OldFolder.h"
-#include "TypedText.h"
+#include "TypingJournal.h"
 
 #include <filesystem>
 #include <memory>
@@ -17,17 +17,26 @@
 /// save, and goes on refusing until load() is called again.
 class LocalNoteRepository final : public NoteRepository {
 public:
-    /// On the real disk. The folder that holds the file is the data folder. Touches no file.
-    explicit LocalNoteRepository(const std::filesystem::path &fileURL = defaultFileURL());
+    using Folders = std::vector<std::filesystem::path>;
+
+    /// On the real disk. The folder that holds the file is the data folder. What was typed is kept
+    /// in the first of the journal folders that takes it. Touches no file.
+    explicit LocalNoteRepository(const std::filesystem::path &fileURL = defaultFileURL(),
+                                 Folders journalFolders = defaultJournalFolders());
 
     /// The disk must outlive this.
-    LocalNoteRepository(const std::filesystem::path &fileURL, Disk &disk);
+    LocalNoteRepository(const std::filesystem::path &fileURL, Disk &disk,
+                        Folders journalFolders = {});
 
     /// Finishes what tidy() would have done yet, but for reading.
     ~LocalNoteRepository() override;
 
     /// "Penwick/notes.json" in the user's data folder (XDG_DATA_HOME, when it is absolute).
     [[nodiscard]] static std::filesystem::path defaultFileURL();
+
+    /// "Penwick" in the user's folder for the state of programs (XDG_STATE_HOME, when it is
+    /// absolute), and in that for the time of the session (XDG_RUNTIME_DIR), where there is one.
+    [[nodiscard]] static Folders defaultJournalFolders();
 
     [[nodiscard]] std::optional<QUrl> notesFolderURL() const override;
 
@@ -40,7 +49,14 @@ public:
     [[nodiscard]] std::optional<std::chrono::milliseconds>
     tidy(std::chrono::milliseconds most) override;
     void keepTyped(const NoteSnapshot &snapshot, const QUuid &captureId) override;
+    void syncTyped() override { m_typed.sync(); }
+    [[nodiscard]] bool hasRestored() const override { return m_typed.hasRestored(); }
     [[nodiscard]] std::optional<QUuid> captureId() const override { return m_typed.captureId(); }
+    [[nodiscard]] std::optional<std::filesystem::path> typedPath() const override
+    {
+        return m_typed.path();
+    }
+    [[nodiscard]] std::optional<Message> leftAlone() const override;
 
 private:
     void loadNotes();
@@ -60,7 +76,7 @@ private:
 
     /// As it was last loaded or saved; its texts are shared with what is known of the files.
     NoteSnapshot m_saved;
-    TypedText m_typed;
+    TypingJournal m_typed;
 
     /// False as long as only memory may know of the folder that was loaded.
     bool m_isOnDisk = false;

@@ -3,6 +3,7 @@
 
 #include "NoteId.h"
 #include "TextSearch.h"
+#include "WellFormed.h"
 
 #include <QFileInfo>
 #include <algorithm>
@@ -75,6 +76,13 @@ NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QO
     m_saveTimer.setTimerType(Qt::PreciseTimer);
     m_saveTimer.setInterval(saveDelay);
     connect(&m_saveTimer, &QTimer::timeout, this, &NoteStore::flush);
+    m_keepTimer.setSingleShot(true);
+    m_keepTimer.setTimerType(Qt::PreciseTimer);
+    m_keepTimer.setInterval(keepDelay);
+    connect(&m_keepTimer, &QTimer::timeout, this, &NoteStore::keepTyped);
+    m_syncTimer.setSingleShot(true);
+    m_syncTimer.setInterval(syncDelay);
+    connect(&m_syncTimer, &QTimer::timeout, this, &NoteStore::syncTyped);
     m_tidyTimer.setSingleShot(true);
     connect(&m_tidyTimer, &QTimer::timeout, this, &NoteStore::tidy);
 
@@ -85,6 +93,12 @@ NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QO
         setFailure(failure->message, failure->repositoryError);
     }
     m_captureId = m_repository->captureId().value_or(m_captureId);
+    if (const std::optional<Message> leftAlone = m_repository->leftAlone(); leftAlone && !failure) {
+        setErrorContext(u"What was typed last could not be read. It was left as it is."_s);
+        setFailure(*leftAlone, std::nullopt);
+    }
+    if (!failure && m_repository->hasRestored())
+        scheduleSave();
 }
 
 std::optional<QString> NoteStore::errorMessage() const
@@ -137,10 +151,11 @@ std::optional<QUrl> NoteStore::notesFolderURL() const
     return folder && QFileInfo::exists(folder->toLocalFile()) ? folder : std::nullopt;
 }
 
-void NoteStore::setDraft(const QString &text)
+void NoteStore::setDraft(const QString &typed)
 {
     if (m_isReadOnly)
         return;
+    const QString text = wellFormed(typed);
     const bool isChange = m_snapshot.captureDraft != text;
     m_snapshot.captureDraft = text;
     if (isChange)
@@ -148,10 +163,11 @@ void NoteStore::setDraft(const QString &text)
     scheduleSave();
 }
 
-void NoteStore::updateDraft(const Note &note, const QString &text)
+void NoteStore::updateDraft(const Note &note, const QString &typed)
 {
     if (m_isReadOnly)
         return;
+    const QString text = wellFormed(typed);
     const QString key = canonicalText(note.id);
     const bool isChange =
         !m_snapshot.editingDrafts.contains(key) || m_snapshot.editingDrafts.value(key) != text;
@@ -207,6 +223,13 @@ bool NoteStore::flush()
     return commit(m_snapshot);
 }
 
+std::optional<std::filesystem::path> NoteStore::keepForNextStart()
+{
+    m_saveTimer.stop();
+    keepTyped();
+    return syncTyped() ? m_repository->typedPath() : std::nullopt;
+}
+
 bool NoteStore::commit(const NoteSnapshot &snapshot)
 {
     if (m_isReadOnly)
@@ -215,12 +238,14 @@ bool NoteStore::commit(const NoteSnapshot &snapshot)
     m_saveTimer.stop();
     const auto failure = failureOf([&] { m_repository->save(snapshot); });
     if (failure) {
+        keepTyped();
         setErrorContext(u"Could not save. Your text is still in this window."_s);
         setFailure(failure->message, failure->repositoryError);
         return false;
     }
+    m_keepTimer.stop();
+    m_syncTimer.stop();
     m_tidyTimer.start(0);
-    m_sinceUnkept.invalidate();
     setSnapshot(snapshot);
     setFailure(std::nullopt, std::nullopt);
     setHasPendingChanges(false);
@@ -231,17 +256,23 @@ void NoteStore::scheduleSave()
 {
     setHasPendingChanges(true);
     m_saveTimer.start();
-    if (!m_sinceUnkept.isValid())
-        m_sinceUnkept.start();
-    else if (m_sinceUnkept.hasExpired(keepInterval.count()))
-        keepTyped();
+    if (!m_keepTimer.isActive())
+        m_keepTimer.start();
 }
 
 void NoteStore::keepTyped()
 {
-    m_sinceUnkept.invalidate();
+    m_keepTimer.stop();
     // What goes wrong here goes wrong again when it is saved, and is told then.
     static_cast<void>(failureOf([this] { m_repository->keepTyped(m_snapshot, m_captureId); }));
+    if (!m_syncTimer.isActive())
+        m_syncTimer.start();
+}
+
+bool NoteStore::syncTyped()
+{
+    m_syncTimer.stop();
+    return !failureOf([this] { m_repository->syncTyped(); });
 }
 
 void NoteStore::tidy()

@@ -5,10 +5,10 @@
 #include "NoteRepository.h"
 #include "RepositoryError.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -16,7 +16,8 @@
 /// The notes on screen, and whether they are safe on disk.
 ///
 /// Lives on the GUI thread. No call throws: a failure becomes errorMessage() and errorContext(),
-/// and what was typed stays in memory until a later save succeeds. A store whose first load failed
+/// and what was typed stays in memory until a later save succeeds, and in a file against a sudden
+/// end of the program. A store whose first load failed
 /// is read-only for the rest of its life, so that files it could not read are never overwritten.
 /// Each xChanged() is emitted after the state has changed, and only then.
 class NoteStore final : public QObject {
@@ -26,9 +27,12 @@ public:
     /// From the last change of a draft to its write.
     static constexpr std::chrono::milliseconds saveDelay{350};
 
-    /// While typing goes on without such a pause, what is typed is kept this often against a sudden
-    /// end of the program.
-    static constexpr std::chrono::milliseconds keepInterval{300};
+    /// From the first change that is neither saved nor kept to its being kept against a sudden end
+    /// of the program, whether the notes can be saved or not.
+    static constexpr std::chrono::milliseconds keepDelay{250};
+
+    /// After this time as the only copy, what is kept is put on the disk.
+    static constexpr std::chrono::milliseconds syncDelay{1000};
 
     /// What a save leaves for later is done in pieces of about this length, between other events.
     static constexpr std::chrono::milliseconds tidySlice{3};
@@ -85,10 +89,11 @@ public:
     [[nodiscard]] std::optional<QUrl> notesFolderURL() const;
 
     /// Keeps the text of the capture screen and writes it after saveDelay without another change.
-    void setDraft(const QString &text);
+    /// What is no Unicode in it becomes U+FFFD, since no file could hold it.
+    void setDraft(const QString &typed);
 
     /// Keeps an unsaved edit, exactly as given, and writes it after saveDelay.
-    void updateDraft(const Note &note, const QString &text);
+    void updateDraft(const Note &note, const QString &typed);
 
     /// Turns the trimmed capture draft into a note. Like the three below, true means that it is
     /// on the disk, and false that nothing was written and nothing typed was lost.
@@ -101,6 +106,10 @@ public:
     /// Writes the current state now.
     bool flush();
 
+    /// For an end that cannot wait until a save succeeds: keeps what was typed, safe on the disk,
+    /// for the next start. Where it is; nothing when that failed, too.
+    std::optional<std::filesystem::path> keepForNextStart();
+
 Q_SIGNALS:
     void snapshotChanged();
     void errorMessageChanged();
@@ -112,6 +121,7 @@ private:
     bool commit(const NoteSnapshot &snapshot);
     void scheduleSave();
     void keepTyped();
+    bool syncTyped();
     void tidy();
     void setSnapshot(const NoteSnapshot &snapshot);
     void setFailure(std::optional<Message> failure,
@@ -133,6 +143,6 @@ private:
     QTimer m_saveTimer;
     QTimer m_tidyTimer;
 
-    /// Since the first change that is neither saved nor kept; not valid when there is none.
-    QElapsedTimer m_sinceUnkept;
+    QTimer m_keepTimer;
+    QTimer m_syncTimer;
 };

@@ -48,8 +48,8 @@ void FileNamesTest::areThoseOfTheFormat()
     QCOMPARE(FileNames::capture, "capture.md");
     QCOMPARE(FileNames::stagePrefix, ".quillmark-stage-");
     QCOMPARE(FileNames::recoveryPrefix, ".quillmark-recovery-");
-    QCOMPARE(FileNames::typedPrefix, ".quillmark-typed-");
-    QCOMPARE(FileNames::typedMarker, "Quillmark typed 2\n");
+    QCOMPARE(FileNames::olderTypedPrefix, ".quillmark-typed-");
+    QCOMPARE(FileNames::journalPrefix, "typed-");
 }
 
 void FileNamesTest::nameANoteAfterItsIdentifier()

@@ -112,8 +112,9 @@ const QUuid captureId = numberedId(77);
 
 void haveOldNotes(const DataFolder &data)
 {
-    LocalNoteRepository repository(data.fileURL());
+    LocalNoteRepository repository(data.fileURL(), data.journalFolders());
     repository.save(oldNotes());
+    fs::create_directory(data.path("journal"));
 }
 
 void loadOnly(LocalNoteRepository &repository)
@@ -145,7 +146,7 @@ Operation load()
 Operation loadOfTypedText()
 {
     const auto given = [](const DataFolder &data) {
-        LocalNoteRepository repository(data.fileURL());
+        LocalNoteRepository repository(data.fileURL(), data.journalFolders());
         repository.save(oldNotes());
         repository.keepTyped(typedNotes(), captureId);
     };
@@ -250,11 +251,22 @@ Operation keepTyped()
             [](LocalNoteRepository &repository) { repository.keepTyped(oldNotes(), captureId); }};
 }
 
+/// What is kept of the typing, and where; every program calls its file otherwise.
+constexpr auto journalFile = "journal/typed";
+
+DataFolder::Content contentOf(const DataFolder &data)
+{
+    DataFolder::Content content = data.content();
+    for (const QByteArray &path : content.keys()) {
+        if (path.startsWith(journalFile))
+            content.insert(path.endsWith('~') ? "journal/typed~" : journalFile, content.take(path));
+    }
+    return content;
+}
+
 bool isTypedText(const QByteArray &path)
 {
-    return path.startsWith(QByteArrayView(FileNames::typedPrefix.data(),
-                                          qsizetype(FileNames::typedPrefix.size()))) &&
-           !path.endsWith('~');
+    return path == journalFile;
 }
 
 /// Without what was typed and not saved yet.
@@ -284,7 +296,7 @@ public:
         , m_data(data)
         , m_after(after)
         , m_openFileCount(openFileCount())
-        , m_repository(std::make_unique<LocalNoteRepository>(data.fileURL()))
+        , m_repository(std::make_unique<LocalNoteRepository>(data.fileURL(), data.journalFolders()))
     {
     }
 
@@ -292,12 +304,12 @@ public:
     {
         if (m_operation.before)
             m_operation.before(*m_repository);
-        m_before = m_data.content();
+        m_before = contentOf(m_data);
         act(successes, until);
         const bool hasFailed = ScarceMemory::failures() != 0;
         if (m_hasThrownAnother)
             return threwAnotherError;
-        const auto notes = notesAlone(m_data.content());
+        const auto notes = notesAlone(contentOf(m_data));
         m_isDone |= m_operation.mayFailAfterwards && notes == notesAlone(m_after);
         if (notes != notesAlone(m_isDone ? m_after : m_before))
             return brokeTheNotes;
@@ -330,10 +342,11 @@ private:
     /// What the next start finds.
     int judgeFolder() const
     {
-        const auto found = m_data.content();
+        const auto found = contentOf(m_data);
         if (m_isDone ? found != m_after : saved(found) != saved(tidied()))
             return leftSomething;
-        if (m_isDone && LocalNoteRepository(m_data.fileURL()).load() != m_operation.then)
+        if (m_isDone && LocalNoteRepository(m_data.fileURL(), m_data.journalFolders()).load() !=
+                            m_operation.then)
             return brokeTheNotes;
         return held;
     }
@@ -353,21 +366,25 @@ private:
         try {
             if (m_operation.takeBack) {
                 m_operation.takeBack(*m_repository);
-                if (LocalNoteRepository(m_data.fileURL()).load() != oldNotes())
+                if (LocalNoteRepository(m_data.fileURL(), m_data.journalFolders()).load() !=
+                    oldNotes())
                     return lostTheRepository;
             }
             m_operation.act(*m_repository);
-            if (LocalNoteRepository(m_data.fileURL()).load() != m_operation.then)
+            if (LocalNoteRepository(m_data.fileURL(), m_data.journalFolders()).load() !=
+                m_operation.then)
                 return lostTheRepository;
             m_repository->save(nextNotes());
             m_repository.reset();
-            if (LocalNoteRepository(m_data.fileURL()).load() != nextNotes())
+            if (LocalNoteRepository(m_data.fileURL(), m_data.journalFolders()).load() !=
+                nextNotes())
                 return lostTheRepository;
         } catch (const StorageError &) {
             return lostTheRepository;
         }
-        auto found = m_data.content();
+        auto found = contentOf(m_data);
         found.remove("notes.json");
+        found.remove("journal");
         return found == notesAlone(found) ? held : leftSomething;
     }
 
@@ -381,13 +398,27 @@ private:
     bool m_hasThrownAnother = false;
 };
 
+void copyInto(const DataFolder &data, const DataFolder &model)
+{
+    fs::create_directories(data.path());
+    fs::copy(model.path(), data.path(), fs::copy_options::recursive);
+    // What is typed is kept for one folder, by its path.
+    if (!data.holds("journal"))
+        return;
+    const std::string before = TypingJournal::prefixOf(model.path());
+    for (const fs::directory_entry &entry : fs::directory_iterator(data.path("journal"))) {
+        std::string name = entry.path().filename();
+        name.replace(0, before.size(), TypingJournal::prefixOf(data.path()));
+        fs::rename(entry.path(), data.path("journal") / name);
+    }
+}
+
 /// In a process of its own, so that its end is one run's and not the test's.
 int verdictOf(const Operation &operation, const DataFolder &model, const DataFolder::Content &after,
               std::size_t successes, Until until)
 {
     const DataFolder data;
-    fs::create_directories(data.path());
-    fs::copy(model.path(), data.path(), fs::copy_options::recursive);
+    copyInto(data, model);
     const pid_t child = ::fork();
     if (child == 0) {
         // The test's own handler would trace the stack.
@@ -410,15 +441,14 @@ int verdictOf(const Operation &operation, const DataFolder &model, const DataFol
 DataFolder::Content contentAfter(const Operation &operation, const DataFolder &model)
 {
     const DataFolder data;
-    fs::create_directories(data.path());
-    fs::copy(model.path(), data.path(), fs::copy_options::recursive);
+    copyInto(data, model);
     {
-        LocalNoteRepository repository(data.fileURL());
+        LocalNoteRepository repository(data.fileURL(), data.journalFolders());
         if (operation.before)
             operation.before(repository);
         operation.act(repository);
     }
-    return data.content();
+    return contentOf(data);
 }
 
 } // namespace

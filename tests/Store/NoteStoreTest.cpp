@@ -59,8 +59,14 @@ private Q_SLOTS:
     void writesNothingMoreAfterACommit();
     void describesAnUnknownFailureAsItStands();
     void keepsWhatIsTypedWithoutAPause();
-    void keepsAgainOnlyAfterAnotherWhile();
-    void keepsNothingThatIsSavedSoon();
+    void keepsEvenAFewLettersInTime();
+    void keepsWhatCouldNotBeSavedAtOnce();
+    void keepsNothingMoreThatIsSaved();
+    void syncsWhatHasBeenTheOnlyCopyForASecond();
+    void keepsForTheNextStartAndSaysWhere();
+    void savesSoonWhatWasRestored();
+    void saysWhatCouldNotBeRestored();
+    void takesInNoHalfOfASurrogatePair();
     void staysPendingWhenTheDelayedWriteFails();
     void keepsADraftExactlyAsTyped();
     void tellsOfChangesOnly();
@@ -634,51 +640,155 @@ void NoteStoreTest::describesAnUnknownFailureAsItStands()
 
 void NoteStoreTest::keepsWhatIsTypedWithoutAPause()
 {
+    const PassingTime::Standstill standstill;
     Fixture fixture;
-    QTimer typist;
-    QString text;
-    connect(&typist, &QTimer::timeout, &fixture.store,
-            [&] { fixture.store.setDraft(text += u'x'); });
-    typist.start(std::chrono::milliseconds(50));
-
-    QTRY_VERIFY(fixture.repository.kept().size() == 3);
-    typist.stop();
-
-    QCOMPARE(fixture.repository.saves(), 0);
-    QCOMPARE(fixture.repository.kept().last().captureDraft, text);
-    // Kept at least as often as a pause would have saved it.
-    QVERIFY(fixture.repository.kept().first().captureDraft.size() <= 8);
-    QTRY_COMPARE(fixture.repository.stored().captureDraft, text);
-    QVERIFY(NoteStore::keepInterval < NoteStore::saveDelay);
-}
-
-void NoteStoreTest::keepsAgainOnlyAfterAnotherWhile()
-{
-    Fixture fixture;
-    fixture.store.setDraft(u"m"_s);
-    // A save that fails leaves the text to be kept.
-    fixture.repository.failWith(noSpace);
-    PassingTime::pass(1s);
-    fixture.repository.recover();
-    fixture.store.setDraft(u"mi"_s);
-    QCOMPARE(fixture.repository.kept().size(), qsizetype(1));
-
-    fixture.store.setDraft(u"mil"_s);
-
-    QCOMPARE(fixture.repository.kept().size(), qsizetype(1));
-    QCOMPARE(fixture.repository.kept().first().captureDraft, u"mi"_s);
-}
-
-void NoteStoreTest::keepsNothingThatIsSavedSoon()
-{
-    Fixture fixture;
-    for (int i = 0; i < 2; ++i) {
-        fixture.store.setDraft(u"milk"_s.repeated(i + 1));
-        PassingTime::pass(1s);
+    for (int i = 0; i < 40; ++i) {
+        fixture.store.setDraft(u"x"_s.repeated(i + 1));
+        PassingTime::pass(50ms);
     }
 
-    QCOMPARE(fixture.repository.saves(), 2);
+    // Two seconds without a pause, and so without a save.
+    QCOMPARE(fixture.repository.saves(), 0);
+    const QList<NoteSnapshot> &kept = fixture.repository.kept();
+    const auto keys = static_cast<qsizetype>((NoteStore::keepDelay + 50ms) / 50ms);
+    qsizetype last = 0;
+    for (const NoteSnapshot &snapshot : kept) {
+        QVERIFY(snapshot.captureDraft.size() <= last + keys);
+        last = snapshot.captureDraft.size();
+    }
+    QVERIFY(40 - last < keys);
+    PassingTime::pass(1s);
+    QCOMPARE(fixture.repository.stored().captureDraft, u"x"_s.repeated(40));
+}
+
+void NoteStoreTest::keepsEvenAFewLettersInTime()
+{
+    const PassingTime::Standstill standstill;
+    Fixture fixture;
+    fixture.store.setDraft(u"m"_s);
+    PassingTime::pass(200ms);
+    fixture.store.setDraft(u"mi"_s);
     QVERIFY(fixture.repository.kept().isEmpty());
+
+    // Counted from the first letter, and not from the last.
+    PassingTime::pass(100ms);
+
+    QCOMPARE(fixture.repository.saves(), 0);
+    QCOMPARE(fixture.repository.kept().size(), qsizetype(1));
+    QCOMPARE(fixture.repository.kept().last().captureDraft, u"mi"_s);
+}
+
+void NoteStoreTest::keepsWhatCouldNotBeSavedAtOnce()
+{
+    const PassingTime::Standstill standstill;
+    Fixture fixture;
+    fixture.repository.failWith(noSpace);
+    fixture.store.setDraft(u"milk"_s);
+
+    QVERIFY(!fixture.store.flush());
+
+    QCOMPARE(fixture.repository.kept().size(), qsizetype(1));
+    QCOMPARE(fixture.repository.kept().last().captureDraft, u"milk"_s);
+    // And nothing more, as long as nothing more is typed.
+    PassingTime::pass(3s);
+    QCOMPARE(fixture.repository.kept().size(), qsizetype(1));
+}
+
+void NoteStoreTest::keepsNothingMoreThatIsSaved()
+{
+    const PassingTime::Standstill standstill;
+    Fixture fixture;
+    fixture.store.setDraft(u"milk"_s);
+    QVERIFY(fixture.store.flush());
+
+    PassingTime::pass(3s);
+
+    QVERIFY(fixture.repository.kept().isEmpty());
+    QCOMPARE(fixture.repository.syncs(), 0);
+}
+
+void NoteStoreTest::syncsWhatHasBeenTheOnlyCopyForASecond()
+{
+    const PassingTime::Standstill standstill;
+    Fixture fixture;
+    fixture.repository.failWith(noSpace);
+    fixture.store.setDraft(u"milk"_s);
+    PassingTime::pass(400ms);
+    QVERIFY(!fixture.repository.kept().isEmpty());
+    PassingTime::pass(900ms);
+    QCOMPARE(fixture.repository.syncs(), 0);
+
+    PassingTime::pass(200ms);
+    QCOMPARE(fixture.repository.syncs(), 1);
+
+    // At rest nothing more happens, and a save makes an end of it.
+    PassingTime::pass(5s);
+    QCOMPARE(fixture.repository.syncs(), 1);
+    fixture.store.setDraft(u"milk!"_s);
+    fixture.repository.recover();
+    QVERIFY(fixture.store.flush());
+    PassingTime::pass(5s);
+    QCOMPARE(fixture.repository.syncs(), 1);
+}
+
+void NoteStoreTest::keepsForTheNextStartAndSaysWhere()
+{
+    Fixture fixture;
+    fixture.repository.failWith(noSpace);
+    fixture.store.setDraft(u"milk"_s);
+
+    QCOMPARE(fixture.store.keepForNextStart(), std::filesystem::path("/kept"));
+    QCOMPARE(fixture.repository.kept().last().captureDraft, u"milk"_s);
+    QCOMPARE(fixture.repository.syncs(), 1);
+
+    fixture.repository.failToKeep();
+    QVERIFY(!fixture.store.keepForNextStart());
+}
+
+void NoteStoreTest::savesSoonWhatWasRestored()
+{
+    auto repository = std::make_unique<FailingRepository>();
+    FailingRepository &kept = *repository;
+    kept.keepTyped({}, QUuid::createUuid());
+    NoteStore store(std::move(repository));
+
+    QVERIFY(store.hasPendingChanges());
+    QCOMPARE(store.status(), u"Saving draft…"_s);
+    PassingTime::pass(1s);
+
+    QCOMPARE(kept.saves(), 1);
+    QVERIFY(!store.hasPendingChanges());
+}
+
+void NoteStoreTest::saysWhatCouldNotBeRestored()
+{
+    auto repository = std::make_unique<FailingRepository>();
+    FailingRepository &unreadable = *repository;
+    unreadable.leaveAlone(Message{u"“%@” is too large."_s, {u"/kept"_s}});
+    NoteStore store(std::move(repository));
+
+    QVERIFY(!store.isReadOnly());
+    QVERIFY(!store.hasPendingChanges());
+    QCOMPARE(store.errorMessage(), u"“/kept” is too large."_s);
+    QCOMPARE(store.errorContext(),
+             u"What was typed last could not be read. It was left as it is."_s);
+    QVERIFY(store.flush());
+    QVERIFY(!store.errorMessage());
+}
+
+void NoteStoreTest::takesInNoHalfOfASurrogatePair()
+{
+    const Note note = noteOf(u"milk"_s);
+    NoteSnapshot snapshot;
+    snapshot.notes = {note};
+    Fixture fixture(snapshot);
+    const QString half = u"a"_s + QChar(0xD83E);
+
+    fixture.store.setDraft(half);
+    fixture.store.updateDraft(note, half);
+
+    QCOMPARE(fixture.store.draft(), u"a\uFFFD"_s);
+    QCOMPARE(fixture.store.text(note), u"a\uFFFD"_s);
 }
 
 void NoteStoreTest::staysPendingWhenTheDelayedWriteFails()

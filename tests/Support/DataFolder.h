@@ -11,6 +11,7 @@
 #include <iterator>
 #include <string>
 #include <sys/stat.h>
+#include <vector>
 
 /// A data folder of its own for one test, empty at first and gone with this. It is reached with
 /// plain calls of the platform and not with the code under test.
@@ -39,6 +40,12 @@ public:
         return path() / relative;
     }
     [[nodiscard]] std::filesystem::path fileURL() const { return path("notes.json"); }
+
+    /// For what is typed; a real one lies elsewhere, but so content() shows it.
+    [[nodiscard]] std::vector<std::filesystem::path> journalFolders() const
+    {
+        return {path("journal")};
+    }
 
     void write(std::string_view relative, const QByteArray &bytes) const
     {

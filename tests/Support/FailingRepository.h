@@ -4,6 +4,7 @@
 #include "NoteRepository.h"
 
 #include <functional>
+#include <stdexcept>
 
 /// A repository in memory that fails on demand and counts what is asked of it.
 class FailingRepository final : public NoteRepository {
@@ -60,10 +61,32 @@ public:
 
     void keepTyped(const NoteSnapshot &snapshot, const QUuid &captureId) override
     {
-        if (m_fail)
-            m_fail();
+        if (m_cannotKeep)
+            throw std::runtime_error("no room to keep it");
         m_kept.append(snapshot);
         m_captureId = captureId;
+    }
+
+    void syncTyped() override
+    {
+        if (m_cannotKeep)
+            throw std::runtime_error("no room to keep it");
+        ++m_syncs;
+    }
+
+    /// From now on keepTyped() and syncTyped() throw.
+    void failToKeep() { m_cannotKeep = true; }
+
+    /// How often syncTyped() was called.
+    [[nodiscard]] int syncs() const noexcept { return m_syncs; }
+
+    void leaveAlone(const Message &message) { m_leftAlone = message; }
+
+    [[nodiscard]] std::optional<Message> leftAlone() const override { return m_leftAlone; }
+    [[nodiscard]] bool hasRestored() const override { return !m_kept.isEmpty(); }
+    [[nodiscard]] std::optional<std::filesystem::path> typedPath() const override
+    {
+        return "/kept";
     }
 
     /// Every snapshot that was kept, in order.
@@ -74,6 +97,9 @@ public:
 
 private:
     QList<NoteSnapshot> m_kept;
+    std::optional<Message> m_leftAlone;
+    int m_syncs = 0;
+    bool m_cannotKeep = false;
     std::optional<QUuid> m_captureId;
     NoteSnapshot m_stored;
     std::function<void()> m_fail;

@@ -10,6 +10,14 @@
 namespace PassingTime {
 
 /// Afterwards every timer that was to end within this time has run.
-void pass(std::chrono::seconds time);
+void pass(std::chrono::milliseconds time);
+
+/// While it lives no time passes by itself, so that a slow computer makes no difference.
+struct Standstill {
+    Standstill();
+    Standstill(const Standstill &) = delete;
+    Standstill &operator=(const Standstill &) = delete;
+    ~Standstill();
+};
 
 } // namespace PassingTime

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 [[noreturn]] void broken(const std::string &sentence)
@@ -26,6 +28,36 @@ std::string statesOf(const Expectation &expectation)
 
 } // namespace
 
+namespace {
+
+/// Whether a text is made of these parts, each above the next one.
+bool isComposed(const QString &text, const QStringList &parts)
+{
+    return std::ranges::any_of(parts, [&](const QString &part) {
+        if (text == part)
+            return true;
+        const QString above = joined(part, u"."_s).chopped(1);
+        return !above.isEmpty() && text.startsWith(above) &&
+               isComposed(text.sliced(above.size()), parts);
+    });
+}
+
+/// Whether a text holds what was saved, or what went on from it, and beside that only what was
+/// kept.
+bool isOfKept(const QString &text, const QString &saved,
+              const QMultiMap<QString, StoredState::Kept> &kept)
+{
+    QStringList parts{saved};
+    bool holdsSaved = text.contains(saved);
+    for (const StoredState::Kept &one : kept) {
+        parts.append(one.text);
+        holdsSaved |= one.base == saved && text.contains(one.text);
+    }
+    return holdsSaved && isComposed(text, parts);
+}
+
+} // namespace
+
 bool isSameButForTyping(const NoteSnapshot &found, const NoteSnapshot &state,
                         const QMultiMap<QString, StoredState::Kept> &kept)
 {
@@ -37,7 +69,9 @@ bool isSameButForTyping(const NoteSnapshot &found, const NoteSnapshot &state,
     return std::ranges::all_of(keys, [&](const QString &key) {
         const std::optional<QString> wanted = savedText(state, key);
         const std::optional<QString> text = savedText(found, key);
-        return text == wanted || (text && wanted && kept.contains(key, {*wanted, *text}));
+        if (text == wanted || !text || !wanted)
+            return text == wanted;
+        return isOfKept(*text, *wanted, kept);
     });
 }
 
@@ -69,7 +103,7 @@ StopCheck::Found StopCheck::find(const MemoryDisk::Image &image, const Expectati
         if (!state)
             broken("The notes are none of the states that there may be:\n" +
                    describe(*loaded.snapshot) + statesOf(expectation));
-        if (expectation.required && state != expectation.required)
+        if (!expectation.isAllowedNow(*state))
             broken("The notes are a state that is over:\n" + describe(*loaded.snapshot) +
                    statesOf(expectation));
         checkStages(expectation);
@@ -81,9 +115,8 @@ StopCheck::Found StopCheck::find(const MemoryDisk::Image &image, const Expectati
     if (!expectation.mayNeedRecovery)
         broken("A recovery copy was left.");
     std::vector<Found> parts = findParts(image, expectation);
-    const bool hasRequired = std::ranges::any_of(parts, [&](const Found &part) {
-        return !expectation.required || part.state == *expectation.required;
-    });
+    const bool hasRequired = std::ranges::any_of(
+        parts, [&](const Found &part) { return expectation.isAllowedNow(part.state); });
     if (!hasRequired)
         broken("Neither the notes nor the recovery copy are what they must be:\n" +
                statesOf(expectation));
@@ -95,8 +128,7 @@ StopCheck::Found StopCheck::find(const MemoryDisk::Image &image, const Expectati
     });
     if (!hasEdited)
         broken("What another program wrote is lost: " + expectation.edited.first);
-    if (expectation.required)
-        std::erase_if(parts, [&](const Found &part) { return part.state != expectation.required; });
+    std::erase_if(parts, [&](const Found &part) { return !expectation.isAllowedNow(part.state); });
     return parts[dice.below(parts.size())];
 }
 
@@ -105,7 +137,8 @@ StopCheck::Loaded StopCheck::load(const MemoryDisk::Image &image)
     m_disk.become(image);
     Loaded loaded;
     try {
-        LocalNoteRepository repository(SimulatedFolder::fileURL(), m_disk);
+        LocalNoteRepository repository(SimulatedFolder::fileURL(), m_disk,
+                                       {SimulatedFolder::journal});
         loaded.snapshot = inOrder(repository.load());
     } catch (const RepositoryError &error) {
         loaded.needsRecovery = error.reason() == Reason::recoveryRequired;
@@ -120,15 +153,15 @@ std::optional<std::size_t> StopCheck::match(const NoteSnapshot &found,
                                             const Expectation &expectation) const
 {
     // What must be there first, since two of them may be the same.
-    if (expectation.required && found == expectation.allowed[*expectation.required])
-        return expectation.required;
+    for (const bool isRequired : {true, false}) {
+        for (std::size_t i = 0; i < expectation.allowed.size(); ++i) {
+            if (found == expectation.allowed[i] && expectation.isAllowedNow(i) == isRequired)
+                return i;
+        }
+    }
     if (expectation.required && expectation.everKept &&
         isSameButForTyping(found, expectation.saved[*expectation.required], *expectation.everKept))
         return expectation.required;
-    for (std::size_t i = 0; i < expectation.allowed.size(); ++i) {
-        if (found == expectation.allowed[i])
-            return i;
-    }
     for (std::size_t i = 0; expectation.everKept && i < expectation.saved.size(); ++i) {
         if (isSameButForTyping(found, expectation.saved[i], *expectation.everKept))
             return i;

@@ -30,7 +30,9 @@ inline constexpr const char *olderNotes = "/data/Penwick/notes.json";
 
 inline constexpr std::string_view stagePrefix = ".quillmark-stage-";
 inline constexpr std::string_view recoveryPrefix = ".quillmark-recovery-";
-inline constexpr std::string_view typedPrefix = ".quillmark-typed-";
+
+/// Where what is typed is kept.
+inline constexpr const char *journal = "/state/Penwick";
 
 } // namespace SimulatedFolder
 
@@ -49,8 +51,14 @@ struct Expectation {
     /// The same states without what was kept of the typing: what lies in the folder.
     std::vector<NoteSnapshot> saved;
 
-    /// The place in the lists of the one that there must be: live, or in a recovery copy.
+    /// The place in the lists of the one whose notes there must be: live, or in a recovery copy.
     std::optional<std::size_t> required;
+
+    /// Whether the notes of a state are those that there must be.
+    [[nodiscard]] bool isAllowedNow(std::size_t state) const
+    {
+        return !required || saved[state] == saved[*required];
+    }
 
     bool mayNeedRecovery = false;
 
@@ -58,9 +66,8 @@ struct Expectation {
     bool mayLeaveStage = false;
     std::set<std::string> stagesBefore;
 
-    /// What was ever kept of the typing, by the key of the draft. A power cut may lose it, draft by
-    /// draft, and may bring it back where the text from which it went on is the one that was saved.
-    /// Null when it can do neither.
+    /// What was ever kept of the typing, by the key of the draft. A power cut may lose it, and may
+    /// bring an older one back; that then stands above what was saved. Null when it can do neither.
     const QMultiMap<QString, StoredState::Kept> *everKept = nullptr;
 
     ForeignFiles foreign;
@@ -69,7 +76,7 @@ struct Expectation {
     std::pair<std::string, std::string> edited;
 };
 
-/// Whether two states differ at most in what was typed and kept at some time.
+/// Whether what was found is the state with parts of what was typed and kept at some time.
 [[nodiscard]] bool isSameButForTyping(const NoteSnapshot &found, const NoteSnapshot &state,
                                       const QMultiMap<QString, StoredState::Kept> &kept);
 

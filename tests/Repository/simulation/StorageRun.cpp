@@ -118,6 +118,7 @@ void StorageRun::go()
 void StorageRun::setUp()
 {
     OtherProgram(m_disk).makeFolder("/data");
+    OtherProgram(m_disk).makeFolder("/state");
     const std::uint32_t kind = m_dice.below(10);
     if (kind == 0)
         writeOlderNotes();
@@ -181,7 +182,7 @@ void StorageRun::makeForeignFiles()
 
 void StorageRun::start()
 {
-    m_repository = std::make_unique<LocalNoteRepository>(SimulatedFolder::fileURL(), m_disk);
+    m_repository = makeRepository();
     const Outcome outcome = attempt([&] { m_screen = inOrder(m_repository->load()); });
     if (!outcome.isDone)
         throw BrokenPromise{"The notes cannot be loaded: " + outcome.error};
@@ -191,6 +192,32 @@ void StorageRun::start()
     m_captureId = m_repository->captureId().value_or(numberedId(++m_noteCount));
     m_known = m_state.saved;
     m_hasFolder = m_disk.statusAt(SimulatedFolder::markdown).has_value();
+    if (m_repository->hasRestored())
+        keepScreen();
+}
+
+std::unique_ptr<LocalNoteRepository> StorageRun::makeRepository()
+{
+    return std::make_unique<LocalNoteRepository>(
+        SimulatedFolder::fileURL(), m_disk, LocalNoteRepository::Folders{SimulatedFolder::journal});
+}
+
+/// As the program does after a start that restored something, and after a save that failed.
+void StorageRun::keepScreen()
+{
+    const Outcome outcome = attempt([&] { m_repository->keepTyped(m_screen, m_captureId); });
+    if (!outcome.isDone)
+        throw BrokenPromise{"What was typed cannot be kept: " + outcome.error};
+    m_state.keep(m_screen, m_known);
+    rememberKept(m_state);
+}
+
+void StorageRun::rememberKept(const StoredState &state)
+{
+    for (auto kept = state.kept.begin(); kept != state.kept.end(); ++kept) {
+        if (!m_everKept.contains(kept.key(), *kept))
+            m_everKept.insert(kept.key(), *kept);
+    }
 }
 
 // -- What happens ------------------------------------------------------------------------------
@@ -278,16 +305,9 @@ void StorageRun::saveDrafts()
 
 void StorageRun::keepTyped()
 {
-    // Nothing typed is lost as long as the program runs; it need not be kept for a folder whose
-    // notes are unknown.
-    if (isStale())
-        return;
     StoredState after = m_state;
-    after.keep(m_screen);
-    for (auto kept = after.kept.begin(); kept != after.kept.end(); ++kept) {
-        if (!m_everKept.contains(kept.key(), *kept))
-            m_everKept.insert(kept.key(), *kept);
-    }
+    after.keep(m_screen, m_known);
+    rememberKept(after);
     static_cast<void>(
         perform(Operation::typing, after, [&] { m_repository->keepTyped(m_screen, m_captureId); }));
 }
@@ -354,7 +374,7 @@ void StorageRun::restart()
     const NoteSnapshot saved = m_state.saved;
     const Outcome outcome = perform(Operation::load, m_state, [&] {
         m_repository.reset();
-        m_repository = std::make_unique<LocalNoteRepository>(SimulatedFolder::fileURL(), m_disk);
+        m_repository = makeRepository();
         loaded = inOrder(m_repository->load());
         m_screen = *loaded;
         m_captureId = m_repository->captureId().value_or(numberedId(++m_noteCount));
@@ -363,28 +383,21 @@ void StorageRun::restart()
     // After an end of the program it was started anew already.
     if (!outcome.isDone || m_hasGoneOn)
         return;
-    if (*loaded != m_state.shown() && isSameButForTyping(*loaded, m_state.saved, m_everKept))
-        takeAsKept(*loaded);
-    const bool isOld = *loaded != m_state.shown();
+    // What could not be read is left for a start that can.
+    if (m_repository->leftAlone()) {
+        m_repository.reset();
+        start();
+        return;
+    }
+    const bool isOfOldJournal =
+        m_hasOldJournal && isSameButForTyping(*loaded, m_state.saved, m_everKept);
+    const bool isOld = *loaded != m_state.shown() && !isOfOldJournal;
     m_known = isOld ? saved : m_state.saved;
     if (isOld && !isOfOther)
         throw BrokenPromise{"What was loaded is not what is on the disk:\n" + describe(*loaded) +
                             "  instead of\n" + describe(m_state.shown())};
-}
-
-/// Typing that was taken back has returned: from now on it is what is kept.
-void StorageRun::takeAsKept(const NoteSnapshot &shown)
-{
-    m_state.kept.clear();
-    std::set<QString> keys{captureKey()};
-    keys.insert(shown.editingDrafts.keyBegin(), shown.editingDrafts.keyEnd());
-    for (const QString &key : keys) {
-        const std::optional<QString> text = savedText(shown, key);
-        const std::optional<QString> base = savedText(m_state.saved, key);
-        const bool isSaved = key == captureKey() || m_state.saved.editingDrafts.contains(key);
-        if (text && base && (*text != *base || !isSaved))
-            m_state.kept[key] = {*base, *text};
-    }
+    if (m_repository->hasRestored())
+        keepScreen();
 }
 
 void StorageRun::tidy(bool isToTheEnd)

@@ -58,6 +58,9 @@ private:
         Operation operation;
         const StoredState &after;
         const std::function<void()> &action;
+
+        /// What a save is to bring, even where it is refused.
+        const NoteSnapshot &next;
     };
 
     void setUp();
@@ -73,7 +76,9 @@ private:
     void keepTyped();
     void capture();
     void renewCaptureId();
-    void takeAsKept(const NoteSnapshot &shown);
+    [[nodiscard]] std::unique_ptr<LocalNoteRepository> makeRepository();
+    void keepScreen();
+    void rememberKept(const StoredState &state);
     void saveEdit();
     void deleteNote();
     void restart();
@@ -138,6 +143,9 @@ private:
     QMultiMap<QString, StoredState::Kept> m_everKept;
 
     StopPlan m_plan;
+
+    /// Whether a file of what was typed is there that could not be removed with its save.
+    bool m_hasOldJournal = false;
 
     /// Whether the program ended in the last operation and was started anew.
     bool m_hasGoneOn = false;

@@ -100,8 +100,10 @@ Expectation StorageRun::expectation(const std::vector<StoredState> &allowed) con
     expected.stagesBefore = m_stages;
     expected.mayLeaveStage = true;
     expected.foreign = m_foreign;
-    // Typing that was taken back again may return as long as no save tells that it is over.
-    expected.everKept = &m_everKept;
+    // Only where what is kept can be lost, or cannot be brought up to date, may another one show.
+    if (m_plan.kind == StopKind::powerCut || m_plan.kind == StopKind::lastingFailure ||
+        m_hasOldJournal)
+        expected.everKept = &m_everKept;
     return expected;
 }
 
@@ -109,6 +111,7 @@ StorageRun::Outcome StorageRun::perform(Operation operation, const StoredState &
                                         const std::function<void()> &action)
 {
     m_plan = plan(operation);
+    m_hasOldJournal = m_hasOldJournal && !m_disk.namesAt(SimulatedFolder::journal).empty();
     m_edit.reset();
     m_hasGoneOn = false;
     if (m_plan.kind == StopKind::otherProgram)
@@ -128,7 +131,13 @@ StorageRun::Outcome StorageRun::perform(Operation operation, const StoredState &
     if (!m_watcher.hasMet())
         m_usualCalls.at(static_cast<std::size_t>(operation)) = m_disk.callCount();
 
-    const Subject subject{operation, isSave(operation) && isStale() ? m_state : after, action};
+    if (isSave(operation)) {
+        StoredState prepared = m_state;
+        prepared.prepareSave(after.saved, m_known, m_captureId);
+        rememberKept(prepared);
+    }
+    const Subject subject{operation, isSave(operation) && isStale() ? m_state : after, action,
+                          after.saved};
     if (!m_watcher.hasMet())
         judgeStops(subject, outcome);
     else if (m_plan.kind == StopKind::otherProgram)
@@ -150,18 +159,9 @@ void StorageRun::add(Expectation &expected, const std::vector<StoredState> &stat
 std::vector<StoredState> StorageRun::statesOf(const Subject &subject) const
 {
     std::vector<StoredState> states{m_state, subject.after};
-    if (subject.operation != Operation::typing)
-        return states;
-    // Each draft is kept by itself, one after the other, the one of the capture screen first.
-    StoredState partly = m_state;
-    const auto &kept = subject.after.kept;
-    if (const auto capture = kept.find(captureKey()); capture != kept.end()) {
-        partly.kept[captureKey()] = *capture;
-        states.push_back(partly);
-    }
-    for (auto draft = kept.begin(); draft != kept.end(); ++draft) {
-        partly.kept[draft.key()] = *draft;
-        states.push_back(partly);
+    if (isSave(subject.operation)) {
+        states.push_back(m_state);
+        states.back().prepareSave(subject.next, m_known, m_captureId);
     }
     return states;
 }
@@ -189,14 +189,18 @@ void StorageRun::judgeStops(const Subject &subject, const Outcome &outcome)
     }
     count(m_plan.kind, operation, images.size());
 
-    Expectation done = expectation({subject.after});
+    Expectation done = expectation(isRefused ? statesOf(subject) : std::vector{subject.after});
     say("   afterwards");
     m_check.check(m_disk.image(), done);
     count(StopKind::nothing, operation);
-    if (isSave(operation) && !isRefused)
+    if (isSave(operation) && !isRefused) {
         checkFiles(subject.after.saved);
+        if (!m_disk.namesAt(SimulatedFolder::journal).empty())
+            throw BrokenPromise{"What was typed is kept although it is saved."};
+    }
     if (m_disk.abilities().canLosePower && isSave(operation)) {
         say("   power cut afterwards");
+        done.everKept = &m_everKept;
         if (isRefused) {
             add(done, m_notYetOver);
             done.mayNeedRecovery = !m_notYetOver.empty();
@@ -225,6 +229,8 @@ void StorageRun::judgeStops(const Subject &subject, const Outcome &outcome)
         m_hasFolder = m_disk.statusAt(SimulatedFolder::markdown).has_value();
     if (outcome.isDone && isSave(operation))
         takeAsSaved();
+    else if (isSave(operation))
+        keepScreen();
 }
 
 /// The screen and the repository know of what is in the folder.
@@ -259,6 +265,8 @@ void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
         expected.required = 0;
     say("   afterwards");
     const StopCheck::Found found = m_check.find(m_disk.image(), expected, m_dice);
+    if (outcome.isDone && isSave(operation))
+        m_hasOldJournal = !m_disk.namesAt(SimulatedFolder::journal).empty();
     for (const std::string &name : SimulatedFolder::names(m_disk, SimulatedFolder::stagePrefix))
         m_stages.insert(name);
 
@@ -278,8 +286,10 @@ void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
                operation == Operation::typing || found.state != 0 ||
                (isFirst && m_disk.statusAt(SimulatedFolder::markdown))) {
         goOn(found, found.state == 1 ? subject.after.saved : m_state.saved);
-    } else if (isSave(operation) && !isStale()) {
-        repeat(subject);
+    } else if (isSave(operation)) {
+        keepScreen();
+        if (!isStale())
+            repeat(subject);
     }
 }
 
@@ -320,6 +330,11 @@ void StorageRun::judgeEdit(const Subject &subject, const Outcome &outcome)
         throw BrokenPromise{"It failed for no reason: " + outcome.error};
 
     Expectation expected = expectation({before, after, m_state, subject.after});
+    if (isSave(operation)) {
+        StoredState prepared = before;
+        prepared.prepareSave(subject.next, m_known, m_captureId);
+        add(expected, {prepared});
+    }
     expected.mayNeedRecovery = !outcome.isDone && outcome.reason == Reason::recoveryRequired;
     if (expected.mayNeedRecovery) {
         // It is in one of the two.
@@ -336,7 +351,8 @@ void StorageRun::judgeEdit(const Subject &subject, const Outcome &outcome)
     else if (isSave(operation))
         m_notYetOver.clear();
     if (found.neededRecovery || (!outcome.isDone && operation == Operation::load)) {
-        const std::array<const StoredState *, 4> states{&before, &after, &m_state, &subject.after};
+        const std::array<const StoredState *, 5> states{&before, &after, &m_state, &subject.after,
+                                                        &before};
         goOn(found, states.at(found.state)->saved);
         return;
     }
@@ -347,6 +363,8 @@ void StorageRun::judgeEdit(const Subject &subject, const Outcome &outcome)
     }
     if (outcome.isDone)
         m_hasFolder = m_disk.statusAt(SimulatedFolder::markdown).has_value();
+    else if (isSave(operation))
+        keepScreen();
 }
 
 /// The program is started anew on what was found.

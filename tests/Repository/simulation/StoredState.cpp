@@ -24,30 +24,61 @@ std::string quoted(const QString &text)
 
 } // namespace
 
+QString joined(const QString &first, const QString &second)
+{
+    if (first.trimmed().isEmpty() || second.trimmed().isEmpty())
+        return first.trimmed().isEmpty() ? second : first;
+    QString both = first;
+    while (!both.endsWith(u"\n\n"))
+        both += u'\n';
+    return both + second;
+}
+
 NoteSnapshot StoredState::shown() const
 {
     NoteSnapshot snapshot = saved;
+    const auto show = [&](const QString &key, const Kept &draft) {
+        const std::optional<QString> text = savedText(saved, key);
+        if (!text)
+            snapshot.captureDraft = joined(snapshot.captureDraft, draft.text);
+        else if (text != draft.text && (text == draft.base || !text->startsWith(draft.text)))
+            setText(snapshot, key, text == draft.base ? draft.text : joined(draft.text, *text));
+    };
+    // That of the capture screen comes first, and the texts of notes that are gone below it.
+    if (const auto capture = kept.find(captureKey()); capture != kept.end())
+        show(captureKey(), *capture);
     for (auto draft = kept.begin(); draft != kept.end(); ++draft) {
-        if (savedText(saved, draft.key()) == draft->base)
-            setText(snapshot, draft.key(), draft->text);
+        if (draft.key() != captureKey())
+            show(draft.key(), *draft);
     }
     return snapshot;
 }
 
-void StoredState::keep(const NoteSnapshot &typed)
+void StoredState::keep(const NoteSnapshot &typed, const NoteSnapshot &known)
 {
+    kept.clear();
     const auto keepDraft = [&](const QString &key, const QString &text) {
-        const std::optional<QString> base = savedText(saved, key);
-        if (!base)
-            return;
-        const auto before = kept.find(key);
-        const bool isKept = before != kept.end() && before->base == *base;
-        if (isKept ? before->text != text : *base != text)
+        const std::optional<QString> base = savedText(known, key);
+        if (base && *base != text)
             kept[key] = {*base, text};
     };
     keepDraft(captureKey(), typed.captureDraft);
     for (auto draft = typed.editingDrafts.begin(); draft != typed.editingDrafts.end(); ++draft)
         keepDraft(draft.key(), draft.value());
+}
+
+void StoredState::prepareSave(const NoteSnapshot &next, const NoteSnapshot &known,
+                              const QUuid &captureId)
+{
+    const bool isCaptured = std::ranges::count(next.notes, captureId, &Note::id) != 0;
+    for (auto draft = kept.begin(); draft != kept.end(); ++draft) {
+        const bool isCapture = draft.key() == captureKey();
+        const std::optional<QString> text = savedText(next, draft.key());
+        const bool isDraft = isCapture || next.editingDrafts.contains(draft.key());
+        if (text && !(isCapture && isCaptured) &&
+            (isDraft || text == savedText(known, draft.key())))
+            draft->text = *text;
+    }
 }
 
 NoteSnapshot inOrder(NoteSnapshot snapshot)

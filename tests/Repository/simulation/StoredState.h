@@ -28,9 +28,17 @@ struct StoredState {
     /// The saved notes with what was kept, as a load shows them.
     [[nodiscard]] NoteSnapshot shown() const;
 
-    /// Does to what is kept what NoteRepository::keepTyped() does.
-    void keep(const NoteSnapshot &typed);
+    /// Does to what is kept what NoteRepository::keepTyped() does in a program that knows of these
+    /// notes.
+    void keep(const NoteSnapshot &typed, const NoteSnapshot &known);
+
+    /// The same for what a save does before the notes change.
+    void prepareSave(const NoteSnapshot &next, const NoteSnapshot &known, const QUuid &captureId);
 };
+
+/// Two texts with an empty line between them, as a load shows what was typed above what another
+/// program wrote.
+[[nodiscard]] QString joined(const QString &first, const QString &second);
 
 /// By its identifier.
 [[nodiscard]] NoteSnapshot inOrder(NoteSnapshot snapshot);
