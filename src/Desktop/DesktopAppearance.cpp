@@ -16,6 +16,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 using SettingGroups = QMap<QString, QVariantMap>;
+constexpr auto settingGroupsSignature = "a{sa{sv}}"_L1;
 
 constexpr auto portalService = "org.freedesktop.portal.Desktop"_L1;
 constexpr auto portalPath = "/org/freedesktop/portal/desktop"_L1;
@@ -73,6 +74,24 @@ SystemAppearance::Values DesktopAppearance::applying(Values values, const QStrin
     return values;
 }
 
+SystemAppearance::Values DesktopAppearance::reading(Values values, const QDBusMessage &answer)
+{
+    // To read another type than the one that was sent would be to read beside the message. Errors
+    // carry at most a text.
+    if (answer.signature() != settingGroupsSignature)
+        return values;
+    const auto groups =
+        qdbus_cast<SettingGroups>(answer.arguments().constFirst().value<QDBusArgument>());
+    // The desktops' own groups first: what the common group says is what counts.
+    for (const QString &group :
+         {QString(kde), QString(gnomeAccess), QString(gnome), QString(common)}) {
+        const QVariantMap settings = groups.value(group);
+        for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
+            values = applying(values, group, setting.key(), setting.value());
+    }
+    return values;
+}
+
 void DesktopAppearance::takeSetting(const QString &group, const QString &key,
                                     const QDBusVariant &value)
 {
@@ -96,18 +115,6 @@ void DesktopAppearance::askPortal()
     auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
-        if (answer->isError())
-            return;
-        const auto groups =
-            qdbus_cast<SettingGroups>(answer->reply().arguments().value(0).value<QDBusArgument>());
-        Values now = values();
-        // The desktops' own groups first: what the common group says is what counts.
-        for (const QString &group :
-             {QString(kde), QString(gnomeAccess), QString(gnome), QString(common)}) {
-            const QVariantMap settings = groups.value(group);
-            for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
-                now = applying(now, group, setting.key(), setting.value());
-        }
-        setValues(now);
+        setValues(reading(values(), answer->reply()));
     });
 }

@@ -7,6 +7,7 @@
 #include <memory>
 
 class CompositorWatch;
+class QDBusMessage;
 class QDBusVariant;
 
 /// The appearance of the running desktop: the settings portal says light or dark, contrast and
@@ -24,6 +25,10 @@ public:
     /// The values after one setting of the portal changed; unknown settings change nothing.
     [[nodiscard]] static Values applying(Values values, const QString &group, const QString &key,
                                          const QVariant &value);
+
+    /// The values after the portal's answer to ReadAll; an error, or an answer of another type,
+    /// changes nothing.
+    [[nodiscard]] static Values reading(Values values, const QDBusMessage &answer);
 
 private Q_SLOTS:
     void takeSetting(const QString &group, const QString &key, const QDBusVariant &value);

@@ -12,11 +12,16 @@
 #include <QGuiApplication>
 #include <QSignalSpy>
 #include <QTest>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
 using SettingGroups = QMap<QString, QVariantMap>;
+using Texts = QMap<QString, QString>;
+using TextGroups = QMap<QString, Texts>;
 Q_DECLARE_METATYPE(SettingGroups)
+Q_DECLARE_METATYPE(Texts)
+Q_DECLARE_METATYPE(TextGroups)
 
 namespace {
 
@@ -63,12 +68,17 @@ public:
     SettingGroups settings;
     /// Keeps every question without an answer.
     bool isSilent = false;
+    /// Given instead of the settings.
+    std::optional<QVariantList> otherAnswer;
+    int answers = 0;
 
 public Q_SLOTS:
     SettingGroups ReadAll(const QStringList & /*groups*/)
     {
-        if (isSilent)
+        if (isSilent || otherAnswer)
             setDelayedReply(true);
+        if (otherAnswer && m_bus.send(message().createReply(*otherAnswer)))
+            ++answers;
         return settings;
     }
 
@@ -100,6 +110,8 @@ private Q_SLOTS:
     void asksThePortalAndFollowsIt();
     void prefersTheCommonSettingsToThoseOfADesktop();
     void doesNotWaitForAPortalThatIsSilent();
+    void passesOverAnAnswerOfAnotherKind_data();
+    void passesOverAnAnswerOfAnotherKind();
 
 private:
     const PrivateBus &m_bus;
@@ -247,12 +259,50 @@ void DesktopAppearanceTest::doesNotWaitForAPortalThatIsSilent()
     QTRY_VERIFY(appearance.reduceTransparency());
 }
 
+void DesktopAppearanceTest::passesOverAnAnswerOfAnotherKind_data()
+{
+    QTest::addColumn<QVariantList>("answer");
+
+    const QVariantMap settings{{u"contrast"_s, 1U}};
+    const Texts texts{{u"contrast"_s, u"1"_s}};
+    QTest::newRow("nothing") << QVariantList();
+    QTest::newRow("a number") << QVariantList{1U};
+    QTest::newRow("a text") << QVariantList{u"contrast"_s};
+    QTest::newRow("a{sv}") << QVariantList{settings};
+    QTest::newRow("a{ss}") << QVariantList{QVariant::fromValue(texts)};
+    QTest::newRow("a{sa{ss}}") << QVariantList{QVariant::fromValue(TextGroups{{common, texts}})};
+    QTest::newRow("one more") << QVariantList{
+        QVariant::fromValue(SettingGroups{{common, settings}}), 1U};
+    QTest::newRow("in a variant") << QVariantList{
+        QVariant::fromValue(QDBusVariant(QVariant::fromValue(SettingGroups{{common, settings}})))};
+}
+
+void DesktopAppearanceTest::passesOverAnAnswerOfAnotherKind()
+{
+    QFETCH(const QVariantList, answer);
+    FakePortal portal(m_bus);
+    portal.otherAnswer = answer;
+    QVERIFY(portal.start());
+
+    DesktopAppearance appearance(ColorScheme::dark);
+    QTRY_COMPARE(portal.answers, 1);
+
+    // What comes from one program arrives in its order: the answer has been read by then.
+    QVERIFY(portal.announce(common, u"reduced-motion"_s, 1U));
+    QTRY_VERIFY(appearance.reduceMotion());
+    const SystemAppearance::Values unchanged{.colorScheme = ColorScheme::dark,
+                                             .reduceMotion = true};
+    QCOMPARE(appearance.values(), unchanged);
+}
+
 int main(int argc, char *argv[])
 {
     const PrivateBus bus;
     if (!bus.isRunning())
         qFatal("No private session bus could be started");
     qDBusRegisterMetaType<SettingGroups>();
+    qDBusRegisterMetaType<Texts>();
+    qDBusRegisterMetaType<TextGroups>();
     const QGuiApplication application(argc, argv);
     DesktopAppearanceTest test(bus);
     return QTest::qExec(&test, argc, argv);
