@@ -343,6 +343,10 @@ with a quick note.</translation>
         <translation>“%@” was not written: your disk quota is used up. Delete other files, then try again.</translation>
     </message>
     <message>
+        <source>“%@” was not written: it would be larger than a file may be. Raise the limit, then try again.</source>
+        <translation>“%@” was not written: it would be larger than a file may be. Raise the limit, then try again.</translation>
+    </message>
+    <message>
         <source>“%@” may not be used. Check its permissions and its owner, then try again.</source>
         <translation>“%@” may not be used. Check its permissions and its owner, then try again.</translation>
     </message>

@@ -343,6 +343,10 @@ with a quick note.</source>
         <translation>“%@”未写入：磁盘配额已用完。请删除其他文件，然后重试。</translation>
     </message>
     <message>
+        <source>“%@” was not written: it would be larger than a file may be. Raise the limit, then try again.</source>
+        <translation>“%@”未写入：它将超出文件大小的限制。请提高该限制，然后重试。</translation>
+    </message>
+    <message>
         <source>“%@” may not be used. Check its permissions and its owner, then try again.</source>
         <translation>没有使用“%@”的权限。请检查它的权限和所有者，然后重试。</translation>
     </message>

@@ -3,10 +3,13 @@
 
 #include <QFileInfo>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <string_view>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -46,10 +49,32 @@ void leaveNoCoreFile()
     }
 }
 
+/// A file that may not grow and a reader that has gone away are errors of a call (EFBIG, EPIPE) and
+/// no reason to end.
+void takeSignalsAsErrors()
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+/// Where input, output or errors are closed, the next file that is opened would take their place:
+/// a message would then be written into a note.
+void occupyStandardFiles()
+{
+    int descriptor = ::open("/dev/null", O_RDWR);
+    while (descriptor != -1 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor != -1)
+        ::close(descriptor);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
+    occupyStandardFiles();
+    takeSignalsAsErrors();
+
     // Answered without a display.
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument(argv[i]);

@@ -19,6 +19,8 @@ QString sentenceFor(int systemError)
         return u"“%@” was not written: the disk is full. Free some space, then try again."_s;
     case EDQUOT:
         return u"“%@” was not written: your disk quota is used up. Delete other files, then try again."_s;
+    case EFBIG:
+        return u"“%@” was not written: it would be larger than a file may be. Raise the limit, then try again."_s;
     case EACCES:
     case EPERM:
         return u"“%@” may not be used. Check its permissions and its owner, then try again."_s;

@@ -71,8 +71,8 @@ void StorageErrorTest::tellsRefusalsApart()
 void StorageErrorTest::namesTheFileInEveryMessage()
 {
     const std::filesystem::path path("/notes/one.md");
-    for (const int code :
-         {ENOSPC, EDQUOT, EACCES, EPERM, EROFS, EMFILE, ENFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
+    for (const int code : {ENOSPC, EDQUOT, EFBIG, EACCES, EPERM, EROFS, EMFILE, ENFILE, ENOENT, EIO,
+                           ENAMETOOLONG, ELOOP})
         QVERIFY2(FileError(path, code).description().contains(u"/notes/one.md"_s), strerror(code));
     QVERIFY(FileError(path, ELOOP).description().contains(QString::fromLocal8Bit(strerror(ELOOP))));
 }
@@ -89,10 +89,11 @@ void StorageErrorTest::saysADifferentThingForEachReason()
         QVERIFY(message.english().contains(u"/notes/one.md"_s));
         keys.insert(message.key);
     }
-    for (const int code : {ENOSPC, EDQUOT, EACCES, EROFS, EMFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
+    for (const int code :
+         {ENOSPC, EDQUOT, EFBIG, EACCES, EROFS, EMFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
         keys.insert(FileError("/notes/one.md", code).message().key);
 
-    QCOMPARE(keys.size(), 19);
+    QCOMPARE(keys.size(), 20);
 }
 
 void StorageErrorTest::showsANameThatIsNotUtf8()

@@ -162,6 +162,34 @@ class FailingDisk(DesktopTest):
                 with self.subTest(failure=name, language=language):
                     self.expect_named(call, name, sentence, language)
 
+    def test_a_limit_on_file_sizes_is_named_and_survived(self):
+        for language in ("en", "zh-Hans"):
+            with self.subTest(language=language):
+                self.write_settings({"ui.language": language})
+                self.limit_file_sizes(self.start(), language)
+
+    def limit_file_sizes(self, quillmark, language):
+        quillmark.open_editor()
+        self.keyboard.type("one")
+        until(lambda: (self.data.draft() or "").endswith("one"), "the draft is on the disk")
+        until(lambda: len(os.listdir(self.data.path)) == 1, "the save has cleaned up")
+        saved = self.data.draft()
+        before = resource.prlimit(quillmark.process, resource.RLIMIT_FSIZE)
+        resource.prlimit(quillmark.process, resource.RLIMIT_FSIZE, (2, before[1]))
+
+        self.keyboard.type("!")
+
+        self.expect_sentence(quillmark, language,
+                             "“%@” was not written: it would be larger than a file may be. "
+                             "Raise the limit, then try again.")
+        self.assertEqual(self.data.draft(), saved)
+        self.assertEqual([note.body for note in self.data.read_notes()], ["milk"])
+        resource.prlimit(quillmark.process, resource.RLIMIT_FSIZE, before)
+        self.keyboard.type("!")
+        until(lambda: self.data.draft().endswith("one!!"), "the draft is on the disk")
+        until(lambda: len(os.listdir(self.data.path)) == 1, "the save has cleaned up")
+        quillmark.kill()
+
     def test_a_kill_at_any_step_of_a_save_leaves_old_or_new_notes(self):
         if shutil.which("strace") is None:
             self.skipTest("strace is not installed")

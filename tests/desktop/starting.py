@@ -169,6 +169,31 @@ class Starting(DesktopTest):
         self.assertEqual([note.body for note in self.data.read_notes()], ["alone"])
 
 
+    def test_nobody_needs_to_read_what_it_prints(self):
+        read, write = os.pipe()
+        # Prints something for every event from the X server.
+        quillmark = self.start("-c", f'exec "$0" 2>/proc/{os.getpid()}/fd/{write}', self.program,
+                               program="sh", QT_LOGGING_RULES="qt.qpa.*=true")
+        os.close(write)
+        quillmark.launcher()
+        self.assertTrue(os.read(read, 1), "it prints")
+        os.close(read)
+
+        quillmark.open_editor()
+        self.keyboard.type("unheard")
+
+        until(lambda: self.data.draft() == "unheard", "the text is kept")
+
+    def test_no_file_takes_the_place_of_a_closed_output(self):
+        for closed in (0, 1, 2):
+            with self.subTest(closed=closed):
+                quillmark = self.start("-c", f'exec "$0" {closed}>&-', self.program, program="sh")
+
+                quillmark.launcher()
+
+                self.assertEqual(os.readlink(f"/proc/{quillmark.process}/fd/{closed}"), "/dev/null")
+                quillmark.kill()
+
     def test_it_starts_no_session_bus_of_its_own(self):
         before = processes.children()
         quillmark = self.start(DBUS_SESSION_BUS_ADDRESS=None, XDG_RUNTIME_DIR=None,
