@@ -174,9 +174,9 @@ class Starting(DesktopTest):
         # Prints something for every event from the X server.
         quillmark = self.start("-c", f'exec "$0" 2>/proc/{os.getpid()}/fd/{write}', self.program,
                                program="sh", QT_LOGGING_RULES="qt.qpa.*=true")
-        os.close(write)
         quillmark.launcher()
         self.assertTrue(os.read(read, 1), "it prints")
+        os.close(write)
         os.close(read)
 
         quillmark.open_editor()
