@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "PenwickApp.h"
 
-#include <QFileInfo>
+#include "SessionBus.h"
+
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -27,15 +28,6 @@ constexpr auto help =
     "  --appearance=dark    with --ui-testing: dark\n"
     "  --version            prints the version and ends\n"
     "  --help               prints this and ends\n";
-
-/// Where no session bus runs, the D-Bus library would start one that outlives the program.
-void doWithoutMissingBus()
-{
-    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (!qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") &&
-        (runtimeFolder.isEmpty() || !QFileInfo::exists(runtimeFolder + "/bus"_L1)))
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
-}
 
 /// A crash must not leave a copy of the notes behind, neither in a core file nor with a crash
 /// reporter. One byte is too little for a file, and to the kernel it means that no reporter is
@@ -91,7 +83,7 @@ int main(int argc, char **argv)
     // Only X11, in a Wayland session through XWayland, lets a window stay on top at its place.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
-    doWithoutMissingBus();
+    doWithoutSilentSessionBus();
     leaveNoCoreFile();
 
     PenwickApp app(argc, argv);

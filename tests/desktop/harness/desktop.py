@@ -48,7 +48,7 @@ _BUS_SETTINGS = """\
   <type>session</type>
   <listen>unix:path={folder}/bus</listen>
   <auth>EXTERNAL</auth>
-  <servicedir>{folder}/services</servicedir>
+  <servicedir>{services}</servicedir>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
@@ -149,15 +149,21 @@ class Desktop:
                 lines = source.read_text(encoding="utf-8").splitlines()
                 kept = [line for line in lines if not line.startswith("SystemdService")]
                 (services / source.name).write_text("\n".join(kept) + "\n", encoding="utf-8")
-        settings = self.folder / "bus.conf"
-        settings.write_text(_BUS_SETTINGS.format(folder=self.folder), encoding="utf-8")
+        self.environment["DBUS_SESSION_BUS_ADDRESS"], _ = self.start_bus(self.folder)
+
+    def start_bus(self, folder):
+        """A session bus on a socket in this folder, which knows the desktop's services; its address
+        and process."""
+        settings = pathlib.Path(folder) / "bus.conf"
+        settings.write_text(_BUS_SETTINGS.format(folder=folder, services=self.folder / "services"),
+                            encoding="utf-8")
         bus = self.spawn(["dbus-daemon", f"--config-file={settings}", "--nofork",
                           "--print-address"], stdout=subprocess.PIPE)
         with bus.stdout as answer:
             address = answer.readline().decode().strip()
         if not address:
             raise RuntimeError("the session bus did not start:\n" + self.log())
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+        return address, bus
 
     def _start_window_manager(self):
         settings = self.folder / "i3.conf"
