@@ -4,11 +4,10 @@
 #include <QObject>
 
 /// SIGTERM, SIGINT and SIGHUP as a Qt signal. Whoever sends them does not wait for an answer to a
-/// question.
+/// question. One object a process.
 ///
-/// From its construction on they no longer end the process: construct it before anything starts a
-/// thread, since only later threads inherit that, and so before the application object. Signals
-/// that arrive before the event loop runs are kept for it.
+/// Until the event loop runs they end the process as ever, so that a start that waits, for a disk
+/// perhaps, is heard: nothing has been typed by then, and the notes bear a kill at any step.
 class QuitSignals final : public QObject {
     Q_OBJECT
 
@@ -21,7 +20,7 @@ Q_SIGNALS:
 
 private:
     void listen();
-    void readSignal();
+    void readSignals();
 
     int m_descriptor = -1;
 };

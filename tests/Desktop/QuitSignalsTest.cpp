@@ -2,42 +2,31 @@
 #include "QuitSignals.h"
 
 #include <QCoreApplication>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 #include <csignal>
+#include <cstdio>
 #include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
 
 class QuitSignalsTest : public QObject {
     Q_OBJECT
 
-public:
-    QuitSignalsTest(QuitSignals &signals, int argc, char **argv)
-        : m_signals(signals)
-        , m_application(argc, argv)
-    {
-    }
-
 private Q_SLOTS:
-    void keepsASignalThatArrivedBeforeTheEventLoop();
     void turnsEachSignalIntoARequest_data();
     void turnsEachSignalIntoARequest();
-
-private:
-    QuitSignals &m_signals;
-    QCoreApplication m_application;
+    void letsSignalsEndAStartThatWaits_data();
+    void letsSignalsEndAStartThatWaits();
 };
 
-void QuitSignalsTest::keepsASignalThatArrivedBeforeTheEventLoop()
-{
-    // Sent by main(), before there was an application.
-    QSignalSpy requested(&m_signals, &QuitSignals::quitRequested);
+namespace {
 
-    QVERIFY(requested.wait());
+/// In its environment: this process is a start that waits, and tells when it does.
+constexpr auto waitsForEver = "QUILLMARK_TEST_WAITS";
 
-    QCOMPARE(requested.count(), 1);
-}
-
-void QuitSignalsTest::turnsEachSignalIntoARequest_data()
+void addSignals()
 {
     QTest::addColumn<int>("signal");
 
@@ -46,10 +35,19 @@ void QuitSignalsTest::turnsEachSignalIntoARequest_data()
     QTest::newRow("SIGHUP") << SIGHUP;
 }
 
+} // namespace
+
+void QuitSignalsTest::turnsEachSignalIntoARequest_data()
+{
+    addSignals();
+}
+
 void QuitSignalsTest::turnsEachSignalIntoARequest()
 {
     QFETCH(const int, signal);
-    QSignalSpy requested(&m_signals, &QuitSignals::quitRequested);
+    const QuitSignals signals;
+    QSignalSpy requested(&signals, &QuitSignals::quitRequested);
+    QCoreApplication::processEvents();
 
     QCOMPARE(kill(getpid(), signal), 0);
 
@@ -57,11 +55,42 @@ void QuitSignalsTest::turnsEachSignalIntoARequest()
     QCOMPARE(requested.count(), 1);
 }
 
+void QuitSignalsTest::letsSignalsEndAStartThatWaits_data()
+{
+    addSignals();
+}
+
+void QuitSignalsTest::letsSignalsEndAStartThatWaits()
+{
+    QFETCH(const int, signal);
+    QProcess start;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QLatin1StringView(waitsForEver), u"1"_s);
+    start.setProcessEnvironment(environment);
+    start.start(QCoreApplication::applicationFilePath());
+    QVERIFY(start.waitForReadyRead());
+
+    QCOMPARE(kill(static_cast<pid_t>(start.processId()), signal), 0);
+
+    const bool hasEnded = start.waitForFinished(10'000);
+    start.kill();
+    QVERIFY(hasEnded);
+    QCOMPARE(start.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(start.exitCode(), signal);
+}
+
 int main(int argc, char **argv)
 {
-    QuitSignals signals;
-    kill(getpid(), SIGTERM);
-    QuitSignalsTest test(signals, argc, argv);
+    if (qEnvironmentVariableIsSet(waitsForEver)) {
+        const QuitSignals signals;
+        const QCoreApplication application(argc, argv);
+        std::puts("waiting");
+        std::fflush(stdout);
+        for (;;)
+            pause();
+    }
+    const QCoreApplication application(argc, argv);
+    QuitSignalsTest test;
     return QTest::qExec(&test, argc, argv);
 }
 #include "QuitSignalsTest.moc"

@@ -6,6 +6,7 @@ import signal
 
 from harness import DesktopTest, main, until
 from harness.buses import NameOwner, SilentBus
+from harness.dead_mount import DeadMount
 
 PORTAL = "org.freedesktop.portal.Desktop"
 
@@ -42,6 +43,24 @@ class SilentOthers(DesktopTest):
         os.kill(self.own_name(PORTAL).process, signal.SIGSTOP)
 
         self.expect_a_working_bubble(self.start())
+
+    def test_a_start_that_waits_for_a_disk_can_be_ended(self):
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+            with self.subTest(signal=number.name):
+                self.data.path.mkdir(parents=True, exist_ok=True)
+                try:
+                    disk = DeadMount(self.data.path)
+                except OSError as error:
+                    self.skipTest(f"Nothing may be mounted: {error}")
+                try:
+                    quillmark = self.start()
+                    disk.wait_for_somebody()
+
+                    quillmark.send(number)
+
+                    self.assertEqual(quillmark.wait_until_ended(), -number)
+                finally:
+                    disk.close()
 
 
 if __name__ == "__main__":
