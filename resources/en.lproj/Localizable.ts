@@ -272,6 +272,19 @@ with a quick note.</translation>
         <source>Quit anyway</source>
         <translation>Quit anyway</translation>
     </message>
+    <!-- A start that comes to nothing -->
+    <message>
+        <source>Quillmark is running already but does not answer. End it, then start it again.</source>
+        <translation>Quillmark is running already but does not answer. End it, then start it again.</translation>
+    </message>
+    <message>
+        <source>Another program has taken Quillmark’s name on the session bus. End that program, then start Quillmark again.</source>
+        <translation>Another program has taken Quillmark’s name on the session bus. End that program, then start Quillmark again.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
     <!-- Why the notes folder was refused -->
     <message>
         <source>Unsupported note version: %d. Original files were left untouched.</source>

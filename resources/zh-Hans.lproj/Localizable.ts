@@ -272,6 +272,19 @@ with a quick note.</source>
         <source>Quit anyway</source>
         <translation>仍要退出</translation>
     </message>
+    <!-- A start that comes to nothing -->
+    <message>
+        <source>Quillmark is running already but does not answer. End it, then start it again.</source>
+        <translation>Quillmark 已在运行，但没有响应。请先结束它，然后重新启动。</translation>
+    </message>
+    <message>
+        <source>Another program has taken Quillmark’s name on the session bus. End that program, then start Quillmark again.</source>
+        <translation>另一个程序占用了 Quillmark 在会话总线上的名称。请结束该程序，然后重新启动 Quillmark。</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>好</translation>
+    </message>
     <!-- Why the notes folder was refused -->
     <message>
         <source>Unsupported note version: %d. Original files were left untouched.</source>

@@ -10,23 +10,15 @@
 #include "NoteStore.h"
 #include "NoteTheme.h"
 #include "Screens.h"
+#include "StandardDefaults.h"
 
 #include <QFile>
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QPalette>
 #include <QSettings>
-#include <QStandardPaths>
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-std::unique_ptr<QSettings> standardDefaults()
-{
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return std::make_unique<QSettings>(folder + "/Penwick/Penwick.conf"_L1, QSettings::IniFormat);
-}
 
 std::unique_ptr<NoteRepository> makeRepository(bool isInterfaceTest)
 {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "PenwickApp.h"
 
+#include "AppPreferences.h"
 #include "DisplayErrors.h"
 #include "QuitAlert.h"
+#include "RefusedStart.h"
+#include "StandardDefaults.h"
 
 #include <QEvent>
 #include <QSessionManager>
@@ -25,6 +28,21 @@ std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
 
     const DisplayErrors untilItStands;
     return std::make_unique<QApplication>(argc, argv);
+}
+
+/// A text of the program; none where there is nothing to say.
+QString whyRefused(SingleInstance::Claim claim)
+{
+    switch (claim) {
+    case SingleInstance::Claim::granted:
+    case SingleInstance::Claim::passedOn:
+        return {};
+    case SingleInstance::Claim::unanswered:
+        return u"Quillmark is running already but does not answer. End it, then start it again."_s;
+    case SingleInstance::Claim::taken:
+        return u"Another program has taken Quillmark’s name on the session bus. End that program, then start Quillmark again."_s;
+    }
+    Q_UNREACHABLE();
 }
 
 } // namespace
@@ -52,8 +70,16 @@ int PenwickApp::run()
     const LaunchOptions options = LaunchOptions::ofThisProcess();
     m_isStartedByBus = options.isStartedByBus;
     // Interface tests and hosts of other code run beside the user's own program.
-    if (options.mode == LaunchOptions::Mode::normal && !m_instance.claim())
-        return EXIT_SUCCESS;
+    if (options.mode == LaunchOptions::Mode::normal) {
+        const SingleInstance::Claim claim = m_instance.claim();
+        if (claim == SingleInstance::Claim::passedOn)
+            return EXIT_SUCCESS;
+        if (const QString why = whyRefused(claim); !why.isEmpty()) {
+            const auto defaults = standardDefaults();
+            tellWhyNotStarted(why, AppPreferences(defaults.get()));
+            return EXIT_FAILURE;
+        }
+    }
     m_delegate.applicationDidFinishLaunching(options);
     return QApplication::exec();
 }

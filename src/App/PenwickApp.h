@@ -21,7 +21,7 @@ public:
     PenwickApp(int &argc, char **argv);
     ~PenwickApp() override;
 
-    /// Runs until the end of the program. The exit status.
+    /// Runs until the end of the program. The exit status; 1 when it cannot be the one that runs.
     [[nodiscard]] int run();
 
     bool eventFilter(QObject *receiver, QEvent *event) override;
@@ -32,8 +32,8 @@ private:
     void quit();
     void end();
 
-    // Both are to exist before the application; see there.
     QuitSignals m_quitSignals;
+    // Is to exist before the application; see there.
     SingleInstance m_instance;
     const std::unique_ptr<QApplication> m_application;
     AppDelegate m_delegate;

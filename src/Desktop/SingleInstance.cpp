@@ -5,6 +5,7 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusReply>
 
@@ -13,6 +14,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr auto applicationInterface = "org.freedesktop.Application"_L1;
+
+/// In milliseconds, of the bus and of the other instance, which may be busy reading its notes.
+constexpr int longestWait = 1500;
 
 /// What the desktop told this process about its start, under the names that the receiver knows.
 QVariantMap startupData()
@@ -25,6 +29,14 @@ QVariantMap startupData()
     return data;
 }
 
+/// A bus that does not answer is as good as none.
+bool takeName(const QDBusConnection &bus)
+{
+    const auto answer =
+        bus.interface()->registerService(QLatin1StringView(SingleInstance::busName));
+    return !answer.isValid() || answer.value() == QDBusConnectionInterface::ServiceRegistered;
+}
+
 } // namespace
 
 SingleInstance::SingleInstance(QObject *parent)
@@ -34,23 +46,31 @@ SingleInstance::SingleInstance(QObject *parent)
     new ApplicationAdaptor(*this); // Found by its parent when the object is registered.
 }
 
-bool SingleInstance::claim()
+SingleInstance::Claim SingleInstance::claim()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
-        return true;
+        return Claim::granted;
+    bus.interface()->setTimeout(longestWait);
 
     // The object first: a second start may ask for it as soon as the name is taken.
     bus.registerObject(QLatin1StringView(objectPath), this, QDBusConnection::ExportAdaptors);
-    const auto answer = bus.interface()->registerService(QLatin1StringView(busName));
-    if (!answer.isValid() || answer.value() == QDBusConnectionInterface::ServiceRegistered)
-        return true;
+    if (takeName(bus))
+        return Claim::granted;
 
-    bus.unregisterObject(QLatin1StringView(objectPath));
     auto call =
         QDBusMessage::createMethodCall(QLatin1StringView(busName), QLatin1StringView(objectPath),
                                        applicationInterface, "Activate"_L1);
     call << m_startupData;
-    bus.call(call);
-    return false;
+    call.setAutoStartService(false);
+    const QDBusMessage answer = bus.call(call, QDBus::Block, longestWait);
+    // Without an answer it may have been about to end.
+    const bool isAnswered = answer.type() == QDBusMessage::ReplyMessage;
+    if (!isAnswered && takeName(bus))
+        return Claim::granted;
+
+    bus.unregisterObject(QLatin1StringView(objectPath));
+    if (isAnswered)
+        return Claim::passedOn;
+    return QDBusError(answer).type() == QDBusError::NoReply ? Claim::unanswered : Claim::taken;
 }

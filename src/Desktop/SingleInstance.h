@@ -17,9 +17,18 @@ public:
     /// desktop says about this start.
     explicit SingleInstance(QObject *parent = nullptr);
 
-    /// True when this process is the one: it owns the name from here on. False when another runs;
-    /// that one has then been asked to show its editor. True as well when there is no session bus.
-    [[nodiscard]] bool claim();
+    enum class Claim {
+        /// This process is the one: it owns the name from here on, or there is no session bus.
+        granted,
+        /// Another one runs, and shows its editor.
+        passedOn,
+        /// Another one has the name and does not answer within 1.5 seconds.
+        unanswered,
+        /// A program that is not this one has the name.
+        taken,
+    };
+
+    [[nodiscard]] Claim claim();
 
 Q_SIGNALS:
     /// A second start, or the desktop, asks for the editor.

@@ -5,12 +5,16 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QElapsedTimer>
 #include <QMutex>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 
 using namespace Qt::Literals::StringLiterals;
+
+using Claim = SingleInstance::Claim;
 
 /// Stands for the program that was started first. Lives on a thread of its own, since a second
 /// start waits until it has answered.
@@ -47,6 +51,9 @@ private Q_SLOTS:
     void isActivatedByEveryCallOfTheInterface_data();
     void isActivatedByEveryCallOfTheInterface();
     void asksTheFirstInstanceWithTheStartupData();
+    void doesNotWaitLongForAnInstanceThatIsSilent();
+    void tellsAnotherProgramWithItsName();
+    void takesTheNameOfAnInstanceThatEnds();
     void runsAloneWithoutABus();
 
 private:
@@ -78,7 +85,7 @@ void SingleInstanceTest::ownsTheNameWhenItIsTheOnlyOne()
 {
     SingleInstance instance;
 
-    QVERIFY(instance.claim());
+    QCOMPARE(instance.claim(), Claim::granted);
 
     const QDBusConnection session = QDBusConnection::sessionBus();
     QCOMPARE(session.interface()->serviceOwner(busName).value(), session.baseService());
@@ -99,7 +106,7 @@ void SingleInstanceTest::isActivatedByEveryCallOfTheInterface()
 {
     QFETCH(const QDBusMessage, message);
     SingleInstance instance;
-    QVERIFY(instance.claim());
+    QCOMPARE(instance.claim(), Claim::granted);
     QSignalSpy activated(&instance, &SingleInstance::activated);
     const QDBusConnection desktop = m_bus.connectAs(u"desktop"_s);
 
@@ -127,9 +134,9 @@ void SingleInstanceTest::asksTheFirstInstanceWithTheStartupData()
     qunsetenv("DESKTOP_STARTUP_ID");
     qunsetenv("XDG_ACTIVATION_TOKEN");
 
-    const bool isTheOne = second.claim();
+    const Claim claim = second.claim();
 
-    QVERIFY(!isTheOne);
+    QCOMPARE(claim, Claim::passedOn);
     QCOMPARE(first.activations(), QList<QVariantMap>({{{u"desktop-startup-id"_s, u"start_TIME17"_s},
                                                        {u"activation-token"_s, u"token"_s}}}));
     other.unregisterService(busName);
@@ -137,11 +144,68 @@ void SingleInstanceTest::asksTheFirstInstanceWithTheStartupData()
     thread.wait();
 }
 
+void SingleInstanceTest::doesNotWaitLongForAnInstanceThatIsSilent()
+{
+    // On this very thread, which waits for the answer.
+    FirstInstance stopped;
+    QDBusConnection other = m_bus.connectAs(u"stopped"_s);
+    QVERIFY(other.registerObject(objectPath, &stopped, QDBusConnection::ExportAllSlots));
+    QVERIFY(other.registerService(busName));
+    QElapsedTimer sinceTheStart;
+    sinceTheStart.start();
+
+    QCOMPARE(SingleInstance().claim(), Claim::unanswered);
+
+    // The bus itself would go on waiting for 25.
+    QVERIFY(sinceTheStart.elapsed() < 10'000);
+    other.unregisterService(busName);
+    QDBusConnection::disconnectFromBus(u"stopped"_s);
+}
+
+void SingleInstanceTest::tellsAnotherProgramWithItsName()
+{
+    QDBusConnection other = m_bus.connectAs(u"foreign"_s);
+    QVERIFY(other.registerService(busName));
+
+    QCOMPARE(SingleInstance().claim(), Claim::taken);
+
+    other.unregisterService(busName);
+    QDBusConnection::disconnectFromBus(u"foreign"_s);
+}
+
+void SingleInstanceTest::takesTheNameOfAnInstanceThatEnds()
+{
+    // Ends instead of answering, as one does that was just told to quit.
+    class Ending final : public QDBusVirtualObject {
+    public:
+        [[nodiscard]] QString introspect(const QString & /*path*/) const override { return {}; }
+        bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override
+        {
+            message.setDelayedReply(true);
+            return bus.interface()->unregisterService(busName).isValid();
+        }
+    };
+    QThread thread;
+    Ending ending;
+    ending.moveToThread(&thread);
+    thread.start();
+    QDBusConnection other = m_bus.connectAs(u"ending"_s);
+    QVERIFY(other.registerVirtualObject(objectPath, &ending));
+    QVERIFY(other.registerService(busName));
+
+    QCOMPARE(SingleInstance().claim(), Claim::granted);
+
+    thread.quit();
+    thread.wait();
+    QDBusConnection::disconnectFromBus(u"ending"_s);
+    QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
+}
+
 void SingleInstanceTest::runsAloneWithoutABus()
 {
     // The connection to the bus is made once in a process, so this needs one of its own.
     if (qEnvironmentVariableIsSet("QUILLMARK_TEST_WITHOUT_BUS")) {
-        QVERIFY(SingleInstance().claim());
+        QCOMPARE(SingleInstance().claim(), Claim::granted);
         QVERIFY(!QDBusConnection::sessionBus().isConnected());
         return;
     }

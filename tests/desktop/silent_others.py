@@ -3,11 +3,14 @@
 
 import os
 import signal
+import subprocess
 
 from harness import DesktopTest, main, until
 from harness.buses import NameOwner, SilentBus
 from harness.dead_mount import DeadMount
+from harness.translations import chinese
 
+APPLICATION = "org.quillmark.Quillmark"
 PORTAL = "org.freedesktop.portal.Desktop"
 
 
@@ -43,6 +46,57 @@ class SilentOthers(DesktopTest):
         os.kill(self.own_name(PORTAL).process, signal.SIGSTOP)
 
         self.expect_a_working_bubble(self.start())
+
+    def test_a_first_instance_that_is_stopped(self):
+        first = self.start()
+        first.launcher()
+        first.send(signal.SIGSTOP)
+        self.addCleanup(first.send, signal.SIGCONT)
+
+        self.expect_refusal("Quillmark is running already but does not answer. "
+                            "End it, then start it again.")
+
+    def test_another_program_with_the_name(self):
+        self.own_name(APPLICATION)
+
+        self.expect_refusal("Another program has taken Quillmark’s name on the session bus. "
+                            "End that program, then start Quillmark again.")
+
+    def test_another_program_with_the_name_that_is_stopped(self):
+        os.kill(self.own_name(APPLICATION).process, signal.SIGSTOP)
+
+        self.expect_refusal("Quillmark is running already but does not answer. "
+                            "End it, then start it again.")
+
+    def expect_refusal(self, sentence):
+        """A start ends with this sentence: where somebody reads its errors, and where nobody does."""
+        for language, said in (("en", sentence), ("zh-Hans", chinese(sentence))):
+            with self.subTest(language=language):
+                settings = self.settings_file.read_bytes() if self.settings_file.exists() else b""
+                self.addCleanup(self.settings_file.write_bytes, settings)
+                self.write_settings({"ui.language": language})
+                ended = subprocess.run([self.program], text=True, timeout=20,
+                                       env=self.desktop.environment_for(self.home),
+                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                self.assertEqual((ended.returncode, ended.stdout, ended.stderr),
+                                 (1, "", said + "\n"))
+
+                unread = self.start()
+                unread.element(name=said)
+                self.assertEqual(unread.output().splitlines()[-1], said)
+                unread.element(name="OK" if language == "en" else chinese("OK")).press()
+                self.assertEqual(unread.wait_until_ended(), 1)
+
+    def test_a_pipe_in_the_place_of_the_settings(self):
+        self.settings_file.parent.mkdir(parents=True)
+        os.mkfifo(self.settings_file)
+        quillmark = self.start()
+
+        self.expect_a_working_bubble(quillmark)
+
+        quillmark.send(signal.SIGTERM)
+        self.assertEqual(quillmark.wait_until_ended(), 0)
+        self.assertEqual(os.listdir(self.settings_file.parent), [self.settings_file.name])
 
     def test_a_start_that_waits_for_a_disk_can_be_ended(self):
         for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
