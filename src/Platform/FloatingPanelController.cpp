@@ -11,6 +11,7 @@
 #include "NoteWorkspaceView.h"
 #include "PanelPlacement.h"
 #include "Screens.h"
+#include "SettingsLock.h"
 #include "SystemAppearance.h"
 
 #include <QApplication>
@@ -194,6 +195,7 @@ void FloatingPanelController::savePosition()
     const Rect frame = launcherFrame();
     m_defaults.setValue(launcherXKey, frame.minX());
     m_defaults.setValue(launcherYKey, frame.minY());
+    waitForSettingsLock(m_defaults);
     m_defaults.sync();
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "AppPreferences.h"
 
+#include "SettingsLock.h"
+
 #include <QCoreApplication>
 #include <QSettings>
 
@@ -86,6 +88,8 @@ void AppPreferences::persist()
     if (m_defaults) {
         m_defaults->setValue(QLatin1StringView(languageKey), rawValue(m_language));
         m_defaults->setValue(QLatin1StringView(appearanceKey), rawValue(m_appearance));
+        waitForSettingsLock(*m_defaults);
+        m_defaults->sync();
     }
     Q_EMIT didChange();
 }

@@ -87,6 +87,21 @@ class SilentOthers(DesktopTest):
                 unread.element(name="OK" if language == "en" else chinese("OK")).press()
                 self.assertEqual(unread.wait_until_ended(), 1)
 
+    def test_a_lock_that_was_left_beside_the_settings(self):
+        self.settings_file.parent.mkdir(parents=True)
+        lock = self.settings_file.with_name("Penwick.conf.lock")
+        lock.touch()
+        quillmark = self.start()
+
+        quillmark.launcher()
+
+        self.assertIn("launcher.x", quillmark.settings())
+        lock.touch()
+        self.mouse.drag(quillmark.launcher().centre(), (500, 500))
+        until(lambda: quillmark.settings()["launcher.x"] == "468", "the new place is remembered")
+        lock.touch()
+        self.expect_a_working_bubble(quillmark)
+
     def test_a_pipe_in_the_place_of_the_settings(self):
         self.settings_file.parent.mkdir(parents=True)
         os.mkfifo(self.settings_file)
