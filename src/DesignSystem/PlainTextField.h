@@ -7,7 +7,7 @@
 
 /// A line of text to type in, with no frame and no background of its own; the prompt is in the
 /// tertiary style. Put it on a TintedFrame.
-class PlainTextField final : public QLineEdit {
+class PlainTextField : public QLineEdit {
     Q_OBJECT
 
 public:

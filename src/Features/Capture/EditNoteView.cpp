@@ -2,6 +2,7 @@
 #include "EditNoteView.h"
 
 #include "AppPreferences.h"
+#include "ClipboardReader.h"
 #include "DateText.h"
 #include "DeleteAlert.h"
 #include "Layouts.h"
@@ -74,10 +75,9 @@ void EditNoteView::copy()
 {
     m_editor->commitComposition();
     const QString text = m_store.text(m_note);
-    QClipboard *const clipboard = QGuiApplication::clipboard();
-    clipboard->setText(text);
+    QGuiApplication::clipboard()->setText(text);
     // Another program may hold on to the clipboard, and Qt does not say so.
-    m_isCopied = clipboard->text() == text;
+    m_isCopied = ClipboardReader::holdsOwn(text);
     render();
 }
 

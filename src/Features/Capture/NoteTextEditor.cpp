@@ -2,6 +2,7 @@
 #include "NoteTextEditor.h"
 
 #include "AppPreferences.h"
+#include "ClipboardReader.h"
 #include "Metrics.h"
 #include "SlimScrollBar.h"
 #include "TextStyle.h"
@@ -9,7 +10,6 @@
 #include "UserText.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -116,6 +116,7 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     : QTextEdit(parent)
     , m_preferences(preferences)
     , m_placeholderKey(placeholder)
+    , m_clipboard(new ClipboardReader(this))
     , m_lineEnd(u"\n"_s)
 {
     setObjectName(u"noteEditor"_s);
@@ -133,6 +134,7 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     replaceText(*document(), {});
 
     connect(this, &QTextEdit::textChanged, this, &NoteTextEditor::announceEdit);
+    connect(m_clipboard, &ClipboardReader::arrived, this, &NoteTextEditor::insertPasted);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteTextEditor::translate);
     translate();
 }
@@ -141,6 +143,7 @@ void NoteTextEditor::setNoteText(const QString &text)
 {
     if (text == m_text)
         return;
+    m_clipboard->cancel();
     const QSignalBlocker notTheUser(this);
     setWordWrapMode(hasEndlessWord(text) ? QTextOption::WrapAnywhere
                                          : QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -154,6 +157,7 @@ void NoteTextEditor::setNoteText(const QString &text)
 
 void NoteTextEditor::commitComposition()
 {
+    m_clipboard->finish();
     if (!isComposing())
         return;
     QGuiApplication::inputMethod()->commit();
@@ -212,6 +216,11 @@ void NoteTextEditor::keyPressEvent(QKeyEvent *event)
 {
     if (isComposing() && event->key() == Qt::Key_Escape) {
         event->accept();
+    } else if (event->matches(QKeySequence::Paste)) {
+        const bool isSelection = event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier) &&
+                                 event->key() == Qt::Key_Insert;
+        pasteFrom(isSelection ? QClipboard::Selection : QClipboard::Clipboard);
+        event->accept();
     } else if (event->matches(QKeySequence::InsertLineSeparator)) {
         // Shift+Return is a plain new line: U+2028 means nothing in a Markdown file.
         QKeyEvent plain(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s);
@@ -220,6 +229,17 @@ void NoteTextEditor::keyPressEvent(QKeyEvent *event)
     } else {
         QTextEdit::keyPressEvent(event);
     }
+}
+
+void NoteTextEditor::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::MiddleButton) {
+        QTextEdit::mouseReleaseEvent(event);
+        return;
+    }
+    setTextCursor(cursorForPosition(event->position().toPoint()));
+    pasteFrom(QClipboard::Selection);
+    event->accept();
 }
 
 void NoteTextEditor::inputMethodEvent(QInputMethodEvent *event)
@@ -274,7 +294,7 @@ void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
     menu->setObjectName(u"noteEditorMenu"_s);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const auto add = [&](const QString &key, QKeySequence::StandardKey shortcut, bool isPossible,
-                         void (QTextEdit::*perform)()) {
+                         auto perform) {
         const QString shown = QKeySequence(shortcut).toString(QKeySequence::NativeText);
         QAction *action = menu->addAction(m_preferences.text(key) + u'\t' + shown);
         action->setEnabled(isPossible);
@@ -286,7 +306,8 @@ void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
     menu->addSeparator();
     add(u"Cut"_s, QKeySequence::Cut, hasSelection, &QTextEdit::cut);
     add(u"Copy"_s, QKeySequence::Copy, hasSelection, &QTextEdit::copy);
-    add(u"Paste"_s, QKeySequence::Paste, canPaste(), &QTextEdit::paste);
+    add(u"Paste"_s, QKeySequence::Paste, ClipboardReader::mayHaveText(QClipboard::Clipboard),
+        &NoteTextEditor::paste);
     menu->addSeparator();
     add(u"Select all"_s, QKeySequence::SelectAll, !document()->isEmpty(), &QTextEdit::selectAll);
 
@@ -303,6 +324,35 @@ QMimeData *NoteTextEditor::createMimeDataFromSelection() const
     auto *copied = new QMimeData;
     copied->setText(text);
     return copied;
+}
+
+void NoteTextEditor::paste()
+{
+    pasteFrom(QClipboard::Clipboard);
+}
+
+void NoteTextEditor::pasteFrom(QClipboard::Mode mode)
+{
+    if (isReadOnly() || m_clipboard->isReading(mode))
+        return;
+    m_pasteCursor = textCursor();
+    m_pasteCursor.setKeepPositionOnInsert(true);
+    m_pasteRevision = document()->revision();
+    m_clipboard->read(mode);
+}
+
+void NoteTextEditor::insertPasted(const QMimeData &pasted)
+{
+    QTextCursor place = m_pasteCursor;
+    place.setKeepPositionOnInsert(false);
+    if (document()->revision() != m_pasteRevision)
+        place.clearSelection();
+    // Where the user went meanwhile, or behind what is pasted.
+    const QTextCursor after = textCursor();
+    setTextCursor(place);
+    insertFromMimeData(&pasted);
+    setTextCursor(after);
+    ensureCursorVisible();
 }
 
 bool NoteTextEditor::canInsertFromMimeData(const QMimeData *source) const

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QClipboard>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTextEdit>
 
 class AppPreferences;
+class ClipboardReader;
 
 /// The text area of the capture and the edit screen: plain text, 15 points, 7 points between
 /// lines, a placeholder while empty. Takes the keyboard when it is first shown.
@@ -12,6 +15,8 @@ class AppPreferences;
 /// Tab and Shift+Tab move on to the next control, so that nobody who works without a mouse is
 /// caught in the text. Control+Return and Escape are left to the screen, Escape not while an input
 /// method composes.
+///
+/// What is pasted comes to where the cursor was then, also when its owner takes its time.
 class NoteTextEditor final : public QTextEdit {
     Q_OBJECT
 
@@ -28,7 +33,8 @@ public:
     /// end. Does nothing when the text is already there.
     void setNoteText(const QString &text);
 
-    /// Puts what an input method is composing into the text.
+    /// Puts what an input method is composing into the text, and what is being pasted, for which it
+    /// waits a second at most.
     void commitComposition();
 
     [[nodiscard]] bool isComposing() const noexcept { return !m_preedit.isEmpty(); }
@@ -36,6 +42,9 @@ public:
     /// There is nothing to save: not in the text, nor in what is being composed, which becomes part
     /// of it.
     [[nodiscard]] bool isBlank() const;
+
+    /// In the place of QTextEdit's, which waits for the owner of the clipboard.
+    void paste();
 
 Q_SIGNALS:
     /// The user changed the text. What an input method still composes is not part of it.
@@ -49,6 +58,7 @@ protected:
     void showEvent(QShowEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
@@ -59,6 +69,8 @@ private:
     [[nodiscard]] QString readDocument() const;
     [[nodiscard]] bool showsPlaceholder() const;
     void announceEdit();
+    void pasteFrom(QClipboard::Mode mode);
+    void insertPasted(const QMimeData &pasted);
     void paintPlaceholder();
     void translate();
 
@@ -67,6 +79,12 @@ private:
     QTextDocument m_placeholder;
     bool m_wasShown = false;
     QString m_preedit;
+
+    ClipboardReader *const m_clipboard;
+    /// Where the text that is being read goes. What was selected there is replaced only as long as
+    /// the document has the revision that it had then.
+    QTextCursor m_pasteCursor;
+    int m_pasteRevision = 0;
 
     /// As set, or as read after the user's last change.
     QString m_text;

@@ -10,7 +10,7 @@
 #include "NoteListView.h"
 #include "NoteStore.h"
 #include "PlainButton.h"
-#include "PlainTextField.h"
+#include "SearchField.h"
 #include "SymbolView.h"
 #include "TextLabel.h"
 #include "TextLine.h"
@@ -45,7 +45,7 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     , m_preferences(preferences)
     , m_title(named(u"libraryTitle"_s, new TextLabel(TextStyles::screenTitle, this)))
     , m_count(named(u"libraryCount"_s, new TextLabel(TextStyles::noteCount, this)))
-    , m_search(named(u"searchNotes"_s, new PlainTextField(TextStyles::search, this)))
+    , m_search(named(u"searchNotes"_s, new SearchField(preferences, this)))
     , m_clear(named(u"clearSearch"_s,
                     new PlainButton(TextStyles::clearSearch, u"xmark.circle.fill"_s, this)))
     , m_model(new NoteListModel(store, preferences, this))

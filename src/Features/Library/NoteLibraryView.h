@@ -8,7 +8,7 @@ class NoteListModel;
 class NoteListView;
 class NoteStore;
 class PlainButton;
-class PlainTextField;
+class SearchField;
 class QKeyEvent;
 class SymbolView;
 class TextLabel;
@@ -46,7 +46,7 @@ private:
 
     TextLabel *const m_title;
     TextLabel *const m_count;
-    PlainTextField *const m_search;
+    SearchField *const m_search;
     PlainButton *const m_clear;
     NoteListModel *const m_model;
     NoteListView *const m_list;

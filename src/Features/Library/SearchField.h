@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "PlainTextField.h"
+
+#include <QClipboard>
+
+class AppPreferences;
+class ClipboardReader;
+
+/// Where words to search for are typed. Pasting waits for no other program, nor does the menu,
+/// which is in the language of the preferences.
+class SearchField final : public PlainTextField {
+    Q_OBJECT
+
+public:
+    explicit SearchField(const AppPreferences &preferences, QWidget *parent = nullptr);
+
+    /// In the place of QLineEdit's, which waits for the owner of the clipboard.
+    void paste();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    void pasteFrom(QClipboard::Mode mode);
+    void insertPasted(const QMimeData &pasted);
+
+    const AppPreferences &m_preferences;
+    ClipboardReader *const m_clipboard;
+};
