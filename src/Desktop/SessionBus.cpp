@@ -17,7 +17,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr int longestWait = 1200;
+constexpr int longestWait = 1000;
 constexpr int retryInterval = 10;
 
 constexpr auto addressVariable = "DBUS_SESSION_BUS_ADDRESS";

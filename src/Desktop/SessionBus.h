@@ -2,8 +2,8 @@
 #pragma once
 
 /// Has this process do without the session bus when none runs, or when the one that should does not
-/// answer within 1.2 seconds: says so on the standard error then. To be called before the
-/// application object is made.
+/// answer within a second: says so on the standard error then. To be called before the application
+/// object is made.
 ///
 /// The D-Bus library waits 25 seconds for each answer, on the way to the first window already, and
 /// where no bus runs it would start one that outlives the program.

@@ -8,8 +8,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr int oldest = 800;
-constexpr int longestWait = 1000;
+constexpr int oldest = 400;
+constexpr int longestWait = 600;
 
 } // namespace
 
