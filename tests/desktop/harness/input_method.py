@@ -11,7 +11,6 @@ import shutil
 import subprocess
 import sys
 import threading
-import time
 
 WORDS = {"xiangdao": "想到", "jiuji": "就记"}
 
@@ -53,6 +52,7 @@ def run_engine():
     import gi
     gi.require_version("IBus", "1.0")
     from gi.repository import GLib, IBus
+    from waiting import until
 
     class Engine(IBus.Engine):
         __gtype_name__ = "QuillmarkTestEngine"
@@ -96,13 +96,12 @@ def run_engine():
             print(flush=True)
 
     IBus.init()
-    deadline = time.monotonic() + 10
+    # There is one connection in a process, and the library tries to make it once: the daemon has to
+    # be there before. It tells where it listens as soon as it does.
+    until(IBus.get_address, "ibus-daemon has started", 60)
     bus = IBus.Bus()
-    while not bus.is_connected():
-        if time.monotonic() > deadline:
-            sys.exit("ibus-daemon does not answer")
-        time.sleep(0.02)
-        bus = IBus.Bus()
+    if not bus.is_connected():
+        sys.exit("ibus-daemon does not answer")
     factory = IBus.Factory.new(bus.get_connection())
     factory.add_engine("quillmark-test", Engine.__gtype__)
     component = IBus.Component(name="org.quillmark.TestEngine", description="A few words",
