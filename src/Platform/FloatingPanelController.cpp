@@ -190,12 +190,11 @@ void FloatingPanelController::restorePosition()
 
 void FloatingPanelController::savePosition()
 {
-    if (!m_remembersPosition)
+    if (!m_remembersPosition || !isLockFree(m_defaults))
         return;
     const Rect frame = launcherFrame();
     m_defaults.setValue(launcherXKey, frame.minX());
     m_defaults.setValue(launcherYKey, frame.minY());
-    waitForSettingsLock(m_defaults);
     m_defaults.sync();
 }
 

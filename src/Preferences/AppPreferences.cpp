@@ -85,10 +85,9 @@ void AppPreferences::setAppearance(AppAppearance appearance)
 
 void AppPreferences::persist()
 {
-    if (m_defaults) {
+    if (m_defaults && isLockFree(*m_defaults)) {
         m_defaults->setValue(QLatin1StringView(languageKey), rawValue(m_language));
         m_defaults->setValue(QLatin1StringView(appearanceKey), rawValue(m_appearance));
-        waitForSettingsLock(*m_defaults);
         m_defaults->sync();
     }
     Q_EMIT didChange();

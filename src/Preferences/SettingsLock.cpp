@@ -13,10 +13,10 @@ constexpr int longestWait = 600;
 
 } // namespace
 
-void waitForSettingsLock(const QSettings &settings)
+bool isLockFree(const QSettings &settings)
 {
     QLockFile lock(settings.fileName() + ".lock"_L1);
     lock.setStaleLockTime(oldest);
-    // Held by nobody when it goes: QSettings takes it next.
-    [[maybe_unused]] const bool isFree = lock.tryLock(longestWait);
+    // Where there is no folder yet, or nothing may be written, QSettings does not wait either.
+    return lock.tryLock(longestWait) || lock.error() != QLockFile::LockFailedError;
 }

@@ -3,9 +3,9 @@
 
 class QSettings;
 
-/// To be called before something is written to settings. Waits for the lock beside their file, for 0.6
-/// seconds at most; one that is older than 0.4 is nobody's any more, and is removed.
+/// Whether settings can be written now: waits for the lock beside their file, for 0.6 seconds at
+/// most, and removes one that is older than 0.4.
 ///
-/// QSettings itself waits half a minute for what a program has left behind that was killed. It
-/// holds its lock for as long as it takes to write a small file.
-void waitForSettingsLock(const QSettings &settings);
+/// QSettings itself waits half a minute for what a program has left behind that was killed, and for
+/// good for what it cannot remove. It holds its lock for as long as it takes to write a small file.
+[[nodiscard]] bool isLockFree(const QSettings &settings);

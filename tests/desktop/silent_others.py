@@ -102,6 +102,16 @@ class SilentOthers(DesktopTest):
         lock.touch()
         self.expect_a_working_bubble(quillmark)
 
+    def test_a_lock_of_the_settings_that_cannot_be_removed(self):
+        lock = self.settings_file.with_name("Penwick.conf.lock")
+        (lock / "not empty").mkdir(parents=True)
+        quillmark = self.start()
+
+        self.expect_a_working_bubble(quillmark)
+
+        quillmark.send(signal.SIGTERM)
+        self.assertEqual(quillmark.wait_until_ended(), 0)
+
     def test_a_pipe_in_the_place_of_the_settings(self):
         self.settings_file.parent.mkdir(parents=True)
         os.mkfifo(self.settings_file)
