@@ -51,7 +51,8 @@ public:
         return format(message.key, message.arguments);
     }
 
-    /// Both store both choices and emit didChange(), also when the value stays the same.
+    /// Both store both choices, unless the settings are locked, and emit didChange(), also when the
+    /// value stays the same.
     void setLanguage(AppLanguage language);
     void setAppearance(AppAppearance appearance);
 

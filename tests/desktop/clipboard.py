@@ -80,15 +80,16 @@ class Clipboard(DesktopTest):
         self.until_text_is("from the menu")
 
     def test_the_middle_button_pastes_what_is_selected_elsewhere(self):
-        self.keyboard.type("ends")
-        self.offer({"UTF8_STRING": b"what is selected "}, selection="PRIMARY")
-        x, y = self.editor.centre()
+        self.keyboard.type("nds")
         self.keyboard.press("Home")
+        self.keyboard.type("e")
+        self.until_text_is("ends")
+        self.offer({"UTF8_STRING": b" here"}, selection="PRIMARY")
 
-        self.mouse.click((x, y), Mouse.MIDDLE)
+        self.mouse.click(self.editor.centre(), Mouse.MIDDLE)
 
         # A click below the text is one at its end.
-        self.until_text_is("endswhat is selected ")
+        self.until_text_is("ends here")
 
     def test_the_search_field_pastes(self):
         self.keyboard.type("buy milk")

@@ -94,7 +94,7 @@ class ClipboardOwner:
 
     def _send_part(self, window, place):
         found = self._parts.get((window, place))
-        if found is None or window.get_full_property(place, X.AnyPropertyType) is not None:
+        if found is None or window.get_property(place, X.AnyPropertyType, 0, 0) is not None:
             return
         target, content = found
         length = 1 if self._manner == "slow" and not self._hurries.is_set() else _SERVED_AT_ONCE
