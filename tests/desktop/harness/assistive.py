@@ -171,16 +171,19 @@ class Element:
         return [self._call(_ACTION, "GetName", GLib.Variant("(i)", (index,)))
                 for index in range(count)]
 
-    def perform(self, action):
+    def perform(self, action, is_awaited=False):
         index = self.actions().index(action)
-        self._bus.send(self._name, self._path, _ACTION, "DoAction", GLib.Variant("(i)", (index,)))
+        do = self._bus.call if is_awaited else self._bus.send
+        do(self._name, self._path, _ACTION, "DoAction", GLib.Variant("(i)", (index,)))
 
-    def press(self):
-        """What a press does: a button is pressed, a choice toggled, a menu button shows its menu."""
+    def press(self, is_awaited=False):
+        """What a press does: a button is pressed, a choice toggled, a menu button shows its menu.
+
+        Awaited, it has been done when the call returns; not for what shows a menu or a question."""
         offered = self.actions()
         for action in ("Press", "Toggle", "ShowMenu"):
             if action in offered:
-                self.perform(action)
+                self.perform(action, is_awaited)
                 return
         raise AssertionError(f"{self} cannot be pressed, it offers {offered}")
 

@@ -52,9 +52,10 @@ class DataFolder:
         self.capture = self.drafts / "capture.md"
 
     def create(self, marker=MARKER):
-        """An empty collection."""
-        self.notes.mkdir(parents=True)
-        self.drafts.mkdir()
+        """An empty collection, with the modes that the program gives: as its last step a save takes
+        others their access, and what is looked at just before would differ from what comes after."""
+        for folder in (self.path, self.markdown, self.notes, self.drafts):
+            folder.mkdir(mode=0o700, parents=True, exist_ok=True)
         (self.markdown / ".format").write_bytes(marker)
         self.capture.write_bytes(b"")
 
