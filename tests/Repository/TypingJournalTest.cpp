@@ -125,11 +125,10 @@ void TypingJournalTest::init()
 QList<QByteArray> TypingJournalTest::journalPaths() const
 {
     QList<QByteArray> paths;
-    const DataFolder::Content content = m_data->content();
-    for (const QByteArray &path : content.keys()) {
-        if (path.startsWith("journal/typed-"))
-            paths.append(path);
-    }
+    if (!m_data->holds("journal"))
+        return paths;
+    for (const auto &entry : std::filesystem::directory_iterator(m_data->path("journal")))
+        paths.append("journal/" + QByteArray::fromStdString(entry.path().filename()));
     return paths;
 }
 
