@@ -255,6 +255,11 @@ with a quick note.</translation>
         <source>Could not save. Your text is still in this window.</source>
         <translation>Could not save. Your text is still in this window.</translation>
     </message>
+    <!-- A start that is not to be -->
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
     <!-- Quitting -->
     <message>
         <source>Some changes could not be saved</source>
@@ -330,6 +335,10 @@ with a quick note.</translation>
     <message>
         <source>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</source>
         <translation>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” is in use by another Quillmark: go on there, or quit that one first.</source>
+        <translation>“%@” is in use by another Quillmark: go on there, or quit that one first.</translation>
     </message>
     <message>
         <source>“%@” lies in too many folders. Move it further up or away, then try again.</source>

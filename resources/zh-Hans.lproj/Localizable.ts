@@ -255,6 +255,11 @@ with a quick note.</source>
         <source>Could not save. Your text is still in this window.</source>
         <translation>无法保存。你的文字仍在此窗口中。</translation>
     </message>
+    <!-- A start that is not to be -->
+    <message>
+        <source>OK</source>
+        <translation>好</translation>
+    </message>
     <!-- Quitting -->
     <message>
         <source>Some changes could not be saved</source>
@@ -330,6 +335,10 @@ with a quick note.</source>
     <message>
         <source>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</source>
         <translation>“%@”最多可容纳 256 MiB 文本。请删除或移走一些笔记，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” is in use by another Quillmark: go on there, or quit that one first.</source>
+        <translation>另一个 Quillmark 正在使用“%@”：请在那里继续，或先退出它。</translation>
     </message>
     <message>
         <source>“%@” lies in too many folders. Move it further up or away, then try again.</source>

@@ -4,6 +4,7 @@
 #include "AppPreferences.h"
 #include "ApplicationFocus.h"
 #include "DesktopAppearance.h"
+#include "FileError.h"
 #include "FloatingPanelController.h"
 #include "LocalNoteRepository.h"
 #include "MemoryNoteRepository.h"
@@ -20,11 +21,20 @@
 
 namespace {
 
+/// Null when another program has the notes for itself.
 std::unique_ptr<NoteRepository> makeRepository(bool isInterfaceTest)
 {
     if (isInterfaceTest)
         return std::make_unique<MemoryNoteRepository>();
-    return std::make_unique<LocalNoteRepository>();
+    auto repository = std::make_unique<LocalNoteRepository>();
+    if (!repository->claim())
+        return nullptr;
+    return repository;
+}
+
+Message notesInUse()
+{
+    return FileError(LocalNoteRepository::defaultFileURL().parent_path(), Reason::inUse).message();
 }
 
 } // namespace
@@ -37,16 +47,19 @@ AppDelegate::AppDelegate(QuitQuestion quitQuestion, QObject *parent)
 
 AppDelegate::~AppDelegate() = default;
 
-void AppDelegate::applicationDidFinishLaunching(const LaunchOptions &options)
+std::optional<Message> AppDelegate::applicationDidFinishLaunching(const LaunchOptions &options)
 {
     if (options.mode == LaunchOptions::Mode::hostOnly)
-        return;
+        return std::nullopt;
     const bool isInterfaceTest = options.mode == LaunchOptions::Mode::interfaceTest;
 
     m_defaults = standardDefaults();
     m_preferences = std::make_unique<AppPreferences>(isInterfaceTest ? nullptr : m_defaults.get(),
                                                      options.language, options.appearance);
-    m_store = std::make_unique<NoteStore>(makeRepository(isInterfaceTest));
+    std::unique_ptr<NoteRepository> repository = makeRepository(isInterfaceTest);
+    if (!repository)
+        return notesInUse();
+    m_store = std::make_unique<NoteStore>(std::move(repository));
     // Before the program gives itself a palette, that of the platform tells light from dark.
     m_system =
         std::make_unique<DesktopAppearance>(NoteTheme::colorScheme(QGuiApplication::palette()));
@@ -60,6 +73,7 @@ void AppDelegate::applicationDidFinishLaunching(const LaunchOptions &options)
     m_panels->launcher().show();
     if (options.showsEditor)
         m_panels->expand();
+    return std::nullopt;
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/)

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "LaunchOptions.h"
+#include "Message.h"
 
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class AppPreferences;
 class ApplicationFocus;
@@ -33,9 +35,10 @@ public:
     ~AppDelegate() override;
 
     /// Builds preferences, store and panels in this order, shows the launcher, and opens the
-    /// editor when that is asked for. Never fails: notes that cannot be read give a read-only
-    /// store, which says so on screen.
-    void applicationDidFinishLaunching(const LaunchOptions &options);
+    /// editor when that is asked for. Notes that cannot be read give a read-only store, which says
+    /// so on screen. Only when another program has the notes for itself there is no start: then
+    /// that is the answer, and nothing but the preferences was built.
+    std::optional<Message> applicationDidFinishLaunching(const LaunchOptions &options);
 
     /// Opens the editor. False: nothing is left to do for the caller.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);

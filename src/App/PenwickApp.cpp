@@ -76,11 +76,15 @@ int PenwickApp::run()
             return EXIT_SUCCESS;
         if (const QString why = whyRefused(claim); !why.isEmpty()) {
             const auto defaults = standardDefaults();
-            tellWhyNotStarted(why, AppPreferences(defaults.get()));
+            const AppPreferences preferences(defaults.get());
+            RefusedStart::tell({why, {}}, &preferences);
             return EXIT_FAILURE;
         }
     }
-    m_delegate.applicationDidFinishLaunching(options);
+    if (const auto refusal = m_delegate.applicationDidFinishLaunching(options)) {
+        RefusedStart::tell(*refusal, m_delegate.preferences());
+        return EXIT_FAILURE;
+    }
     return QApplication::exec();
 }
 

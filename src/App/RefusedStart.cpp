@@ -2,38 +2,42 @@
 #include "RefusedStart.h"
 
 #include "AppPreferences.h"
+#include "PanelHints.h"
 
-#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
 #include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-/// A desktop gives its programs a journal, a file or nothing for their errors.
-bool isStandardErrorRead()
+RefusedStart::RefusedStart(const Message &reason, const AppPreferences *preferences)
 {
-    struct stat status {};
-    return ::isatty(STDERR_FILENO) == 1 ||
-           (::fstat(STDERR_FILENO, &status) == 0 && S_ISFIFO(status.st_mode));
+    setWindowTitle(u"Quillmark"_s);
+    setIcon(Information);
+    setText(preferences ? preferences->text(reason) : reason.english());
+    // A path is no rich text, whatever it holds.
+    setTextFormat(Qt::PlainText);
+    addButton(preferences ? preferences->text(u"OK"_s) : u"OK"_s, AcceptRole);
+    setWindowFlag(Qt::WindowStaysOnTopHint);
+    QTimer::singleShot(longestTime, this, &QDialog::accept);
 }
 
-} // namespace
-
-void tellWhyNotStarted(const QString &sentence, const AppPreferences &preferences)
+void RefusedStart::tell(const Message &reason, const AppPreferences *preferences)
 {
-    const QString told = preferences.text(sentence);
-    std::fprintf(stderr, "%s\n", told.toLocal8Bit().constData());
-    if (isStandardErrorRead())
+    std::fprintf(stderr, "%s\n", qUtf8Printable(reason.english()));
+    if (isRead(STDERR_FILENO))
         return;
-    QMessageBox alert;
-    alert.setWindowTitle(u"Quillmark"_s);
-    alert.setIcon(QMessageBox::Warning);
-    alert.setText(told);
-    alert.addButton(preferences.text(u"OK"_s), QMessageBox::AcceptRole);
-    // Nothing else of the program is on screen that would show where it is.
-    alert.setWindowFlag(Qt::WindowStaysOnTopHint);
+    RefusedStart alert(reason, preferences);
+    alert.show();
+    PanelHints::activate(alert);
     alert.exec();
+}
+
+bool RefusedStart::isRead(int descriptor) noexcept
+{
+    struct stat status {};
+    return ::isatty(descriptor) == 1 ||
+           (::fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode));
 }

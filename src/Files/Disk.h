@@ -121,6 +121,11 @@ public:
 
     virtual Result<void> setMode(Handle handle, mode_t mode) noexcept = 0;
 
+    /// Keeps a folder for the one handle until that is closed, also by the end of the program.
+    /// EWOULDBLOCK, at once, when another handle has it, in this program or in another. Nothing in
+    /// the folder changes, and who does not ask for the lock is not kept from anything.
+    virtual Result<void> lock(Handle folder) noexcept = 0;
+
     /// Gives a copy what the original has beside its content: owner, group, permissions, extended
     /// attributes and times, as far as the user may set them. An owner or group that the user may
     /// not give away is left, and with it the rights of the group, which would be rights of another

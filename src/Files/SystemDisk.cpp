@@ -13,6 +13,7 @@
 #include <linux/limits.h>
 #include <linux/magic.h>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/xattr.h>
@@ -233,6 +234,11 @@ Result<void> SystemDisk::syncFileSystem(Handle handle) noexcept
 Result<void> SystemDisk::setMode(Handle handle, mode_t mode) noexcept
 {
     return done(::fchmod(handle, mode & ALLPERMS));
+}
+
+Result<void> SystemDisk::lock(Handle folder) noexcept
+{
+    return done(::flock(folder, LOCK_EX | LOCK_NB));
 }
 
 Result<void> SystemDisk::copyMetadata(Handle from, Handle to) noexcept

@@ -26,6 +26,7 @@ public:
     Result<void> sync(Handle handle) noexcept override;
     Result<void> syncFileSystem(Handle handle) noexcept override;
     Result<void> setMode(Handle handle, mode_t mode) noexcept override;
+    Result<void> lock(Handle folder) noexcept override;
     Result<void> copyMetadata(Handle from, Handle to) noexcept override;
     [[nodiscard]] std::int64_t now() noexcept override;
     [[nodiscard]] bool hasReliableTimes(Handle handle) noexcept override;

@@ -101,6 +101,21 @@ std::optional<QUrl> LocalNoteRepository::notesFolderURL() const
     return QUrl::fromLocalFile(QFile::decodeName(folder.c_str()));
 }
 
+bool LocalNoteRepository::claim()
+{
+    const Result<Directory> data = Directory::open(m_disk, dataURL());
+    return !data || m_lock.take(*data);
+}
+
+/// For writing: makes the data folder when there is none.
+Directory LocalNoteRepository::openClaimed()
+{
+    Directory data = Directory::openOrMake(m_disk, dataURL());
+    if (!m_lock.take(data))
+        throw data.error(Failure::because(Reason::inUse));
+    return data;
+}
+
 NoteSnapshot LocalNoteRepository::load()
 {
     loadNotes();
@@ -149,6 +164,7 @@ void LocalNoteRepository::save(const NoteSnapshot &snapshot)
 
 void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot, const QUuid &captureId)
 {
+    static_cast<void>(openClaimed());
     m_typed.keep(snapshot, m_saved, captureId);
 }
 
@@ -195,7 +211,7 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot, const NoteSnapshot
 bool LocalNoteRepository::tryToWrite(const NoteSnapshot &snapshot,
                                      const SnapshotDifference &difference, KnownFolder *known)
 {
-    MarkdownTransaction transaction(Directory::openOrMake(m_disk, dataURL()), known, difference);
+    MarkdownTransaction transaction(openClaimed(), known, difference);
     if (known && !m_isOnDisk)
         transaction.syncLoaded();
     m_typed.prepareSave(snapshot, m_saved);

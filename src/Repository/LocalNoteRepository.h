@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "FolderLock.h"
 #include "KnownFolder.h"
 #include "NoteRepository.h"
 #include "OldFolder.h"
@@ -38,6 +39,11 @@ public:
     /// absolute), and in that for the time of the session (XDG_RUNTIME_DIR), where there is one.
     [[nodiscard]] static Folders defaultJournalFolders();
 
+    /// Keeps the data folder, when there is one, for this program alone. False when another has it.
+    /// A save does so itself, and throws a FileError of Reason::inUse then; a load does not, since
+    /// it needs no more than to read.
+    [[nodiscard]] bool claim();
+
     [[nodiscard]] std::optional<QUrl> notesFolderURL() const override;
 
     /// Reads the Markdown folder, or migrates the older JSON file, or finds nothing.
@@ -59,6 +65,7 @@ public:
     [[nodiscard]] std::optional<Message> leftAlone() const override;
 
 private:
+    [[nodiscard]] Directory openClaimed();
     void loadNotes();
     [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot(const Directory &data) const;
     void write(const NoteSnapshot &snapshot, const NoteSnapshot &last, KnownFolder *known);
@@ -72,6 +79,7 @@ private:
     const std::unique_ptr<Disk> m_systemDisk;
     Disk &m_disk;
     const std::filesystem::path m_fileURL;
+    FolderLock m_lock;
     bool m_isLoaded = false;
 
     /// As it was last loaded or saved; its texts are shared with what is known of the files.

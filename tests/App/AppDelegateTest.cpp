@@ -36,6 +36,8 @@ private Q_SLOTS:
     void readsAndWritesTheNotesOnDisk();
     void leavesNothingBehindInInterfaceTests();
     void showsTheLauncherAlthoughTheNotesCannotBeRead();
+    void doesNotStartBesideAnotherProgramOnTheNotes();
+    void startsInterfaceTestsBesideAnotherProgramOnTheNotes();
 
     void opensTheEditorWhenItIsStartedAgain();
     void keepsRunningWithoutAWindow();
@@ -217,6 +219,33 @@ void AppDelegateTest::showsTheLauncherAlthoughTheNotesCannotBeRead()
 
     QVERIFY(m_delegate->store()->isReadOnly());
     QVERIFY(m_delegate->panels()->launcher().isVisible());
+}
+
+void AppDelegateTest::doesNotStartBesideAnotherProgramOnTheNotes()
+{
+    LocalNoteRepository other;
+    other.save(NoteSnapshot());
+
+    const std::optional<Message> refusal = m_delegate->applicationDidFinishLaunching(normal);
+
+    QVERIFY(refusal.has_value());
+    QCOMPARE(refusal->english(), u"“%1” is in use by another Quillmark: go on there, or quit that "
+                                 "one first."_s.arg(dataFolder()));
+    QVERIFY(m_delegate->preferences());
+    QVERIFY(!m_delegate->store());
+    QVERIFY(!m_delegate->panels());
+}
+
+void AppDelegateTest::startsInterfaceTestsBesideAnotherProgramOnTheNotes()
+{
+    {
+        LocalNoteRepository other;
+        other.save(NoteSnapshot());
+        QVERIFY(!m_delegate->applicationDidFinishLaunching(interfaceTest));
+    }
+
+    QVERIFY(m_delegate->panels()->launcher().isVisible());
+    QVERIFY(LocalNoteRepository().claim());
 }
 
 void AppDelegateTest::opensTheEditorWhenItIsStartedAgain()

@@ -71,6 +71,7 @@ public:
     {
         return m_disk.setMode(handle, mode);
     }
+    Result<void> lock(Handle folder) noexcept override { return m_disk.lock(folder); }
     Result<void> copyMetadata(Handle from, Handle to) noexcept override
     {
         return m_disk.copyMetadata(from, to);

@@ -74,6 +74,7 @@ bool DiskCall::mayChangeDisk() const noexcept
     case Kind::attributes:
     case Kind::sync:
     case Kind::syncFileSystem:
+    case Kind::lock:
         return false;
     }
     return false;
@@ -81,16 +82,17 @@ bool DiskCall::mayChangeDisk() const noexcept
 
 const char *DiskCall::nameOf(Kind kind) noexcept
 {
-    constexpr std::array<const char *, kindCount> names{"openPath",   "openFolder",
-                                                        "openFile",   "makeFile",
-                                                        "makeFolder", "close",
-                                                        "read",       "write",
-                                                        "list",       "status",
-                                                        "status",     "attributes",
-                                                        "link",       "copySymbolicLink",
-                                                        "rename",     "unlink",
-                                                        "sync",       "syncFileSystem",
-                                                        "setMode",    "copyMetadata"};
+    constexpr std::array<const char *, kindCount> names{"openPath",    "openFolder",
+                                                        "openFile",    "makeFile",
+                                                        "makeFolder",  "close",
+                                                        "read",        "write",
+                                                        "list",        "status",
+                                                        "status",      "attributes",
+                                                        "link",        "copySymbolicLink",
+                                                        "rename",      "unlink",
+                                                        "sync",        "syncFileSystem",
+                                                        "setMode",     "lock",
+                                                        "copyMetadata"};
     return names.at(static_cast<std::size_t>(kind));
 }
 

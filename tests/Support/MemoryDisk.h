@@ -33,9 +33,10 @@ struct DiskCall {
         sync,
         syncFileSystem,
         setMode,
+        lock,
         copyMetadata,
     };
-    static constexpr int kindCount = 20;
+    static constexpr int kindCount = 21;
 
     Kind kind;
     ino_t inode = 0; ///< What the handle stands for: a folder, or a file that is open.
@@ -114,6 +115,9 @@ public:
         /// The error of every hard link; 0 when there are hard links.
         int linkError = 0;
         bool hasReliableTimes = true;
+
+        /// The error of every lock; 0 when there are locks.
+        int lockError = 0;
 
         /// Whether permissions do not count, as for root.
         bool isPrivileged = true;
@@ -220,6 +224,7 @@ public:
     Result<void> sync(Handle handle) noexcept override;
     Result<void> syncFileSystem(Handle handle) noexcept override;
     Result<void> setMode(Handle handle, mode_t mode) noexcept override;
+    Result<void> lock(Handle folder) noexcept override;
     Result<void> copyMetadata(Handle from, Handle to) noexcept override;
     [[nodiscard]] std::int64_t now() noexcept override;
     [[nodiscard]] bool hasReliableTimes(Handle handle) noexcept override;
@@ -233,6 +238,7 @@ private:
         std::size_t offset = 0;
         bool isOpen = false;
         bool isWritable = false;
+        bool isLocked = false;
     };
 
     template <typename Action>

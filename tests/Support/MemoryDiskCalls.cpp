@@ -414,6 +414,23 @@ Result<void> MemoryDisk::setMode(Handle handle, mode_t mode) noexcept
     });
 }
 
+Result<void> MemoryDisk::lock(Handle folder) noexcept
+{
+    const Number in = folderOf(folder);
+    return perform({.kind = DiskCall::Kind::lock, .inode = in}, [&]() -> Result<void> {
+        if (m_image.m_abilities.lockError != 0)
+            return Failure::system(m_image.m_abilities.lockError);
+        Open &own = opened(folder);
+        const bool isTaken = std::ranges::any_of(m_handles, [&](const Open &open) {
+            return &open != &own && open.isOpen && open.isLocked && open.inode == in;
+        });
+        if (isTaken)
+            return Failure::system(EWOULDBLOCK);
+        own.isLocked = true;
+        return {};
+    });
+}
+
 Result<void> MemoryDisk::copyMetadata(Handle from, Handle to) noexcept
 {
     const Number source = opened(from).inode;

@@ -168,6 +168,53 @@ class Starting(DesktopTest):
         quillmark.launcher()
         self.assertEqual([note.body for note in self.data.read_notes()], ["alone"])
 
+    def test_beside_another_one_on_the_same_notes_it_says_so_and_ends(self):
+        self.data.create()
+        first = self.start(DBUS_SESSION_BUS_ADDRESS="disabled:")
+        first.launcher()
+        before = self.data.state()
+        environment = self.desktop.environment_for(self.home)
+        environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:"
+
+        ended = subprocess.run([self.program], env=environment, text=True, timeout=20,
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+        self.assertEqual(ended.returncode, 1)
+        self.assertEqual(ended.stderr, f"“{self.data.path}” is in use by another Quillmark: "
+                                       "go on there, or quit that one first.\n")
+        self.assertEqual(self.data.state(), before)
+        self.assertTrue(first.is_running())
+
+    def test_beside_another_one_without_a_terminal_it_says_so_in_an_alert(self):
+        self.data.create()
+        first = self.start(DBUS_SESSION_BUS_ADDRESS="disabled:")
+        first.launcher()
+
+        # On the desktop's own bus: the first one is on none.
+        second = self.start()
+
+        until(second.popup, "the alert is on screen")
+        self.assertEqual(second.wait_until_ended(), 1)
+
+    def test_interface_tests_run_beside_another_one(self):
+        self.data.create()
+        first = self.start(DBUS_SESSION_BUS_ADDRESS="disabled:")
+        first.launcher()
+
+        second = self.start("--ui-testing")
+
+        second.launcher()
+
+    def test_the_notes_are_free_again_after_a_kill(self):
+        self.data.create()
+        first = self.start()
+        first.launcher()
+        first.kill()
+
+        second = self.start()
+
+        second.launcher()
+
 
     def test_nobody_needs_to_read_what_it_prints(self):
         read, write = os.pipe()
