@@ -337,6 +337,10 @@ with a quick note.</translation>
         <translation>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</translation>
     </message>
     <message>
+        <source>“%@” is being changed by another program again and again. Wait until that is done, then try again.</source>
+        <translation>“%@” is being changed by another program again and again. Wait until that is done, then try again.</translation>
+    </message>
+    <message>
         <source>“%@” is in use by another Quillmark: go on there, or quit that one first.</source>
         <translation>“%@” is in use by another Quillmark: go on there, or quit that one first.</translation>
     </message>

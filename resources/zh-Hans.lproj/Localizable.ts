@@ -337,6 +337,10 @@ with a quick note.</source>
         <translation>“%@”最多可容纳 256 MiB 文本。请删除或移走一些笔记，然后重试。</translation>
     </message>
     <message>
+        <source>“%@” is being changed by another program again and again. Wait until that is done, then try again.</source>
+        <translation>另一个程序不断更改“%@”。请等它完成，然后重试。</translation>
+    </message>
+    <message>
         <source>“%@” is in use by another Quillmark: go on there, or quit that one first.</source>
         <translation>另一个 Quillmark 正在使用“%@”：请在那里继续，或先退出它。</translation>
     </message>

@@ -45,7 +45,7 @@ FolderTransaction::Stage::~Stage()
     // While it was live for a moment, another program may have written into it.
     const Disk::Handle twin = original ? original->handle() : -1;
     Disk &disk = folder.disk();
-    if (!isFinished || tree.isCopyStill(disk, folder.handle(), twin).valueOr(true))
+    if (!isFinished || tree.settleCopy(disk, folder.handle(), twin).valueOr(true))
         removeTree(disk, hidden.handle(), name);
     else if (hidden.rename(name, hidden, place.recovery.c_str()))
         static_cast<void>(hidden.sync());
@@ -62,10 +62,24 @@ FolderTransaction::FolderTransaction(const SwapPlace &place, const Directory *or
     m_stage.isFinished = true;
 }
 
+/// The less there is to be carried over once the new folder is live, the less do other programs
+/// see of the exchange.
+void FolderTransaction::catchUp()
+{
+    constexpr int mostTimes = 5;
+    // A copy in the middle of it is not what the tree says.
+    m_stage.isFinished = false;
+    for (int i = 0; i < mostTimes && m_stage.tree.catchUp(m_stage.folder, *m_stage.original); ++i) {
+    }
+    m_stage.isFinished = true;
+}
+
 bool FolderTransaction::commit(const std::function<bool()> &areOldFilesSame)
 {
     if (!m_stage.isFinished)
         return false;
+    if (m_stage.original)
+        catchUp();
     const SwapPlace &place = m_stage.place;
     const Directory *original = m_stage.original;
     LiveSwap swap(place,
@@ -75,9 +89,9 @@ bool FolderTransaction::commit(const std::function<bool()> &areOldFilesSame)
     if (!swap.perform())
         return false;
     if (original) {
-        const Result<bool> isStill = m_stage.tree.isOriginalStill(
+        const Result<bool> isSettled = m_stage.tree.settleOriginal(
             original->disk(), original->handle(), m_stage.folder.handle());
-        if (!place.parent.orThrow(isStill, place.live) || !areOldFilesSame())
+        if (!place.parent.orThrow(isSettled, place.live) || !areOldFilesSame())
             return false;
     }
     swap.keep();

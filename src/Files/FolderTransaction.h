@@ -30,10 +30,11 @@ public:
     /// Exchanges the two folders. Once that is done, and while it can still be taken back, the
     /// check says whether the old files that changed are what they were.
     ///
-    /// False when another program changed the original meanwhile; then that is as it was, and a new
-    /// transaction may be tried. What somebody wrote into the new folder while it was live for a
-    /// moment stays as a recovery copy. Throws a FileError or RepositoryError::recoveryRequired. On
-    /// success the new content is on the disk.
+    /// What other programs did meanwhile to free entries of the original is carried over. False
+    /// when something guarded changed in it; then that is as it was, and a new transaction may be
+    /// tried. What somebody did while the new folder was live for a moment is then carried back,
+    /// or, where it is guarded, stays with that as a recovery copy. Throws a FileError or
+    /// RepositoryError::recoveryRequired. On success the new content is on the disk.
     [[nodiscard]] bool commit(const std::function<bool()> &areOldFilesSame);
 
     /// After a commit: what is left to be removed. Takes over the folders that the transaction was
@@ -57,6 +58,8 @@ private:
         bool isFinished = false;
         bool isReleased = false;
     };
+
+    void catchUp();
 
     Stage m_stage;
 };

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstring>
 #include <sys/stat.h>
+#include <utility>
 
 namespace {
 
@@ -41,22 +42,6 @@ std::span<const FileChange> changesOf(std::span<const FileChange> changes, std::
     const auto first = std::ranges::find_if(changes, isOfFolder);
     const auto last = std::find_if_not(first, changes.end(), isOfFolder);
     return {first, last};
-}
-
-bool isSameContent(const FileStatus &a, const FileStatus &b) noexcept
-{
-    return a.kind == b.kind && a.size == b.size && a.modified == b.modified;
-}
-
-/// The folder of that name in the other one of two folders; none where there is no other one.
-Result<Descriptor> openTwin(Disk &disk, Disk::Handle other, const char *name) noexcept
-{
-    if (other < 0)
-        return Descriptor(disk, -1);
-    const auto opened = uninterrupted([&] { return disk.openFolder(other, name); });
-    if (!opened && !opened.failure().is(ENOENT))
-        return opened.failure();
-    return Descriptor(disk, opened.valueOr(-1));
 }
 
 /// Removes one entry, also from a folder that is not writable: it is the user's own.
@@ -113,33 +98,77 @@ bool removeOnce(Disk &disk, Disk::Handle parent, const char *name) noexcept
     return removeEntry(disk, parent, name, FileKind::folder);
 }
 
+/// Whether a folder that was just listed is none any more.
+bool isGone(const Failure &failure) noexcept
+{
+    return failure.is(ENOENT) || failure == Failure::because(Reason::notFolder);
+}
+
 } // namespace
 
-FolderTree::FolderTree(const Directory &folder, int depth)
-    : m_listing(folder.orThrow(folder.list()))
+bool FolderTree::isSameContent(const FileStatus &a, const FileStatus &b) noexcept
+{
+    return a.kind == b.kind && a.size == b.size && a.modified == b.modified;
+}
+
+FolderTree::FolderTree(const Directory &folder, IsGuarded isGuarded, std::string name, int depth)
+    : m_isGuarded(isGuarded)
+    , m_name(std::move(name))
+    , m_depth(depth)
+    , m_changed(folder.orThrow(folder.status()).changed)
+    , m_listing(folder.orThrow(folder.list()))
 {
     m_listing.sort();
     for (const DirectoryListing::Entry &entry : m_listing.entries()) {
-        if (entry.kind != FileKind::folder)
-            continue;
-        const char *name = m_listing.name(entry);
-        if (depth == mostFolders)
-            throw folder.error(Failure::because(Reason::tooDeep), name);
-        m_folderNames.emplace_back(name);
-        const Result<Disk::Attributes> attributes = folder.attributes(name);
-        // One that has gone meanwhile is missed when it is to be copied.
-        if (!attributes && attributes.failure().is(ENOENT)) {
-            m_folders.emplace_back();
-            continue;
-        }
-        if (folder.orThrow(attributes, name).isMountPoint)
-            throw folder.error(Failure::because(Reason::mountPoint), name);
-        // What is immutable should stay as it is and where it is.
-        if (attributes->isImmutable)
-            throw folder.error(Failure::system(EPERM), name);
-        const Directory inside = folder.orThrow(folder.openFolder(name), name);
-        m_folders.push_back(FolderTree(inside, depth + 1));
+        if (entry.kind == FileKind::folder)
+            addFolder(m_listing.name(entry), subTree(folder, m_listing.name(entry)));
     }
+}
+
+/// What a sub-folder holds. Of one that has gone meanwhile nothing: it is missed when it is to be
+/// copied.
+FolderTree FolderTree::subTree(const Directory &folder, const char *name) const
+{
+    if (m_depth == mostFolders)
+        throw folder.error(Failure::because(Reason::tooDeep), name);
+    const Result<Disk::Attributes> attributes = folder.attributes(name);
+    if (!attributes && isGone(attributes.failure()))
+        return {};
+    if (folder.orThrow(attributes, name).isMountPoint)
+        throw folder.error(Failure::because(Reason::mountPoint), name);
+    // What is immutable should stay as it is and where it is.
+    if (attributes->isImmutable)
+        throw folder.error(Failure::system(EPERM), name);
+    const Result<Directory> inside = folder.openFolder(name);
+    if (!inside && inside.failure().is(ENOENT))
+        return {};
+    if (!inside)
+        throw folder.error(inside.failure(), name);
+    return {*inside, m_isGuarded, m_depth == 0 ? name : std::string(), m_depth + 1};
+}
+
+void FolderTree::addFolder(const char *name, FolderTree tree)
+{
+    m_folderNames.reserve(m_folderNames.size() + 1);
+    m_folders.reserve(m_folders.size() + 1);
+    std::string ownName(name);
+    m_folders.push_back(std::move(tree));
+    m_folderNames.push_back(std::move(ownName));
+}
+
+void FolderTree::removeFolder(const char *name) noexcept
+{
+    const auto found = std::ranges::find(m_folderNames, std::string_view(name));
+    if (found == m_folderNames.end())
+        return;
+    m_folders.erase(m_folders.begin() + (found - m_folderNames.begin()));
+    m_folderNames.erase(found);
+}
+
+bool FolderTree::guards(const char *name) const noexcept
+{
+    constexpr int deepestGuarded = 1;
+    return !m_isGuarded || (m_depth <= deepestGuarded && m_isGuarded(m_name, name));
 }
 
 const FolderTree *FolderTree::find(const char *name) const noexcept
@@ -172,9 +201,11 @@ void FolderTree::makeOwnFolder(const Directory &copy, const char *name,
                                std::span<const FileChange> changes)
 {
     if (!subFolder(name)) {
-        m_folderNames.reserve(m_folderNames.size() + 1);
-        m_folders.emplace_back();
-        m_folderNames.emplace_back(name);
+        FolderTree empty;
+        empty.m_isGuarded = m_isGuarded;
+        empty.m_name = name;
+        empty.m_depth = m_depth + 1;
+        addFolder(name, std::move(empty));
         ++m_sharedCount;
         static_cast<void>(copy.orThrow(copy.makeFolder(name), name));
     }
@@ -187,6 +218,7 @@ bool FolderTree::copyLevel(const Directory &copy, const Directory &original,
                            std::span<const FileChange> changes, bool isTop)
 {
     auto change = isTop ? changesOf(changes, "") : changes;
+    std::vector<std::size_t> gone;
     for (const DirectoryListing::Entry &entry : m_listing.entries()) {
         const char *name = m_listing.name(entry);
         while (!change.empty() && std::strcmp(change.front().name, name) < 0)
@@ -196,21 +228,42 @@ bool FolderTree::copyLevel(const Directory &copy, const Directory &original,
         if (entry.kind == FileKind::folder)
             isThere = copyFolder(copy, original, name,
                                  isTop ? changesOf(changes, name) : std::span<const FileChange>());
+        else if (isChanged)
+            isThere = leaveOut(original, name);
+        else if (guards(name))
+            isThere = copyEntry(copy, original, name, entry.kind);
         else
-            isThere = isChanged ? leaveOut(original, name) : copyEntry(copy, original, entry);
-        if (!isThere)
+            isThere = copyFree(copy, original, name, entry.kind);
+        if (!isThere && guards(name))
             return false;
+        if (!isThere)
+            gone.push_back(entry.nameOffset);
     }
+    leaveOutOfListing(std::move(gone));
     // Last, since it may close the folder and since its times would not stay.
     copy.orThrow(copy.resemble(original));
     return true;
+}
+
+/// Forgets what went while it was to be copied.
+void FolderTree::leaveOutOfListing(std::vector<std::size_t> nameOffsets)
+{
+    if (nameOffsets.empty())
+        return;
+    std::ranges::sort(nameOffsets);
+    m_listing.keepIf([&](const DirectoryListing::Entry &entry) {
+        const bool isLeftOut = std::ranges::binary_search(nameOffsets, entry.nameOffset);
+        if (isLeftOut && entry.kind == FileKind::folder)
+            removeFolder(m_listing.name(entry));
+        return !isLeftOut;
+    });
 }
 
 bool FolderTree::copyFolder(const Directory &copy, const Directory &original, const char *name,
                             std::span<const FileChange> changes)
 {
     const Result<Directory> source = original.openFolder(name);
-    if (!source && source.failure().is(ENOENT))
+    if (!source && isGone(source.failure()) && !(guards(name) && !source.failure().is(ENOENT)))
         return false;
     if (!source)
         throw original.error(source.failure(), name);
@@ -219,10 +272,9 @@ bool FolderTree::copyFolder(const Directory &copy, const Directory &original, co
     return subFolder(name)->copyLevel(target, *source, changes, false);
 }
 
-bool FolderTree::copyEntry(const Directory &copy, const Directory &original,
-                           const DirectoryListing::Entry &entry)
+bool FolderTree::copyEntry(const Directory &copy, const Directory &original, const char *name,
+                           FileKind kind)
 {
-    const char *name = m_listing.name(entry);
     const Result<void> linked = original.link(name, copy);
     if (linked) {
         ++m_sharedCount;
@@ -231,6 +283,10 @@ bool FolderTree::copyEntry(const Directory &copy, const Directory &original,
     const Failure failure = linked.failure();
     if (failure.is(ENOENT))
         return false;
+    // What is another kind of thing by now is carried over as that.
+    const Result<FileStatus> now = original.status(name);
+    if (!guards(name) && now && now->kind != kind)
+        return false;
     const Result<Disk::Attributes> attributes = original.attributes(name);
     if (!attributes && attributes.failure().is(ENOENT))
         return false;
@@ -238,20 +294,39 @@ bool FolderTree::copyEntry(const Directory &copy, const Directory &original,
         throw original.error(failure, name);
     if (attributes->isMountPoint)
         throw original.error(Failure::because(Reason::mountPoint), name);
-    return copyOver(copy, original, entry);
+    return copyOver(copy, original, name, kind);
 }
 
-bool FolderTree::copyOver(const Directory &copy, const Directory &original,
-                          const DirectoryListing::Entry &entry)
+/// Copies what may be replaced at any time, and remembers which file it was.
+bool FolderTree::copyFree(const Directory &copy, const Directory &original, const char *name,
+                          FileKind kind)
 {
-    const char *name = m_listing.name(entry);
+    if (!copyEntry(copy, original, name, kind))
+        return false;
+    if (ownFile(name))
+        return true;
+    const FileStatus made = copy.orThrow(copy.status(name), name);
+    if (made.kind != kind) {
+        drop(copy, name, made.kind);
+        return false;
+    }
+    // Where there are no hard links, a symbolic link is another one in each folder.
+    if (kind == FileKind::link && m_hasCopies)
+        return true;
+    addFreeFile(name, made);
+    return true;
+}
+
+bool FolderTree::copyOver(const Directory &copy, const Directory &original, const char *name,
+                          FileKind kind)
+{
     m_hasCopies = true;
-    if (entry.kind == FileKind::link) {
+    if (kind == FileKind::link) {
         copy.orThrow(original.copySymbolicLink(name, copy), name);
         ++m_sharedCount;
         return true;
     }
-    if (entry.kind != FileKind::file)
+    if (kind != FileKind::file)
         throw original.error(Failure::because(Reason::notRegularFile), name);
     // Looked at before the copy, so that a change during the copy shows later.
     if (!leaveOut(original, name))
@@ -332,181 +407,114 @@ void FolderTree::syncEach(const Directory &copy) const
     copy.orThrow(copy.sync());
 }
 
-/// Compares a folder, while it is listed, with what is remembered of it.
-class FolderTree::Comparison final : public ListingVisitor {
-public:
-    /// The twin is the other one of the two folders, -1 where there is none.
-    Comparison(const FolderTree &tree, Disk &disk, Disk::Handle folder, Disk::Handle twin,
-               bool isOriginal) noexcept
-        : m_tree(tree)
-        , m_disk(disk)
-        , m_folder(folder)
-        , m_twin(twin)
-        , m_isOriginal(isOriginal)
-    {
-    }
-
-    void visit(ino_t inode, FileKind kind, const char *name) noexcept override
-    {
-        ++m_count;
-        m_isSame = m_isSame && isSame(inode, kind, name);
-    }
-
-    Result<bool> isAtMostAll() const noexcept
-    {
-        if (m_failure)
-            return *m_failure;
-        return m_isSame;
-    }
-
-    Result<bool> isAll() const noexcept
-    {
-        const Result<bool> isAtMost = isAtMostAll();
-        return isAtMost ? *isAtMost && m_count == expectedCount() : isAtMost;
-    }
-
-    [[nodiscard]] bool hasPassingInodes() const noexcept { return m_hasPassingInodes; }
-
-private:
-    [[nodiscard]] std::size_t expectedCount() const noexcept
-    {
-        if (m_isOriginal)
-            return m_tree.m_listing.entries().size();
-        const auto ownCount = std::ranges::count_if(
-            m_tree.m_ownFiles, [](const OwnFile &file) { return file.copy.has_value(); });
-        return m_tree.m_sharedCount + static_cast<std::size_t>(ownCount);
-    }
-
-    bool isSame(ino_t inode, FileKind kind, const char *name) noexcept
-    {
-        if (kind == FileKind::folder)
-            return m_isOriginal ? isRemembered(name, kind) : m_tree.find(name) != nullptr;
-        if (const OwnFile *file = m_tree.ownFile(name)) {
-            const auto &status = m_isOriginal ? file->original : file->copy;
-            return status && isStill(name, *status);
-        }
-        const DirectoryListing::Entry *entry = m_tree.m_listing.find(name);
-        if (!entry || entry->kind != kind)
-            return false;
-        // Where numbers pass, the twin told until the exchange; by now it may have changed itself.
-        if (inode == entry->inode || (m_isOriginal && m_tree.m_hasPassingInodes))
-            return true;
-        // A symbolic link where there are no hard links, or a number that passes.
-        if (kind == FileKind::link && m_tree.m_hasCopies)
-            return true;
-        const bool isSameFile = isTwin(name);
-        m_hasPassingInodes |= isSameFile;
-        return isSameFile;
-    }
-
-    [[nodiscard]] bool isRemembered(const char *name, FileKind kind) const noexcept
-    {
-        const DirectoryListing::Entry *entry = m_tree.m_listing.find(name);
-        return entry && entry->kind == kind;
-    }
-
-    bool isStill(const char *name, const FileStatus &status) noexcept
-    {
-        const auto now = uninterrupted([&] { return m_disk.status(m_folder, name); });
-        if (!now && !now.failure().is(ENOENT))
-            m_failure = now.failure();
-        return now && isSameContent(*now, status);
-    }
-
-    /// Two links to one file are no change.
-    bool isTwin(const char *name) noexcept
-    {
-        if (m_twin < 0)
-            return false;
-        const auto here = uninterrupted([&] { return m_disk.status(m_folder, name); });
-        const auto there = uninterrupted([&] { return m_disk.status(m_twin, name); });
-        for (const Result<FileStatus> *status : {&here, &there}) {
-            if (!*status && !status->failure().is(ENOENT))
-                m_failure = status->failure();
-        }
-        return here && there && here->identity == there->identity;
-    }
-
-    const FolderTree &m_tree;
-    Disk &m_disk;
-    const Disk::Handle m_folder;
-    const Disk::Handle m_twin;
-    const bool m_isOriginal;
-    std::size_t m_count = 0;
-    bool m_isSame = true;
-    bool m_hasPassingInodes = false;
-    std::optional<Failure> m_failure;
-};
-
-Result<bool> FolderTree::isOriginalStill(Disk &disk, Disk::Handle original,
-                                         Disk::Handle copy) noexcept
+const FolderTree::FreeFile *FolderTree::freeFile(const char *name) const noexcept
 {
-    return compareOriginal(disk, original, copy, Extent::all);
+    const std::string_view wanted(name);
+    const auto found = std::ranges::lower_bound(m_freeFiles, wanted, {}, &FreeFile::name);
+    return found != m_freeFiles.end() && found->name == wanted ? &*found : nullptr;
 }
 
-Result<bool> FolderTree::hasNothingElse(Disk &disk, Disk::Handle original,
-                                        Disk::Handle copy) noexcept
+void FolderTree::addFreeFile(const char *name, const FileStatus &status)
 {
-    return compareOriginal(disk, original, copy, Extent::atMostAll);
+    const std::string_view wanted(name);
+    const auto place = std::ranges::lower_bound(m_freeFiles, wanted, {}, &FreeFile::name);
+    m_freeFiles.insert(place, {std::string(wanted), status});
 }
 
-Result<bool> FolderTree::compareOriginal(Disk &disk, Disk::Handle original, Disk::Handle copy,
-                                         Extent extent) noexcept
+void FolderTree::drop(const Directory &copy, const char *name, FileKind kind)
 {
-    const auto compared = uninterrupted([&]() -> Result<bool> {
-        Comparison comparison(*this, disk, original, copy, true);
-        if (const auto listed = disk.list(original, comparison); !listed)
-            return listed.failure();
-        m_hasPassingInodes |= comparison.hasPassingInodes();
-        return extent == Extent::all ? comparison.isAll() : comparison.isAtMostAll();
-    });
-    if (!compared || !*compared)
-        return compared;
+    const std::string_view wanted(name);
+    if (kind == FileKind::folder) {
+        static_cast<void>(removeTree(copy.disk(), copy.handle(), name));
+        removeFolder(name);
+        --m_sharedCount;
+        return;
+    }
+    const Result<void> removed = copy.unlink(name, kind);
+    if (!removed && !removed.failure().is(ENOENT))
+        throw copy.error(removed.failure(), name);
+    std::erase_if(m_freeFiles, [&](const FreeFile &file) { return file.name == wanted; });
+    if (std::erase_if(m_ownFiles, [&](const OwnFile &file) { return file.name == wanted; }) == 0)
+        --m_sharedCount;
+}
+
+bool FolderTree::catchUp(const Directory &copy, const Directory &original)
+{
+    bool hasCaughtUp =
+        original.orThrow(original.status()).changed != m_changed && catchUpHere(copy, original);
     for (std::size_t i = 0; i < m_folders.size(); ++i) {
         const char *name = m_folderNames[i].c_str();
-        if (!m_listing.find(name))
-            continue;
-        const auto inside = uninterrupted([&] { return disk.openFolder(original, name); });
-        if (!inside && inside.failure().is(ENOENT) && extent == Extent::atMostAll)
+        const Result<Directory> inside = original.openFolder(name);
+        // What came after the look at this folder is not in the copy either; it is carried later.
+        if (!inside && isGone(inside.failure()))
             continue;
         if (!inside)
-            return inside.failure();
-        const Descriptor folder(disk, *inside);
-        const Result<Descriptor> twin = openTwin(disk, copy, name);
-        if (!twin)
-            return twin.failure();
-        const Result<bool> isSame =
-            m_folders[i].compareOriginal(disk, folder.get(), twin->get(), extent);
-        if (!isSame || !*isSame)
-            return isSame;
+            throw original.error(inside.failure(), name);
+        const Directory twin = copy.orThrow(copy.openFolder(name), name);
+        hasCaughtUp |= m_folders[i].catchUp(twin, *inside);
     }
-    return true;
+    return hasCaughtUp;
 }
 
-Result<bool> FolderTree::isCopyStill(Disk &disk, Disk::Handle copy,
-                                     Disk::Handle original) const noexcept
+bool FolderTree::catchUpHere(const Directory &copy, const Directory &original)
 {
-    const auto compared = uninterrupted([&]() -> Result<bool> {
-        Comparison comparison(*this, disk, copy, original, false);
-        if (const auto listed = disk.list(copy, comparison); !listed)
-            return listed.failure();
-        return comparison.isAll();
-    });
-    if (!compared || !*compared)
-        return compared;
-    for (std::size_t i = 0; i < m_folders.size(); ++i) {
-        const char *name = m_folderNames[i].c_str();
-        const auto inside = uninterrupted([&] { return disk.openFolder(copy, name); });
-        if (!inside)
-            return inside.failure();
-        const Descriptor folder(disk, *inside);
-        const Result<Descriptor> twin = openTwin(disk, original, name);
-        if (!twin)
-            return twin.failure();
-        const Result<bool> isStill = m_folders[i].isCopyStill(disk, folder.get(), twin->get());
-        if (!isStill || !*isStill)
-            return isStill;
+    m_changed = original.orThrow(original.status()).changed;
+    DirectoryListing now = original.orThrow(original.list());
+    now.keepIf([&](const DirectoryListing::Entry &entry) { return !guards(now.name(entry)); });
+    now.sort();
+    const auto isFile = [&](const char *name, const DirectoryListing::Entry &entry) {
+        const FreeFile *file = freeFile(name);
+        return file ? file->status.identity.inode == entry.inode : ownFile(name) != nullptr;
+    };
+    const auto isSame = [&](const char *name, const DirectoryListing::Entry *a,
+                            const DirectoryListing::Entry *b) {
+        return a && b && a->kind == b->kind &&
+               (a->kind == FileKind::folder ? subFolder(name) != nullptr : isFile(name, *b));
+    };
+    // What left, or is another one by now.
+    std::vector<std::size_t> gone;
+    for (const DirectoryListing::Entry &entry : m_listing.entries()) {
+        const char *name = m_listing.name(entry);
+        if (guards(name) || isSame(name, &entry, now.find(name)))
+            continue;
+        drop(copy, name, entry.kind);
+        gone.push_back(entry.nameOffset);
     }
+    bool hasCaughtUp = !gone.empty();
+    leaveOutOfListing(std::move(gone));
+    // What came.
+    DirectoryListing late;
+    for (const DirectoryListing::Entry &entry : now.entries()) {
+        const char *name = now.name(entry);
+        if (!m_listing.find(name) && copyLate(copy, original, name, entry.kind))
+            late.add(entry.inode, entry.kind, name);
+    }
+    for (const DirectoryListing::Entry &entry : late.entries())
+        m_listing.add(entry.inode, entry.kind, late.name(entry));
+    if (!late.entries().empty())
+        m_listing.sort();
+    hasCaughtUp |= !late.entries().empty();
+    if (hasCaughtUp)
+        copy.orThrow(copy.sync());
+    return hasCaughtUp;
+}
+
+bool FolderTree::copyLate(const Directory &copy, const Directory &original, const char *name,
+                          FileKind kind)
+{
+    if (kind == FileKind::folder) {
+        addFolder(name, subTree(original, name));
+        const bool isThere = copyFolder(copy, original, name, {});
+        if (!isThere)
+            removeFolder(name);
+        else
+            subFolder(name)->syncCopy(copy.orThrow(copy.openFolder(name), name));
+        return isThere;
+    }
+    if (!copyFree(copy, original, name, kind))
+        return false;
+    if (ownFile(name))
+        copy.orThrow(copy.syncFile(name), name);
     return true;
 }
 
@@ -519,6 +527,8 @@ bool FolderTree::isStillThere(Disk &disk, Disk::Handle original,
         return false;
     if (const OwnFile *file = ownFile(name))
         return file->original && isSameContent(*now, *file->original);
+    if (const FreeFile *file = freeFile(name))
+        return now->identity == file->status.identity;
     return m_hasPassingInodes || now->identity.inode == entry.inode;
 }
 

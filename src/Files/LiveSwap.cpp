@@ -1,19 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "LiveSwap.h"
 
+#include "Renames.h"
 #include "RepositoryError.h"
 
 #include <utility>
-
-namespace {
-
-/// What a kernel or a file system answers that does not know the flags of a rename.
-bool meansNoFlags(const Failure &failure)
-{
-    return failure.is(EINVAL) || failure.is(ENOSYS) || failure.is(EOPNOTSUPP);
-}
-
-} // namespace
 
 LiveSwap::LiveSwap(const SwapPlace &place, std::optional<FileIdentity> oldOne,
                    std::optional<FileIdentity> newOne) noexcept
@@ -189,18 +180,10 @@ Result<void> LiveSwap::moveNew(Spot to) noexcept
 Result<void> LiveSwap::move(Spot from, Spot to) noexcept
 {
     // Hidden names are nobody else's. What has the live name by now would be lost without a word.
-    const auto rename = [&](Disk::Rename how) {
-        return folder(from).rename(name(from), folder(to), name(to), how);
-    };
     if (to != Spot::live)
-        return rename(Disk::Rename::replace);
-    const Result<void> moved = rename(Disk::Rename::noReplace);
-    if (moved || !(meansNoFlags(moved.failure()) || moved.failure().is(EINTR)))
-        return moved;
-    const Result<FileStatus> live = folder(to).status(name(to));
-    if (!live && live.failure().is(ENOENT))
-        return rename(Disk::Rename::replace);
-    return live ? Failure::system(EEXIST) : live.failure();
+        return folder(from).rename(name(from), folder(to), name(to));
+    return renameToFreeName(folder(to).disk(), folder(from).handle(), name(from),
+                            folder(to).handle(), name(to));
 }
 
 Result<void> LiveSwap::sync() noexcept

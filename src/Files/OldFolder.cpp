@@ -18,14 +18,18 @@ OldFolder::Outcome OldFolder::remove(FolderTree::Deadline deadline) noexcept
 {
     if (!isInPlace())
         return Outcome::gone;
-    if (!std::exchange(m_isChecked, true) && hasSomethingElse())
+    if (!m_isChecked && hasSomethingElse())
         return keep();
+    m_isChecked = true;
     if (!m_tree.removeFrom(m_folder.disk(), m_folder.handle(), deadline))
         return Outcome::more;
-    const Result<void> removed = m_parent.unlink(m_name.c_str(), FileKind::folder);
+    const auto unlink = [&] { return m_parent.unlink(m_name.c_str(), FileKind::folder); };
     // What a failing disk would not give up may stay, unless there is more.
-    if (!removed && hasSomethingElse())
-        return keep();
+    if (!unlink()) {
+        if (hasSomethingElse())
+            return keep();
+        static_cast<void>(unlink());
+    }
     static_cast<void>(m_parent.sync());
     return Outcome::gone;
 }
@@ -38,7 +42,7 @@ bool OldFolder::isInPlace() const noexcept
 
 bool OldFolder::hasSomethingElse() noexcept
 {
-    return !m_tree.hasNothingElse(m_folder.disk(), m_folder.handle(), m_twin.handle())
+    return !m_tree.settleRest(m_folder.disk(), m_folder.handle(), m_twin.handle(), m_isChecked)
                 .valueOr(true);
 }
 

@@ -18,7 +18,7 @@ public:
               std::string recoveryName) noexcept;
 
     /// Goes on until the deadline. What another program put into it, by a folder that it held open,
-    /// is not removed.
+    /// is not removed: what is free goes to the twin, and the rest keeps the folder.
     [[nodiscard]] Outcome remove(FolderTree::Deadline deadline) noexcept;
 
 private:

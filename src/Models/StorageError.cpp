@@ -31,6 +31,8 @@ QString StorageError::sentence() const
         return u"“%@” can hold no more than 100,000 notes. Delete some or move them away, then try again."_s;
     case Reason::tooMuchText:
         return u"“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again."_s;
+    case Reason::busy:
+        return u"“%@” is being changed by another program again and again. Wait until that is done, then try again."_s;
     case Reason::inUse:
         return u"“%@” is in use by another Quillmark: go on there, or quit that one first."_s;
     case Reason::tooDeep:

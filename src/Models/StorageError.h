@@ -23,6 +23,7 @@ enum class Reason : std::uint8_t {
     tooLarge,       ///< More bytes than a file may have.
     tooManyNotes,   ///< More notes than the folder may have.
     tooMuchText,    ///< More bytes than all files of the folder may have together.
+    busy,           ///< Another program changes the folder again and again.
     inUse,          ///< Another program has the data folder for itself.
     tooDeep,        ///< More folders in one another than are followed.
     secondDraft,    ///< Another file is the same draft, under a name of another case.

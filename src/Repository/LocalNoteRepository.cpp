@@ -199,7 +199,7 @@ void LocalNoteRepository::write(const NoteSnapshot &snapshot, const NoteSnapshot
     for (int i = 0; i < mostTries && !isWritten; ++i)
         isWritten = tryToWrite(snapshot, difference, known);
     if (!isWritten)
-        throw RepositoryError::externalChange();
+        throw FileError(collectionURL(), Reason::busy);
 
     next.apply(std::move(difference));
     if (!known)

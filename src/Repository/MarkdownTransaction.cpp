@@ -11,6 +11,19 @@ namespace {
 
 constexpr std::array<const char *, 2> sectionFolders{"Notes", "Drafts"};
 
+/// All that the notes consist of.
+bool isOfNotes(std::string_view folder, std::string_view name) noexcept
+{
+    if (folder.empty())
+        return name == FileNames::marker || std::ranges::count(sectionFolders, name) != 0;
+    return std::ranges::count(sectionFolders, folder) != 0 && FileNames::isMarkdown(name);
+}
+
+bool isOfDrafts(std::string_view folder, std::string_view name) noexcept
+{
+    return folder.empty() && FileNames::isMarkdown(name);
+}
+
 class RecoveryCopyFinder final : public ListingVisitor {
 public:
     void visit(ino_t /*inode*/, FileKind /*kind*/, const char *name) noexcept override
@@ -113,7 +126,7 @@ void MarkdownTransaction::beginFile()
 void MarkdownTransaction::beginDrafts()
 {
     const Directory &drafts = m_folder->directory(Section::drafts);
-    FolderTree tree(drafts);
+    FolderTree tree(drafts, &isOfDrafts);
     check(Section::drafts, &tree);
     m_draftChanges = m_difference.changes();
     for (FileChange &change : m_draftChanges)
@@ -128,7 +141,7 @@ void MarkdownTransaction::beginFolder()
     const Directory *original = m_folder ? &m_folder->directory() : nullptr;
     FolderTree tree;
     if (original) {
-        tree = FolderTree(*original);
+        tree = FolderTree(*original, &isOfNotes);
         for (const Section section : {Section::notes, Section::drafts})
             check(section, tree.find(FileNames::ofSection(section)));
     } else {

@@ -83,7 +83,7 @@ void StorageErrorTest::saysADifferentThingForEachReason()
     for (const Reason reason :
          {Reason::notUtf8, Reason::notRegularFile, Reason::notFolder, Reason::mountPoint,
           Reason::tooLarge, Reason::tooManyNotes, Reason::tooMuchText, Reason::tooDeep,
-          Reason::inUse, Reason::secondDraft, Reason::notUnicode}) {
+          Reason::busy, Reason::inUse, Reason::secondDraft, Reason::notUnicode}) {
         const Message message = FileError("/notes/one.md", reason).message();
         QVERIFY(message.key.contains(u"%@"_s));
         QVERIFY(message.english().contains(u"/notes/one.md"_s));
@@ -93,7 +93,7 @@ void StorageErrorTest::saysADifferentThingForEachReason()
          {ENOSPC, EDQUOT, EFBIG, EACCES, EROFS, EMFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
         keys.insert(FileError("/notes/one.md", code).message().key);
 
-    QCOMPARE(keys.size(), 20);
+    QCOMPARE(keys.size(), 21);
 }
 
 void StorageErrorTest::showsANameThatIsNotUtf8()

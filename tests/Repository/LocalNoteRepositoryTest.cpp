@@ -723,7 +723,6 @@ void LocalNoteRepositoryTest::tidiesUpInSlices()
 void LocalNoteRepositoryTest::savesWhileFilesOfOtherProgramsComeAndGo_data()
 {
     QTest::addColumn<NoteSnapshot>("next");
-    QTest::addColumn<int>("disturbances");
 
     NoteSnapshot note = threeNotes();
     note.notes[1].body = u"changed"_s;
@@ -732,41 +731,34 @@ void LocalNoteRepositoryTest::savesWhileFilesOfOtherProgramsComeAndGo_data()
     drafts.editingDrafts.clear();
     NoteSnapshot all = drafts;
     all.notes.removeLast();
-    // One file is changed without a look at any other.
-    QTest::newRow("one file") << note << 1;
-    QTest::newRow("the drafts") << drafts << 3;
-    QTest::newRow("the whole folder") << all << 3;
+    QTest::newRow("one file") << note;
+    QTest::newRow("the drafts") << drafts;
+    QTest::newRow("the whole folder") << all;
 }
 
 void LocalNoteRepositoryTest::savesWhileFilesOfOtherProgramsComeAndGo()
 {
     QFETCH(const NoteSnapshot, next);
-    QFETCH(const int, disturbances);
     const DataFolder data;
     RacingDisk disk;
     LocalNoteRepository repository(data.fileURL(), disk);
     repository.save(threeNotes());
     const std::array<std::string, 3> folders{"Markdown/", "Markdown/Notes/", "Markdown/Drafts/"};
-    // Three swaps find them otherwise than the stage was made, and are taken back by another one.
-    int swaps = 0;
-    int passing = 0;
-    disk.beforeEverySwap([&] {
-        if (++swaps > 5 || swaps % 2 == 0)
-            return;
+    for (const std::string &folder : folders)
+        data.write(folder + "passing", "theirs");
+    disk.beforeNextSwap([&] {
         for (const std::string &folder : folders) {
-            fs::remove(data.path(folder + "passing " + std::to_string(passing)));
-            data.write(folder + "passing " + std::to_string(passing + 1), "theirs");
+            fs::remove(data.path(folder + "passing"));
+            data.write(folder + "coming", "theirs");
         }
-        ++passing;
     });
 
     repository.save(next);
     tidyUp(repository);
 
-    QCOMPARE(passing, disturbances);
     for (const std::string &folder : folders) {
-        QVERIFY(!data.holds(folder + "passing " + std::to_string(passing - 1)));
-        QCOMPARE(data.read(folder + "passing " + std::to_string(passing)), "theirs");
+        QVERIFY(!data.holds(folder + "passing"));
+        QCOMPARE(data.read(folder + "coming"), "theirs");
     }
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), next);
     QCOMPARE(data.count(".quillmark-"), 0);

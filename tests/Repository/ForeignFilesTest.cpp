@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+#include "LocalNoteRepository.h"
+
+#include "DataFolder.h"
+#include "ForeignWriter.h"
+#include "Notes.h"
+#include "RacingDisk.h"
+#include "Thrown.h"
+#include "Tidy.h"
+
+#include <QTest>
+#include <algorithm>
+#include <cstdlib>
+
+using namespace Qt::Literals::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Saves for each number of notes; more of them on demand.
+int saveCount(int usually)
+{
+    const char *given = std::getenv("QUILLMARK_SAVES");
+    return given ? std::max(1, std::atoi(given)) : usually;
+}
+
+NoteSnapshot manyNotes(int count)
+{
+    QList<Note> notes;
+    for (int i = 0; i < count; ++i)
+        notes.append(numberedNote(i, u"note %1"_s.arg(i)));
+    return snapshotOf(notes);
+}
+
+const Note kept = numberedNote(1, u"kept"_s);
+const Note changed = numberedNote(2, u"old"_s);
+
+NoteSnapshot oldNotes()
+{
+    return snapshotOf({kept, changed}, u"old"_s);
+}
+
+/// Exchanges the whole folder.
+NoteSnapshot newNotes()
+{
+    return snapshotOf({kept, numberedNote(2, u"new"_s)}, u"new"_s);
+}
+
+std::string old(const DataFolder &data, std::string_view prefix)
+{
+    for (const auto &entry : fs::directory_iterator(data.path())) {
+        const std::string name = entry.path().filename();
+        if (name.starts_with(prefix))
+            return name;
+    }
+    return {};
+}
+
+} // namespace
+
+/// Files of other programs that come, change and go while notes are saved: the saves succeed, and
+/// each of the files is afterwards where its program left it.
+class ForeignFilesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void savesBesideABusyProgram_data();
+    void savesBesideABusyProgram();
+    void followsWhatHappensBeforeTheSwap_data();
+    void followsWhatHappensBeforeTheSwap();
+    void takesBackWhatHappensInANewFolderThatIsTakenBack();
+    void carriesOverWhatComesIntoTheOldFolder();
+    void keepsBothFilesOfOneName();
+    void saysSoWhenTheFolderIsNeverQuiet();
+};
+
+void ForeignFilesTest::savesBesideABusyProgram_data()
+{
+    QTest::addColumn<int>("notes");
+    QTest::addColumn<int>("saves");
+
+    QTest::newRow("100 notes") << 100 << 150;
+    QTest::newRow("10,000 notes") << 10'000 << 10;
+}
+
+void ForeignFilesTest::savesBesideABusyProgram()
+{
+    QFETCH(const int, notes);
+    QFETCH(const int, saves);
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    NoteSnapshot snapshot = manyNotes(notes);
+    repository.save(snapshot);
+    ForeignWriter other({data.path("Markdown/Notes"), data.path("Markdown/Drafts")}, 150);
+
+    for (int i = 0; i < saveCount(saves); ++i) {
+        // A capture, the edit of a note, and then the pause in typing that writes a draft alone.
+        snapshot.notes[i % notes].body = u"changed %1"_s.arg(i);
+        snapshot.captureDraft = u"draft %1"_s.arg(i);
+        repository.save(snapshot);
+        static_cast<void>(repository.tidy(std::chrono::milliseconds(3)));
+    }
+    other.stop();
+    tidyUp(repository);
+
+    QVERIFY(other.changes() > 0);
+    QCOMPARE(other.failures(), 0);
+    const auto found = other.found();
+    for (const auto &[path, content] : other.files())
+        QVERIFY2(found.contains(path) && found.at(path) == content, path.c_str());
+    // Who replaces a file right before two folders are exchanged and removes it right after that
+    // may find it again; nothing of its is lost so.
+    const auto surplus = std::ranges::count_if(
+        found, [&](const auto &file) { return !other.files().contains(file.first); });
+    QVERIFY2(surplus * 100 <= other.changes(), qPrintable(QString::number(surplus)));
+    QCOMPARE(data.count(".quillmark-"), 0);
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), snapshot);
+    qInfo("%d changes, %d repetitions, %d files too many", other.changes(), other.repetitions(),
+          int(surplus));
+}
+
+void ForeignFilesTest::followsWhatHappensBeforeTheSwap_data()
+{
+    QTest::addColumn<NoteSnapshot>("next");
+
+    QTest::newRow("the drafts") << snapshotOf({kept, changed}, u"new"_s,
+                                              {{canonicalText(kept.id), u"new"_s}});
+    QTest::newRow("the whole folder") << newNotes();
+}
+
+void ForeignFilesTest::followsWhatHappensBeforeTheSwap()
+{
+    QFETCH(const NoteSnapshot, next);
+    const DataFolder data;
+    RacingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    for (const char *name : {"stays", "goes", "moves", "changes", "becomes a folder"})
+        data.write(std::string("Markdown/Drafts/") + name, name);
+    data.write("Markdown/Drafts/pictures/one", "1");
+    data.write("Markdown/Drafts/empty/of late/two", "2");
+    DataFolder::Content theirs;
+    disk.beforeNextSwap([&] {
+        const fs::path drafts = data.path("Markdown/Drafts");
+        fs::remove(drafts / "goes");
+        fs::rename(drafts / "moves", drafts / "moved");
+        data.write("Markdown/Drafts/temporary", "other");
+        fs::rename(drafts / "temporary", drafts / "changes");
+        fs::remove(drafts / "becomes a folder");
+        data.write("Markdown/Drafts/becomes a folder/inside", "3");
+        data.write("Markdown/Drafts/added", "4");
+        data.write("Markdown/Drafts/pictures/three", "5");
+        data.write("Markdown/Drafts/new folder/deep/four", "6");
+        fs::remove_all(drafts / "empty");
+        fs::create_symlink("nowhere", drafts / "link");
+        theirs = data.content();
+    });
+
+    repository.save(next);
+    tidyUp(repository);
+
+    DataFolder::Content found = data.content();
+    for (auto *content : {&theirs, &found})
+        content->removeIf([](const auto &entry) {
+            return entry.key().endsWith(".md") || !entry.key().startsWith("Markdown/Drafts");
+        });
+    QCOMPARE(found, theirs);
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), next);
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void ForeignFilesTest::takesBackWhatHappensInANewFolderThatIsTakenBack()
+{
+    const DataFolder data;
+    RacingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    data.write("Markdown/Notes/goes", "theirs");
+    data.write("Markdown/Notes/stays", "theirs");
+    std::ofstream editor(data.path(noteFile(changed.id)), std::ios::app);
+    disk.afterNextSwap([&] {
+        data.write("Markdown/Notes/added", "theirs");
+        fs::remove(data.path("Markdown/Notes/goes"));
+        // For which the save is taken back.
+        editor << " and theirs" << std::flush;
+    });
+
+    const auto error = refusal([&] { repository.save(newNotes()); });
+
+    QCOMPARE(error, RepositoryError::externalChange());
+    QCOMPARE(data.read("Markdown/Notes/added"), "theirs");
+    QCOMPARE(data.read("Markdown/Notes/stays"), "theirs");
+    QVERIFY(!data.holds("Markdown/Notes/goes"));
+    QCOMPARE(data.read(noteFile(changed.id)), noteBytes(changed) + " and theirs");
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void ForeignFilesTest::carriesOverWhatComesIntoTheOldFolder()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(oldNotes());
+    data.write("Markdown/Notes/moves", "theirs");
+    repository.save(newNotes());
+    const std::string stage = old(data, ".quillmark-stage-");
+
+    // As a program does that has held the folder open.
+    data.write(stage + "/Notes/late", "theirs");
+    fs::rename(data.path(stage + "/Notes/moves"), data.path(stage + "/Notes/moved"));
+    tidyUp(repository);
+
+    QCOMPARE(data.read("Markdown/Notes/late"), "theirs");
+    QCOMPARE(data.read("Markdown/Notes/moved"), "theirs");
+    QVERIFY(!data.holds("Markdown/Notes/moves"));
+    QCOMPARE(data.count(".quillmark-"), 0);
+    repository.save(oldNotes());
+}
+
+void ForeignFilesTest::keepsBothFilesOfOneName()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(oldNotes());
+    repository.save(newNotes());
+    data.write(old(data, ".quillmark-stage-") + "/Notes/list.txt", "late");
+    data.write("Markdown/Notes/list.txt", "newer");
+
+    tidyUp(repository);
+
+    QCOMPARE(data.read("Markdown/Notes/list.txt"), "newer");
+    QCOMPARE(data.read("Markdown/Notes/list.txt.~1~"), "late");
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void ForeignFilesTest::saysSoWhenTheFolderIsNeverQuiet()
+{
+    // A folder cannot be carried over into which another disk is mounted meanwhile, and the like;
+    // here the whole of it is another one each time, of the same content.
+    const DataFolder data;
+    RacingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    const auto before = data.content();
+    bool isCopy = false;
+    disk.beforeEverySwap([&] {
+        if (std::exchange(isCopy, !isCopy))
+            return;
+        const fs::path away = data.path().parent_path() / "away";
+        fs::remove_all(away);
+        fs::rename(data.path("Markdown"), away);
+        fs::copy(away, data.path("Markdown"), fs::copy_options::recursive);
+    });
+
+    const auto error = thrown<FileError>([&] { repository.save(newNotes()); });
+
+    QVERIFY(error.has_value());
+    QCOMPARE(error->reason(), Reason::busy);
+    QCOMPARE(error->path(), data.path("Markdown"));
+    QCOMPARE(data.content(), before);
+}
+
+QTEST_GUILESS_MAIN(ForeignFilesTest)
+#include "ForeignFilesTest.moc"
