@@ -72,6 +72,10 @@
         <translation>Close · Esc</translation>
     </message>
     <message>
+        <source>Show file</source>
+        <translation>Show file</translation>
+    </message>
+    <message>
         <source>Retry</source>
         <translation>Retry</translation>
     </message>
@@ -335,6 +339,10 @@ with a quick note.</translation>
     <message>
         <source>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</source>
         <translation>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</translation>
+    </message>
+    <message>
+        <source>“%@” is the lock of an editor in which that note is open with changes. Save or close it there, then reopen the app.</source>
+        <translation>“%@” is the lock of an editor in which that note is open with changes. Save or close it there, then reopen the app.</translation>
     </message>
     <message>
         <source>“%@” is being changed by another program again and again. Wait until that is done, then try again.</source>

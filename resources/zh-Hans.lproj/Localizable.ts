@@ -72,6 +72,10 @@
         <translation>关闭 · Esc</translation>
     </message>
     <message>
+        <source>Show file</source>
+        <translation>显示文件</translation>
+    </message>
+    <message>
         <source>Retry</source>
         <translation>重试</translation>
     </message>
@@ -335,6 +339,10 @@ with a quick note.</source>
     <message>
         <source>“%@” can hold no more than 256 MiB of text. Delete notes or move them away, then try again.</source>
         <translation>“%@”最多可容纳 256 MiB 文本。请删除或移走一些笔记，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” is the lock of an editor in which that note is open with changes. Save or close it there, then reopen the app.</source>
+        <translation>“%@”是编辑器的锁：该笔记在其中打开并有更改。请在那里保存或关闭它，然后重新打开应用。</translation>
     </message>
     <message>
         <source>“%@” is being changed by another program again and again. Wait until that is done, then try again.</source>

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "FileBrowser.h"
 
+#include "FileUrl.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
-#include <QFile>
 #include <QUrl>
 #include <QVariantMap>
 #include <fcntl.h>
@@ -15,35 +16,44 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// Sandboxed programs, and desktops whose file browser is not on the bus, have the portal. It takes
-/// an open folder instead of a path, which may mean something else on its side.
-void openThroughPortal(const QUrl &folder)
+/// an open file or folder instead of a path, which may mean something else on its side.
+void openThroughPortal(const QUrl &place, int flags)
 {
-    QDBusUnixFileDescriptor folderHandle;
-    folderHandle.giveFileDescriptor(open(QFile::encodeName(folder.toLocalFile()).constData(),
-                                         O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (!folderHandle.isValid())
+    QDBusUnixFileDescriptor handle;
+    handle.giveFileDescriptor(open(localPath(place).c_str(), O_PATH | O_CLOEXEC | flags));
+    if (!handle.isValid())
         return;
     auto call = QDBusMessage::createMethodCall(
         "org.freedesktop.portal.Desktop"_L1, "/org/freedesktop/portal/desktop"_L1,
         "org.freedesktop.portal.OpenURI"_L1, "OpenDirectory"_L1);
-    call << QString() << QVariant::fromValue(folderHandle) << QVariantMap();
+    call << QString() << QVariant::fromValue(handle) << QVariantMap();
     QDBusConnection::sessionBus().asyncCall(call);
+}
+
+void ask(const QString &method, const QUrl &place, int flags)
+{
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    auto call = QDBusMessage::createMethodCall("org.freedesktop.FileManager1"_L1,
+                                               "/org/freedesktop/FileManager1"_L1,
+                                               "org.freedesktop.FileManager1"_L1, method);
+    call << QStringList{place.toString(QUrl::FullyEncoded)} << QString();
+
+    auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(call));
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer, [answer, place, flags] {
+        answer->deleteLater();
+        if (answer->isError())
+            openThroughPortal(place, flags);
+    });
 }
 
 } // namespace
 
 void openInFileBrowser(const QUrl &folder)
 {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    auto call = QDBusMessage::createMethodCall("org.freedesktop.FileManager1"_L1,
-                                               "/org/freedesktop/FileManager1"_L1,
-                                               "org.freedesktop.FileManager1"_L1, "ShowFolders"_L1);
-    call << QStringList{folder.toString(QUrl::FullyEncoded)} << QString();
+    ask("ShowFolders"_L1, folder, O_DIRECTORY);
+}
 
-    auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(call));
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer, [answer, folder] {
-        answer->deleteLater();
-        if (answer->isError())
-            openThroughPortal(folder);
-    });
+void showInFileBrowser(const QUrl &file)
+{
+    ask("ShowItems"_L1, file, O_NOFOLLOW);
 }

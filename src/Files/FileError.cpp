@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "FileError.h"
 
+#include "FileUrl.h"
+
 #include <QLatin1StringView>
 #include <cerrno>
 #include <cstring>
@@ -40,17 +42,6 @@ QString sentenceFor(int systemError)
     }
 }
 
-/// As much of a path as a person can make use of: its beginning, and the name at its end.
-QString shown(const std::filesystem::path &path)
-{
-    constexpr qsizetype mostAtTheBeginning = 80;
-    constexpr qsizetype mostAtTheEnd = 120;
-    QString whole = QString::fromUtf8(path.native());
-    if (whole.size() <= mostAtTheBeginning + mostAtTheEnd)
-        return whole;
-    return whole.first(mostAtTheBeginning) + u'…' + whole.last(mostAtTheEnd);
-}
-
 } // namespace
 
 FileError::FileError(std::filesystem::path path, int systemError)
@@ -73,9 +64,17 @@ FileError::FileError(std::filesystem::path path, Failure failure)
 {
 }
 
+const std::filesystem::path *FileError::place() const noexcept
+{
+    // What the system refuses is for the most part not the file's fault, or there is none.
+    const bool isOfFile = reason() != Reason::system && reason() != Reason::notUnicode &&
+                          reason() != Reason::inUse && reason() != Reason::busy;
+    return isOfFile ? &m_path : nullptr;
+}
+
 Message FileError::message() const
 {
-    const QString file = shown(m_path);
+    const QString file = shownPath(m_path);
     if (reason() != Reason::system)
         return {sentence(), {file}};
     if (const QString known = sentenceFor(m_systemError); !known.isEmpty())

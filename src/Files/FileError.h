@@ -18,6 +18,7 @@ public:
     [[nodiscard]] int systemError() const noexcept { return m_systemError; }
 
     [[nodiscard]] Message message() const override;
+    [[nodiscard]] const std::filesystem::path *place() const noexcept override;
 
 private:
     std::filesystem::path m_path;

@@ -89,7 +89,7 @@ void FileTransaction::removeOldFile()
     const char *name = m_stage.place.stage.c_str();
     if (!isStill(hidden, name, *m_oldStatus)) {
         keepForAttention(m_stage.place);
-        throw RepositoryError::recoveryRequired();
+        throw RepositoryError::recoveryRequired().about(hidden.path() / m_stage.place.recovery);
     }
     static_cast<void>(hidden.unlink(name, FileKind::file));
     static_cast<void>(hidden.sync());

@@ -118,7 +118,7 @@ void LiveSwap::fail(Failure failure)
 void LiveSwap::refuseLeftRecoveryCopy() const
 {
     if (m_old == Spot::recovery || m_new == Spot::recovery)
-        throw RepositoryError::recoveryRequired();
+        throw RepositoryError::recoveryRequired().about(m_place.hidden.path() / m_place.recovery);
 }
 
 void LiveSwap::undo() noexcept

@@ -21,6 +21,12 @@ public:
     /// is not removed: what is free goes to the twin, and the rest keeps the folder.
     [[nodiscard]] Outcome remove(FolderTree::Deadline deadline) noexcept;
 
+    /// Where it lies once it needs attention.
+    [[nodiscard]] std::filesystem::path recoveryCopy() const
+    {
+        return m_parent.path() / m_recoveryName;
+    }
+
 private:
     [[nodiscard]] bool isInPlace() const noexcept;
     [[nodiscard]] bool hasSomethingElse() noexcept;

@@ -32,6 +32,11 @@ bool FileNames::isMarkdown(std::string_view name) noexcept
     return end[0] == '.' && (end[1] == 'm' || end[1] == 'M') && (end[2] == 'd' || end[2] == 'D');
 }
 
+bool FileNames::isEditorLock(std::string_view name) noexcept
+{
+    return name.starts_with(".#");
+}
+
 std::string_view FileNames::stem(std::string_view name) noexcept
 {
     return name.substr(0, name.rfind('.'));

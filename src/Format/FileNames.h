@@ -50,6 +50,10 @@ inline constexpr std::string_view captureStem = "capture";
 /// True for "md" in either case after the last point, unless nothing stands before that point.
 [[nodiscard]] bool isMarkdown(std::string_view name) noexcept;
 
+/// True for what some editors call the link that says that they have changes for a file: ".#" and
+/// the file's name.
+[[nodiscard]] bool isEditorLock(std::string_view name) noexcept;
+
 /// A Markdown file's name without its extension.
 [[nodiscard]] std::string_view stem(std::string_view name) noexcept;
 

@@ -26,7 +26,7 @@ DirectoryListing markdownFiles(const Directory &section)
         if (!FileNames::isMarkdown(name))
             return false;
         if (entry.kind != FileKind::file)
-            throw section.error(Failure::because(Reason::notRegularFile), name);
+            throw section.error(NoteFolder::refusal(name, entry.kind), name);
         return true;
     });
     listing.sort();
@@ -57,6 +57,12 @@ std::optional<NoteFolder> NoteFolder::openIfUsable(const Directory &data)
     if (!notes || !drafts)
         return std::nullopt;
     return NoteFolder(*std::move(markdown), *std::move(notes), *std::move(drafts));
+}
+
+Failure NoteFolder::refusal(const char *name, FileKind kind) noexcept
+{
+    const bool isLock = kind == FileKind::link && FileNames::isEditorLock(name);
+    return Failure::because(isLock ? Reason::editorLock : Reason::notRegularFile);
 }
 
 const Directory &NoteFolder::directory(Section section) const noexcept

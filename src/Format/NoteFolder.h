@@ -37,6 +37,9 @@ public:
     };
     using Visitor = std::function<void(const File &file)>;
 
+    /// Why an entry is refused that has the name of a Markdown file and is no regular one.
+    [[nodiscard]] static Failure refusal(const char *name, FileKind kind) noexcept;
+
     /// Reads the marker, then each Markdown file of "Notes", then of "Drafts", by ascending name:
     /// each once, and each in whole before the next. Throws a FileError that names the first file
     /// that is not a regular one or cannot be read, or the folder that holds more than it may. Told

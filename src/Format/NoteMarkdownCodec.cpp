@@ -100,7 +100,8 @@ const Field *find(const Fields &fields, QStringView key)
     return found == fields.end() ? nullptr : &*found;
 }
 
-Fields readHeader(QStringView header)
+/// Nothing for a header that deviates from the format.
+std::optional<Fields> readHeader(QStringView header)
 {
     Fields fields;
     for (qsizetype from = 0; from < header.size();) {
@@ -111,30 +112,20 @@ Fields readHeader(QStringView header)
             continue;
         const qsizetype colon = findColon(line);
         if (colon < 0)
-            throw RepositoryError::invalidMarkdown();
+            return std::nullopt;
         fields.append({line.first(colon), withoutBlanksAround(line.sliced(colon + 1))});
     }
     std::ranges::sort(fields, {}, &Field::key);
     if (std::ranges::adjacent_find(fields, {}, &Field::key) != fields.end())
-        throw RepositoryError::invalidMarkdown();
+        return std::nullopt;
     return fields;
 }
 
-/// The value of a key that must be there.
+/// Null, which is no value of any key, when there is none of that name.
 QStringView value(const Fields &fields, QStringView key)
 {
     const Field *field = find(fields, key);
-    if (!field)
-        throw RepositoryError::invalidMarkdown();
-    return field->value;
-}
-
-template <typename T>
-T require(std::optional<T> parsed)
-{
-    if (!parsed)
-        throw RepositoryError::invalidMarkdown();
-    return *parsed;
+    return field ? field->value : QStringView();
 }
 
 } // namespace
@@ -183,18 +174,27 @@ std::optional<Note> NoteMarkdownCodec::decodeExact(QStringView text)
 
 Note NoteMarkdownCodec::decode(QStringView text)
 {
-    if (!text.startsWith(openingFence))
+    std::optional<Note> note = parse(text);
+    if (!note)
         throw RepositoryError::invalidMarkdown();
+    return *std::move(note);
+}
+
+std::optional<Note> NoteMarkdownCodec::parse(QStringView text)
+{
+    if (!text.startsWith(openingFence))
+        return std::nullopt;
     const qsizetype headerEnd = findClosingFence(text, openingFence.size());
     if (headerEnd < 0)
-        throw RepositoryError::invalidMarkdown();
+        return std::nullopt;
     const QStringView body = text.sliced(headerEnd + closingFence.size());
-    const Fields fields = readHeader(text.first(headerEnd).sliced(openingFence.size()));
-
-    if (value(fields, u"quillmark") != u"1")
-        throw RepositoryError::invalidMarkdown();
-    return {.id = require(parseId(value(fields, u"id"))),
-            .body = body.toString(),
-            .createdAt = require(Timestamp::fromIso8601(value(fields, u"created"))),
-            .updatedAt = require(Timestamp::fromIso8601(value(fields, u"updated")))};
+    const auto fields = readHeader(text.first(headerEnd).sliced(openingFence.size()));
+    if (!fields || value(*fields, u"quillmark") != u"1")
+        return std::nullopt;
+    const std::optional<QUuid> id = parseId(value(*fields, u"id"));
+    const auto createdAt = Timestamp::fromIso8601(value(*fields, u"created"));
+    const auto updatedAt = Timestamp::fromIso8601(value(*fields, u"updated"));
+    if (!id || !createdAt || !updatedAt)
+        return std::nullopt;
+    return Note{*id, body.toString(), *createdAt, *updatedAt};
 }

@@ -30,6 +30,9 @@ namespace NoteMarkdownCodec {
 /// Throws RepositoryError::invalidMarkdown for everything that deviates from the format.
 [[nodiscard]] Note decode(QStringView text);
 
+/// Like decode(), but answers nothing where that throws.
+[[nodiscard]] std::optional<Note> parse(QStringView text);
+
 /// Reads only the very form that encode() writes: encode() of what it answers is this text again.
 /// Nothing for all else, be it valid or not. Several times faster than decode().
 [[nodiscard]] std::optional<Note> decodeExact(QStringView text);

@@ -35,7 +35,7 @@ void SnapshotReader::read(const NoteFolder &folder)
                 .error(Failure::because(Reason::notUtf8), found.name);
         // Longer than an identifier, and so no name of a note or a draft.
         if (!NoteFileName::fits(found.name))
-            throw RepositoryError::invalidMarkdown();
+            refuse(found);
         NoteFile &file = m_files.emplace_back();
         file.place = {found.section, NoteFileName(found.name)};
         file.size = found.bytes.size();
@@ -51,7 +51,7 @@ void SnapshotReader::readFile(NoteFile &file, const NoteFolder::File &found, QSt
 {
     switch (found.section) {
     case Section::marker:
-        readMarker(text);
+        readMarker(found, text);
         file.note.body = text.toString();
         break;
     case Section::notes:
@@ -59,16 +59,22 @@ void SnapshotReader::readFile(NoteFile &file, const NoteFolder::File &found, QSt
         break;
     case Section::drafts:
         file.note.body = text.toString();
-        readDraft(found.name, file.note.body);
+        readDraft(found, file.note.body);
         break;
     }
 }
 
-void SnapshotReader::readMarker(QStringView text)
+void SnapshotReader::refuse(const NoteFolder::File &file) const
+{
+    throw RepositoryError::invalidMarkdown().about(m_folder->directory(file.section).path() /
+                                                   file.name);
+}
+
+void SnapshotReader::readMarker(const NoteFolder::File &found, QStringView text) const
 {
     const std::string_view expected = FileNames::markerContent;
     if (text != latin1(expected))
-        throw RepositoryError::invalidMarkdown();
+        refuse(found);
 }
 
 void SnapshotReader::readNote(NoteFile &file, const NoteFolder::File &found, QStringView text)
@@ -76,22 +82,25 @@ void SnapshotReader::readNote(NoteFile &file, const NoteFolder::File &found, QSt
     if (std::optional<Note> exact = NoteMarkdownCodec::decodeExact(text)) {
         file.note = *std::move(exact);
     } else {
-        file.note = NoteMarkdownCodec::decode(text);
+        std::optional<Note> parsed = NoteMarkdownCodec::parse(text);
+        if (!parsed)
+            refuse(found);
+        file.note = *std::move(parsed);
         file.foreignBytes = sha256(found.bytes);
     }
     if (file.note.id != parseId(FileNames::stem(found.name)))
-        throw RepositoryError::invalidMarkdown();
-    rememberId(file.note.id);
+        refuse(found);
+    rememberId(file.note.id, found);
 }
 
-void SnapshotReader::rememberId(const QUuid &id)
+void SnapshotReader::rememberId(const QUuid &id, const NoteFolder::File &found)
 {
     // Names ascend, and so do the identifiers that they spell, unless one is of lower case.
     auto place = m_ids.end();
     if (!m_ids.empty() && !(m_ids.back() < id)) {
         place = std::ranges::lower_bound(m_ids, id);
         if (*place == id)
-            throw RepositoryError::invalidMarkdown();
+            refuse(found);
     }
     m_ids.insert(place, id);
 }
@@ -105,22 +114,22 @@ void SnapshotReader::collectNotes()
     }
 }
 
-void SnapshotReader::readDraft(std::string_view name, const QString &text)
+void SnapshotReader::readDraft(const NoteFolder::File &found, const QString &text)
 {
     // A load keeps one text of a draft only, and the next save would remove the other's file.
     const auto refuseSecond = [&](bool isSecond) {
         if (isSecond)
             throw m_folder->directory(Section::drafts)
-                .error(Failure::because(Reason::secondDraft), name);
+                .error(Failure::because(Reason::secondDraft), found.name);
     };
-    const FileNames::Owner owner = FileNames::parse(name);
+    const FileNames::Owner owner = FileNames::parse(found.name);
     if (owner.isCapture) {
         refuseSecond(std::exchange(m_hasCaptureDraft, true));
         m_snapshot.captureDraft = text;
         return;
     }
     if (!owner.note || !std::ranges::binary_search(m_ids, *owner.note))
-        throw RepositoryError::invalidMarkdown();
+        refuse(found);
     const QString key = canonicalText(*owner.note);
     refuseSecond(m_snapshot.editingDrafts.contains(key));
     m_snapshot.editingDrafts.insert(key, text);

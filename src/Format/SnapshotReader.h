@@ -11,8 +11,8 @@
 
 /// Builds the snapshot that a Markdown folder holds, and what is to be remembered of its files.
 ///
-/// Throws RepositoryError::invalidMarkdown and FileErrors; the first file that is wrong ends the
-/// whole reading.
+/// Throws RepositoryError::invalidMarkdown about a file, and FileErrors; the first file that is
+/// wrong ends the whole reading.
 class SnapshotReader {
 public:
     /// May be called once.
@@ -25,11 +25,12 @@ public:
 
 private:
     void readFile(NoteFile &file, const NoteFolder::File &found, QStringView text);
-    static void readMarker(QStringView text);
+    [[noreturn]] void refuse(const NoteFolder::File &file) const;
+    void readMarker(const NoteFolder::File &found, QStringView text) const;
     void readNote(NoteFile &file, const NoteFolder::File &found, QStringView text);
-    void rememberId(const QUuid &id);
+    void rememberId(const QUuid &id, const NoteFolder::File &found);
     void collectNotes();
-    void readDraft(std::string_view name, const QString &text);
+    void readDraft(const NoteFolder::File &found, const QString &text);
 
     NoteSnapshot m_snapshot;
     std::vector<NoteFile> m_files;

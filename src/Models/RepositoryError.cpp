@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "RepositoryError.h"
 
+#include <utility>
+
 RepositoryError RepositoryError::unsupportedVersion(qint64 found) noexcept
 {
     return {Reason::unsupportedVersion, found};
@@ -19,6 +21,13 @@ RepositoryError RepositoryError::externalChange() noexcept
 RepositoryError RepositoryError::recoveryRequired() noexcept
 {
     return {Reason::recoveryRequired, 0};
+}
+
+RepositoryError RepositoryError::about(std::filesystem::path place) const
+{
+    RepositoryError error = *this;
+    error.m_place = std::make_shared<const std::filesystem::path>(std::move(place));
+    return error;
 }
 
 Message RepositoryError::message() const

@@ -3,6 +3,8 @@
 
 #include "StorageError.h"
 
+#include <memory>
+
 /// The notes folder as a whole was refused: for one of the first four reasons. The files on disk
 /// were not touched.
 class RepositoryError final : public StorageError {
@@ -17,6 +19,14 @@ public:
 
     [[nodiscard]] Message message() const override;
 
+    /// The same, with the file or folder for which it was refused. That stands beside the error:
+    /// errors are equal whatever they are about.
+    [[nodiscard]] RepositoryError about(std::filesystem::path place) const;
+    [[nodiscard]] const std::filesystem::path *place() const noexcept override
+    {
+        return m_place.get();
+    }
+
     friend bool operator==(const RepositoryError &a, const RepositoryError &b) noexcept
     {
         return a.reason() == b.reason() && a.m_version == b.m_version;
@@ -30,4 +40,7 @@ private:
     }
 
     qint64 m_version;
+
+    /// Shared, since errors are copied without allocating.
+    std::shared_ptr<const std::filesystem::path> m_place;
 };

@@ -21,6 +21,8 @@ QString StorageError::sentence() const
         return u"“%@” is not UTF-8 text. Convert it or move it away, then reopen the app."_s;
     case Reason::notRegularFile:
         return u"“%@” is not an ordinary file. Move it away, then reopen the app."_s;
+    case Reason::editorLock:
+        return u"“%@” is the lock of an editor in which that note is open with changes. Save or close it there, then reopen the app."_s;
     case Reason::notFolder:
         return u"“%@” is not a folder of its own. Move it away, then reopen the app."_s;
     case Reason::mountPoint:

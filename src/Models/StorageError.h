@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <filesystem>
 
 /// Why the storage refused or failed, in one list for all of it.
 enum class Reason : std::uint8_t {
@@ -18,6 +19,7 @@ enum class Reason : std::uint8_t {
     system,         ///< The system said no: an errno goes with it.
     notUtf8,        ///< The file's bytes are not UTF-8.
     notRegularFile, ///< A folder, link, pipe, socket or device stands where a file must be.
+    editorLock,     ///< A link by which an editor marks the file beside it as being edited.
     notFolder,      ///< A link or a file stands where a folder must be.
     mountPoint,     ///< Another file system is mounted inside the notes.
     tooLarge,       ///< More bytes than a file may have.
@@ -45,6 +47,9 @@ public:
 
     /// What happened and what to do, for the user.
     [[nodiscard]] virtual Message message() const = 0;
+
+    /// The file or folder that a person should look at; null when there is none.
+    [[nodiscard]] virtual const std::filesystem::path *place() const noexcept { return nullptr; }
 
     [[nodiscard]] QString description() const { return message().english(); }
     [[nodiscard]] const char *what() const noexcept override { return "Quillmark storage error"; }

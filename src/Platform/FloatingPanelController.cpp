@@ -124,6 +124,7 @@ QWidget *FloatingPanelController::makeEditorContent()
     connect(workspace, &NoteWorkspaceView::collapseRequested, this,
             &FloatingPanelController::collapse);
     connect(workspace, &NoteWorkspaceView::showFolderRequested, this, &openInFileBrowser);
+    connect(workspace, &NoteWorkspaceView::showFileRequested, this, &showInFileBrowser);
 
     auto *const environment = new AppEnvironment(m_preferences, m_system);
     environment->setContent(workspace);

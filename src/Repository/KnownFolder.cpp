@@ -58,7 +58,7 @@ bool KnownFolder::isStill(const NoteFolder &folder, Section section,
         if (!FileNames::isMarkdown(name))
             continue;
         if (entry.kind != FileKind::file)
-            throw directory.error(Failure::because(Reason::notRegularFile), name);
+            throw directory.error(NoteFolder::refusal(name, entry.kind), name);
         if (file == files.end() || std::strcmp(file->place.name.c_str(), name) != 0)
             return false;
         const Result<FileStatus> status = directory.status(name);

@@ -2,6 +2,7 @@
 #include "LocalNoteRepository.h"
 
 #include "FileNames.h"
+#include "FileUrl.h"
 #include "LegacySnapshot.h"
 #include "MarkdownTransaction.h"
 #include "RepositoryError.h"
@@ -98,7 +99,7 @@ LocalNoteRepository::Folders LocalNoteRepository::defaultJournalFolders()
 std::optional<QUrl> LocalNoteRepository::notesFolderURL() const
 {
     const std::filesystem::path folder = collectionURL() / FileNames::ofSection(Section::notes);
-    return QUrl::fromLocalFile(QFile::decodeName(folder.c_str()));
+    return fileUrl(folder);
 }
 
 bool LocalNoteRepository::claim()
@@ -244,10 +245,12 @@ void LocalNoteRepository::removeOldFolders(KnownFolder::Deadline deadline)
 {
     // The oldest first: what replaced it may be the next.
     const OldFolder::Outcome outcome = m_oldFolders.front().remove(deadline);
-    if (outcome != OldFolder::Outcome::more)
-        m_oldFolders.erase(m_oldFolders.begin());
+    if (outcome == OldFolder::Outcome::more)
+        return;
+    const OldFolder folder = std::move(m_oldFolders.front());
+    m_oldFolders.erase(m_oldFolders.begin());
     if (outcome == OldFolder::Outcome::needsAttention)
-        throw RepositoryError::recoveryRequired();
+        throw RepositoryError::recoveryRequired().about(folder.recoveryCopy());
 }
 
 void LocalNoteRepository::learnStamps(KnownFolder::Deadline deadline)

@@ -26,14 +26,18 @@ bool isOfDrafts(std::string_view folder, std::string_view name) noexcept
 
 class RecoveryCopyFinder final : public ListingVisitor {
 public:
-    void visit(ino_t /*inode*/, FileKind /*kind*/, const char *name) noexcept override
+    void visit(ino_t /*inode*/, FileKind /*kind*/, const char *name) override
     {
-        m_hasFound |= std::string_view(name).starts_with(FileNames::recoveryPrefix);
+        if (std::string_view(name).starts_with(FileNames::recoveryPrefix) &&
+            (m_name.empty() || name < m_name))
+            m_name = name;
     }
-    [[nodiscard]] bool hasFound() const noexcept { return m_hasFound; }
+
+    /// The first one's name; empty when there is none.
+    [[nodiscard]] const std::string &name() const noexcept { return m_name; }
 
 private:
-    bool m_hasFound = false;
+    std::string m_name;
 };
 
 void refuseUnlessSame(bool isSame)
@@ -48,8 +52,8 @@ void MarkdownTransaction::checkRecovery(const Directory &data)
 {
     RecoveryCopyFinder finder;
     data.orThrow(uninterrupted([&] { return data.disk().list(data.handle(), finder); }));
-    if (finder.hasFound())
-        throw RepositoryError::recoveryRequired();
+    if (!finder.name().empty())
+        throw RepositoryError::recoveryRequired().about(data.path() / finder.name());
 }
 
 MarkdownTransaction::MarkdownTransaction(Directory data, KnownFolder *known,

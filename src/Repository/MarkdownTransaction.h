@@ -16,8 +16,7 @@
 /// which neither throws nor allocates.
 class MarkdownTransaction {
 public:
-    /// Throws RepositoryError::recoveryRequired when a recovery copy lies in the data folder;
-    /// passes when that does not exist.
+    /// Throws RepositoryError::recoveryRequired about a recovery copy that lies in the data folder.
     static void checkRecovery(const Directory &data);
 
     /// Known is null while there is no Markdown folder; it learns new stamps. All arguments must

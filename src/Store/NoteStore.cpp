@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "NoteStore.h"
 
+#include "FileUrl.h"
 #include "NoteId.h"
 #include "TextSearch.h"
 #include "WellFormed.h"
 
-#include <QFileInfo>
 #include <algorithm>
 #include <vector>
 
@@ -17,7 +17,13 @@ namespace {
 struct Failure {
     Message message;
     std::optional<RepositoryError> repositoryError;
+    std::optional<std::filesystem::path> place;
 };
+
+std::optional<std::filesystem::path> placeOf(const StorageError &error)
+{
+    return error.place() ? std::optional(*error.place()) : std::nullopt;
+}
 
 template <class Operation>
 std::optional<Failure> failureOf(const Operation &operation)
@@ -26,11 +32,12 @@ std::optional<Failure> failureOf(const Operation &operation)
         operation();
         return std::nullopt;
     } catch (const RepositoryError &error) {
-        return Failure{error.message(), error};
+        return Failure{error.message(), error, placeOf(error)};
     } catch (const StorageError &error) {
-        return Failure{error.message(), std::nullopt};
+        return Failure{error.message(), std::nullopt, placeOf(error)};
     } catch (const std::exception &error) {
-        return Failure{{u"%@"_s, {QString::fromLocal8Bit(error.what())}}, std::nullopt};
+        return Failure{
+            {u"%@"_s, {QString::fromLocal8Bit(error.what())}}, std::nullopt, std::nullopt};
     }
 }
 
@@ -90,7 +97,7 @@ NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QO
     if (failure) {
         m_isReadOnly = true;
         setErrorContext(u"Could not read your notes. Original files were protected."_s);
-        setFailure(failure->message, failure->repositoryError);
+        setFailure(failure->message, failure->repositoryError, failure->place);
     }
     m_captureId = m_repository->captureId().value_or(m_captureId);
     if (const std::optional<Message> leftAlone = m_repository->leftAlone(); leftAlone && !failure) {
@@ -148,7 +155,8 @@ bool NoteStore::hasDraft(const Note &note) const
 std::optional<QUrl> NoteStore::notesFolderURL() const
 {
     const auto folder = m_repository->notesFolderURL();
-    return folder && QFileInfo::exists(folder->toLocalFile()) ? folder : std::nullopt;
+    std::error_code ignored;
+    return folder && std::filesystem::exists(localPath(*folder), ignored) ? folder : std::nullopt;
 }
 
 void NoteStore::setDraft(const QString &typed)
@@ -240,14 +248,14 @@ bool NoteStore::commit(const NoteSnapshot &snapshot)
     if (failure) {
         keepTyped();
         setErrorContext(u"Could not save. Your text is still in this window."_s);
-        setFailure(failure->message, failure->repositoryError);
+        setFailure(failure->message, failure->repositoryError, failure->place);
         return false;
     }
     m_keepTimer.stop();
     m_syncTimer.stop();
     m_tidyTimer.start(0);
     setSnapshot(snapshot);
-    setFailure(std::nullopt, std::nullopt);
+    setFailure(std::nullopt, std::nullopt, std::nullopt);
     setHasPendingChanges(false);
     return true;
 }
@@ -281,7 +289,7 @@ void NoteStore::tidy()
     const auto failure = failureOf([&] { next = m_repository->tidy(tidySlice); });
     if (failure) {
         setErrorContext(u"Could not save. Your text is still in this window."_s);
-        setFailure(failure->message, failure->repositoryError);
+        setFailure(failure->message, failure->repositoryError, failure->place);
     } else if (next) {
         m_tidyTimer.start(*next);
     }
@@ -296,16 +304,21 @@ void NoteStore::setSnapshot(const NoteSnapshot &snapshot)
 }
 
 void NoteStore::setFailure(std::optional<Message> failure,
-                           const std::optional<RepositoryError> &repositoryError)
+                           const std::optional<RepositoryError> &repositoryError,
+                           std::optional<std::filesystem::path> place)
 {
     const bool isNewFailure = m_failure != failure;
     const bool isNewError = m_repositoryError != repositoryError;
     m_failure = std::move(failure);
+    const bool isNewPlace = m_errorPlace != place;
     m_repositoryError = repositoryError;
+    m_errorPlace = std::move(place);
     if (isNewFailure)
         Q_EMIT errorMessageChanged();
     if (isNewError)
         Q_EMIT repositoryErrorChanged();
+    if (isNewPlace)
+        Q_EMIT errorPlaceChanged();
 }
 
 void NoteStore::setErrorContext(const QString &context)

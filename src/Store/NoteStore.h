@@ -63,6 +63,12 @@ public:
         return m_repositoryError;
     }
 
+    /// The file or folder that the failure is about, when a person should look at it.
+    [[nodiscard]] const std::optional<std::filesystem::path> &errorPlace() const noexcept
+    {
+        return m_errorPlace;
+    }
+
     /// Decided by the first load, once and for all.
     [[nodiscard]] bool isReadOnly() const noexcept { return m_isReadOnly; }
 
@@ -115,6 +121,7 @@ Q_SIGNALS:
     void errorMessageChanged();
     void errorContextChanged();
     void repositoryErrorChanged();
+    void errorPlaceChanged();
     void hasPendingChangesChanged();
 
 private:
@@ -125,7 +132,8 @@ private:
     void tidy();
     void setSnapshot(const NoteSnapshot &snapshot);
     void setFailure(std::optional<Message> failure,
-                    const std::optional<RepositoryError> &repositoryError);
+                    const std::optional<RepositoryError> &repositoryError,
+                    std::optional<std::filesystem::path> place);
     void setErrorContext(const QString &context);
     void setHasPendingChanges(bool pending);
 
@@ -135,6 +143,7 @@ private:
     std::optional<Message> m_failure;
     std::optional<QString> m_errorContext;
     std::optional<RepositoryError> m_repositoryError;
+    std::optional<std::filesystem::path> m_errorPlace;
     bool m_isReadOnly = false;
 
     /// Of the note that the text of the capture screen will become.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "FileBrowser.h"
 
+#include "FileUrl.h"
 #include "PrivateBus.h"
 
 #include <QDBusUnixFileDescriptor>
@@ -9,6 +10,8 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QUrl>
+#include <filesystem>
+#include <fstream>
 #include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,8 +27,14 @@ public Q_SLOTS:
         Q_EMIT shown(folders);
     }
 
+    void ShowItems(const QStringList &items, const QString & /*startupId*/)
+    {
+        Q_EMIT chosen(items);
+    }
+
 Q_SIGNALS:
     void shown(const QStringList &folders);
+    void chosen(const QStringList &items);
 };
 
 /// Stands for the portal. Tells the inode of the folder that it is given.
@@ -55,6 +64,8 @@ private Q_SLOTS:
     void asksTheFileManagerFirst();
     void asksThePortalWithoutAFileManager();
     void asksNobodyForAFolderThatIsGone();
+    void choosesAFile();
+    void givesThePortalTheFile();
 
 private:
     PrivateBus m_bus;
@@ -120,6 +131,49 @@ void FileBrowserTest::asksNobodyForAFolderThatIsGone()
     QVERIFY(opened.wait());
     QCOMPARE(opened.count(), 1);
     QVERIFY(opened.first().first().toULongLong() != 0);
+    bus.unregisterService(u"org.freedesktop.portal.Desktop"_s);
+}
+
+void FileBrowserTest::choosesAFile()
+{
+    FileManager manager;
+    QDBusConnection bus = m_bus.connectAs(u"choosing file manager"_s);
+    QVERIFY(bus.registerObject(u"/org/freedesktop/FileManager1"_s, &manager,
+                               QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerService(u"org.freedesktop.FileManager1"_s));
+    const QSignalSpy shown(&manager, &FileManager::shown);
+    QSignalSpy chosen(&manager, &FileManager::chosen);
+
+    showInFileBrowser(fileUrl("/home/me/\xff/note #1.md"));
+
+    QVERIFY(chosen.wait());
+    QCOMPARE(chosen.first().first().toStringList(),
+             QStringList{u"file:///home/me/%FF/note%20%231.md"_s});
+    QCOMPARE(shown.count(), 0);
+    bus.unregisterService(u"org.freedesktop.FileManager1"_s);
+}
+
+void FileBrowserTest::givesThePortalTheFile()
+{
+    const QTemporaryDir folder;
+    const std::filesystem::path path =
+        std::filesystem::path(QFile::encodeName(folder.path()).toStdString()) / "\xff.md";
+    std::ofstream(path) << "text";
+    struct stat status {};
+    QCOMPARE(stat(path.c_str(), &status), 0);
+    Portal portal;
+    QDBusConnection bus = m_bus.connectAs(u"portal for a file"_s);
+    QVERIFY(bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
+                               QDBusConnection::ExportAllSlots));
+    QVERIFY(bus.registerService(u"org.freedesktop.portal.Desktop"_s));
+    QSignalSpy opened(&portal, &Portal::opened);
+
+    showInFileBrowser(fileUrl(path));
+
+    QVERIFY(opened.wait());
+    QCOMPARE(opened.first().first().toULongLong(), quint64(status.st_ino));
+    bus.unregisterService(u"org.freedesktop.portal.Desktop"_s);
+    std::filesystem::remove(path);
 }
 
 QTEST_GUILESS_MAIN(FileBrowserTest)

@@ -5,6 +5,7 @@
 #include "Dot.h"
 #include "FailingRepository.h"
 #include "FileError.h"
+#include "FileUrl.h"
 #include "NoteStore.h"
 #include "NoteTextEditor.h"
 #include "QuietIconButton.h"
@@ -41,6 +42,8 @@ private Q_SLOTS:
     void hasNoBannerWhileAllIsWell();
     void saysWhatFailedAndWhy();
     void saysWhichVersionItCannotRead();
+    void showsTheFileThatAFailureIsAbout();
+    void namesAFileOnceOnly();
     void triesAgain();
     void triesNothingWhileTheStoreIsReadOnly();
     void isAnAlertForAReader();
@@ -340,6 +343,44 @@ void NoteWorkspaceViewTest::saysWhichVersionItCannotRead()
     workspace.preferences.setLanguage(AppLanguage::chinese);
     QVERIFY(Views::isChinese(workspace.text("errorMessage")));
     QVERIFY(workspace.text("errorMessage").contains(u'3'));
+}
+
+void NoteWorkspaceViewTest::showsTheFileThatAFailureIsAbout()
+{
+    Workspace workspace(
+        Workspace::unreadable(RepositoryError::invalidMarkdown().about("/notes/\xff plan.md")));
+    QVERIFY(Views::show(workspace.panel));
+    const QSignalSpy wishes(workspace.view, &NoteWorkspaceView::showFileRequested);
+
+    const QString said = workspace.text("errorMessage");
+    QCOMPARE(said, u"Could not read your notes. Original files were protected.\n"
+                   "A Markdown file has invalid metadata. Original files were left untouched.\n"
+                   "/notes/\uFFFD plan.md"_s);
+    QCOMPARE(Views::find(*workspace.view, "errorBanner")->accessibleName(), said);
+    QCOMPARE(workspace.text("showFile"), u"Show file"_s);
+    workspace.click("showFile");
+    QCOMPARE(wishes.count(), 1);
+    QCOMPARE(wishes.first().first().toUrl(), fileUrl("/notes/\xff plan.md"));
+
+    workspace.preferences.setLanguage(AppLanguage::chinese);
+    QCOMPARE(workspace.text("showFile"), u"显示文件"_s);
+    QVERIFY(workspace.text("errorMessage").endsWith(u"\n/notes/\uFFFD plan.md"_s));
+}
+
+void NoteWorkspaceViewTest::namesAFileOnceOnly()
+{
+    Workspace workspace;
+    QVERIFY(Views::show(workspace.panel));
+    QVERIFY(Views::find(*workspace.view, "showFile")->isHidden());
+
+    workspace.repository->failWith(FileError("/notes/one.md", Reason::notUtf8));
+    workspace.store.flush();
+
+    QCOMPARE(workspace.text("errorMessage").count(u"/notes/one.md"_s), 1);
+    QVERIFY(Views::find(*workspace.view, "showFile")->isVisible());
+    workspace.repository->failWith(FileError("/notes/one.md", ENOSPC));
+    workspace.store.flush();
+    QVERIFY(Views::find(*workspace.view, "showFile")->isHidden());
 }
 
 void NoteWorkspaceViewTest::triesAgain()

@@ -3,10 +3,12 @@
 
 #include "FailingRepository.h"
 #include "FileError.h"
+#include "FileUrl.h"
 #include "NoteId.h"
 #include "PassingTime.h"
 
 #include <QDir>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -24,6 +26,8 @@ private Q_SLOTS:
     void startsWithWhatTheRepositoryHolds();
     void isReadOnlyForGoodWhenLoadingFails();
     void keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn();
+    void saysWhichFileAFailureIsAbout();
+    void findsANotesFolderWhoseNameIsNoText();
     void keepsTypingForTheNoteThatItWillBecome();
     void tidiesUpAfterASaveInSlices();
     void tidiesUpNothingAfterASaveThatFailed();
@@ -164,6 +168,50 @@ void NoteStoreTest::isReadOnlyForGoodWhenLoadingFails()
              u"Could not read your notes. Original files were protected."_s);
     QCOMPARE(fixture.store.errorMessage(), RepositoryError::invalidMarkdown().description());
     QCOMPARE(fixture.store.repositoryError(), RepositoryError::invalidMarkdown());
+}
+
+void NoteStoreTest::saysWhichFileAFailureIsAbout()
+{
+    Fixture fixture;
+    const QSignalSpy changed(&fixture.store, &NoteStore::errorPlaceChanged);
+    const auto failWith = [&](const auto &error) {
+        fixture.repository.failWith(error);
+        QVERIFY(!fixture.store.flush());
+    };
+
+    QVERIFY(!fixture.store.errorPlace());
+    failWith(RepositoryError::recoveryRequired().about("/notes/copy"));
+    QCOMPARE(fixture.store.errorPlace(), std::filesystem::path("/notes/copy"));
+    QCOMPARE(changed.count(), 1);
+    failWith(RepositoryError::recoveryRequired().about("/notes/other"));
+    QCOMPARE(fixture.store.errorPlace(), std::filesystem::path("/notes/other"));
+    QCOMPARE(changed.count(), 2);
+    failWith(FileError("/notes/one.md", Reason::notUtf8));
+    QCOMPARE(fixture.store.errorPlace(), std::filesystem::path("/notes/one.md"));
+    failWith(FileError("/notes/one.md", ENOSPC));
+    QVERIFY(!fixture.store.errorPlace());
+    failWith(RepositoryError::recoveryRequired().about("/notes/copy"));
+    fixture.repository.recover();
+    QVERIFY(fixture.store.flush());
+
+    QVERIFY(!fixture.store.errorPlace());
+    QCOMPARE(changed.count(), 6);
+}
+
+void NoteStoreTest::findsANotesFolderWhoseNameIsNoText()
+{
+    const QTemporaryDir outer;
+    const std::filesystem::path folder =
+        std::filesystem::path(QFile::encodeName(outer.path()).toStdString()) / "\xff notes";
+    Fixture fixture;
+    fixture.repository.setNotesFolderURL(fileUrl(folder));
+
+    QVERIFY(!fixture.store.notesFolderURL());
+    std::filesystem::create_directory(folder);
+
+    QVERIFY(fixture.store.notesFolderURL().has_value());
+    QCOMPARE(localPath(*fixture.store.notesFolderURL()), folder);
+    std::filesystem::remove(folder);
 }
 
 void NoteStoreTest::keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn()

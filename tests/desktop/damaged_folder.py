@@ -5,6 +5,7 @@ import os
 import socket
 
 from harness import DesktopTest, main, until
+from harness.file_browser import FileBrowser
 
 INVALID = "A Markdown file has invalid metadata. Original files were left untouched."
 RECOVERY = ("A recovery copy needs attention. "
@@ -16,6 +17,11 @@ NAME = "11111111-2222-3333-4444-555555555555.md"
 
 
 class DamagedFolder(DesktopTest):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.browser = FileBrowser(cls.desktop)
+
     def setUp(self):
         super().setUp()
         self.data.create()
@@ -50,6 +56,33 @@ class DamagedFolder(DesktopTest):
         """The message says which file it is, so that a person can act on it."""
         texts = self.expect_protected()
         self.assertTrue(any(name in text for text in texts), f"{name} is not in {texts}")
+
+    def show_file(self):
+        """Starts, presses "Show file", and tells which file was shown."""
+        before = len(self.browser.shown_items())
+        quillmark = self.start("--show-editor")
+        quillmark.editor()
+        quillmark.element(name="Show file").press()
+        until(lambda: len(self.browser.shown_items()) > before, "the file browser was asked")
+        return self.browser.shown_items()[before:]
+
+    def test_the_file_with_invalid_metadata_is_named_and_shown(self):
+        (self.data.notes / NAME).write_bytes(b"no header here\n")
+        texts = self.expect_protected(INVALID)
+        self.assertIn(str(self.data.notes / NAME), texts)
+        self.assertEqual(self.show_file(), [(self.data.notes / NAME).as_uri()])
+
+    def test_the_recovery_copy_is_named_and_shown(self):
+        copy = self.data.path / ".quillmark-recovery-1"
+        copy.mkdir()
+        texts = self.expect_protected(RECOVERY)
+        self.assertIn(str(copy), texts)
+        self.assertEqual(self.show_file(), [copy.as_uri()])
+
+    def test_the_lock_of_an_editor_is_told_as_such(self):
+        (self.data.notes / f".#{NAME}").symlink_to("me@here.4711:1")
+        texts = self.expect_protected()
+        self.assertTrue(any("is the lock of an editor" in text for text in texts), texts)
 
     def test_a_format_of_another_kind(self):
         (self.data.markdown / ".format").write_bytes(b"Something else 1\n")

@@ -1,6 +1,10 @@
 # SPDX-License-Identifier: MIT
 """Earlier notes: found, opened, changed and copied, also without a mouse."""
 
+import os
+import tempfile
+import urllib.parse
+
 from harness import DesktopTest, main, until
 from harness.file_browser import FileBrowser
 
@@ -94,6 +98,23 @@ class Library(DesktopTest):
 
         until(lambda: browser.shown_folders(), "the file browser is asked")
         self.assertEqual(browser.shown_folders(), [self.data.notes.as_uri()])
+
+        # A path that is no text has a notes folder, too.
+        with tempfile.TemporaryDirectory(dir=self.home) as outer:
+            data = os.path.join(os.fsencode(outer), b"\xff data")
+            quillmark.stop()
+            quillmark = self.start(XDG_DATA_HOME=os.fsdecode(data))
+            quillmark.open_editor()
+            self.keyboard.type("saved there")
+            self.keyboard.press("ctrl+Return")
+            quillmark.launcher()
+            quillmark.open_editor()
+            quillmark.element(name="Preferences").press()
+            self.choose(quillmark, "Show Markdown files")
+            until(lambda: len(browser.shown_folders()) == 2, "the file browser is asked again")
+            self.assertEqual(browser.shown_folders()[1],
+                             "file://" + urllib.parse.quote(data) + "/Penwick/Markdown/Notes")
+            quillmark.stop()
 
 
 if __name__ == "__main__":

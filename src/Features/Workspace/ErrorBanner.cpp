@@ -18,6 +18,7 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     : QWidget(parent)
     , m_message(named(u"errorMessage"_s, new TextLabel(TextStyles::banner, this)))
     , m_retry(named(u"retry"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
+    , m_show(named(u"showFile"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
 {
     setObjectName(u"errorBanner"_s);
     m_message->setWraps(true);
@@ -26,11 +27,16 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     auto *frame = new TintedFrame(Tone::failure, Metrics::bannerFill, Metrics::bannerRadius, this);
     auto *symbol = new SymbolView(u"exclamationmark.triangle"_s, TextStyles::banner, frame);
     row(frame,
-        {aligned(Qt::AlignTop, symbol), {m_message, Qt::AlignTop}, aligned(Qt::AlignTop, m_retry)},
+        {aligned(Qt::AlignTop, symbol),
+         {m_message, Qt::AlignTop},
+         column({aligned(Qt::AlignRight, m_retry), aligned(Qt::AlignRight, m_show), stretch()},
+                {Metrics::bannerSpacing, {}})},
         {Metrics::bannerSpacing, Metrics::bannerPadding});
+    m_show->hide();
     column(this, {frame}, {0, Metrics::bannerMargins});
 
     connect(m_retry, &QAbstractButton::clicked, this, &ErrorBanner::retryRequested);
+    connect(m_show, &QAbstractButton::clicked, this, &ErrorBanner::showRequested);
     hide();
 }
 
@@ -54,4 +60,14 @@ void ErrorBanner::setRetryText(const QString &text)
 void ErrorBanner::setRetryEnabled(bool enabled)
 {
     m_retry->setEnabled(enabled);
+}
+
+void ErrorBanner::setShowText(const QString &text)
+{
+    m_show->setText(text);
+}
+
+void ErrorBanner::setShowVisible(bool visible)
+{
+    m_show->setVisible(visible);
 }

@@ -6,8 +6,9 @@
 class PlainButton;
 class TextLabel;
 
-/// What went wrong and whether the words are safe, with a button to try again. Hidden while there
-/// is nothing to say; announced to assistive tools when it has something new to say.
+/// What went wrong and whether the words are safe, with a button to try again and, when it is about
+/// a file, one to show that. Hidden while there is nothing to say; announced to assistive tools
+/// when it has something new to say.
 class ErrorBanner final : public QWidget {
     Q_OBJECT
 
@@ -18,11 +19,15 @@ public:
     void setMessage(const QString &message);
     void setRetryText(const QString &text);
     void setRetryEnabled(bool enabled);
+    void setShowText(const QString &text);
+    void setShowVisible(bool visible);
 
 Q_SIGNALS:
     void retryRequested();
+    void showRequested();
 
 private:
     TextLabel *const m_message;
     PlainButton *const m_retry;
+    PlainButton *const m_show;
 };

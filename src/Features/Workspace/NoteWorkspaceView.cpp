@@ -7,6 +7,7 @@
 #include "Dot.h"
 #include "EditNoteView.h"
 #include "ErrorBanner.h"
+#include "FileUrl.h"
 #include "Layouts.h"
 #include "Metrics.h"
 #include "Named.h"
@@ -74,6 +75,7 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
 
     connect(&m_store, &NoteStore::snapshotChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteWorkspaceView::render);
+    connect(&m_store, &NoteStore::errorPlaceChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorContextChanged, this, &NoteWorkspaceView::render);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteWorkspaceView::render);
     for (const WorkspaceTab tab : allWorkspaceTabs) {
@@ -89,6 +91,7 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
             &NoteWorkspaceView::showFolderRequested);
     connect(m_collapse, &QAbstractButton::clicked, this, &NoteWorkspaceView::collapseRequested);
     connect(m_banner, &ErrorBanner::retryRequested, this, &NoteWorkspaceView::retry);
+    connect(m_banner, &ErrorBanner::showRequested, this, &NoteWorkspaceView::showFile);
 
     showScreen();
     render();
@@ -122,6 +125,12 @@ void NoteWorkspaceView::retry()
 {
     if (!m_store.isReadOnly())
         m_store.flush();
+}
+
+void NoteWorkspaceView::showFile()
+{
+    if (const auto &place = m_store.errorPlace())
+        Q_EMIT showFileRequested(fileUrl(*place));
 }
 
 QWidget *NoteWorkspaceView::makeScreen()
@@ -159,9 +168,12 @@ QString NoteWorkspaceView::failureText() const
     const auto &failure = m_store.failure();
     if (!failure)
         return {};
-    const QString what = m_preferences.text(*failure);
-    const auto &context = m_store.errorContext();
-    return context ? m_preferences.text(*context) + u'\n' + what : what;
+    QString text = m_preferences.text(*failure);
+    if (const auto &context = m_store.errorContext())
+        text.prepend(m_preferences.text(*context) + u'\n');
+    const QString place = m_store.errorPlace() ? shownPath(*m_store.errorPlace()) : QString();
+    // Some sentences name it themselves.
+    return place.isEmpty() || text.contains(place) ? text : text + u'\n' + place;
 }
 
 void NoteWorkspaceView::render()
@@ -176,6 +188,8 @@ void NoteWorkspaceView::render()
     m_banner->setMessage(failureText());
     m_banner->setRetryText(m_preferences.text(u"Retry"_s));
     m_banner->setRetryEnabled(!m_store.isReadOnly());
+    m_banner->setShowText(m_preferences.text(u"Show file"_s));
+    m_banner->setShowVisible(m_store.errorPlace().has_value());
 
     m_storage->setText(m_preferences.text(u"Markdown · local"_s));
     const qsizetype count = m_store.snapshot().notes.size();

@@ -30,12 +30,14 @@ Q_SIGNALS:
     /// By the button, or because the thought is saved.
     void collapseRequested();
     void showFolderRequested(const QUrl &folder);
+    void showFileRequested(const QUrl &file);
 
 private:
     void chooseTab(WorkspaceTab tab);
     void open(const Note &note);
     void closeNote();
     void retry();
+    void showFile();
 
     [[nodiscard]] QWidget *makeScreen();
     void showScreen();

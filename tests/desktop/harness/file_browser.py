@@ -16,6 +16,10 @@ _INTERFACE = """
       <arg type="as" name="uris" direction="in"/>
       <arg type="s" name="startup" direction="in"/>
     </method>
+    <method name="ShowItems">
+      <arg type="as" name="uris" direction="in"/>
+      <arg type="s" name="startup" direction="in"/>
+    </method>
   </interface>
 </node>
 """
@@ -38,15 +42,23 @@ class FileBrowser:
 
     def shown_folders(self):
         """The addresses of the folders that it was asked to show, oldest first."""
-        return list(self._calls)
+        return self._shown("ShowFolders")
+
+    def shown_items(self):
+        """The same of the files and folders that it was asked to choose in theirs."""
+        return self._shown("ShowItems")
+
+    def _shown(self, method):
+        return [address for name, address in (call.split(" ", 1) for call in self._calls)
+                if name == method]
 
 
 def run_service():
     from gi.repository import Gio, GLib
 
-    def called(_connection, _sender, _path, _interface, _method, arguments, invocation):
+    def called(_connection, _sender, _path, _interface, method, arguments, invocation):
         for address in arguments.unpack()[0]:
-            print(address, flush=True)
+            print(method, address, flush=True)
         invocation.return_value(None)
 
     def acquired(connection, _name):
