@@ -345,6 +345,10 @@ with a quick note.</translation>
         <translation>“%@” is the lock of an editor in which that note is open with changes. Save or close it there, then reopen the app.</translation>
     </message>
     <message>
+        <source>“%@” cannot be replaced: it comes from a lower layer of an overlay file system. Move it away, put a copy in its place, then reopen the app.</source>
+        <translation>“%@” cannot be replaced: it comes from a lower layer of an overlay file system. Move it away, put a copy in its place, then reopen the app.</translation>
+    </message>
+    <message>
         <source>“%@” is being changed by another program again and again. Wait until that is done, then try again.</source>
         <translation>“%@” is being changed by another program again and again. Wait until that is done, then try again.</translation>
     </message>

@@ -345,6 +345,10 @@ with a quick note.</source>
         <translation>“%@”是编辑器的锁：该笔记在其中打开并有更改。请在那里保存或关闭它，然后重新打开应用。</translation>
     </message>
     <message>
+        <source>“%@” cannot be replaced: it comes from a lower layer of an overlay file system. Move it away, put a copy in its place, then reopen the app.</source>
+        <translation>无法替换“%@”：它来自叠加文件系统的下层。请将它移走，在原处放一份副本，然后重新打开应用。</translation>
+    </message>
+    <message>
         <source>“%@” is being changed by another program again and again. Wait until that is done, then try again.</source>
         <translation>另一个程序不断更改“%@”。请等它完成，然后重试。</translation>
     </message>

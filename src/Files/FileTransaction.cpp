@@ -69,6 +69,9 @@ FileTransaction::FileTransaction(const SwapPlace &place, std::optional<std::stri
     : m_stage(place, bytes)
     , m_oldStatus(oldStatus)
 {
+    // A file of somebody else stays theirs.
+    if (m_oldStatus && m_stage.status && m_oldStatus->owner != m_stage.status->owner)
+        throw place.parent.error(Failure::system(EPERM), place.live);
 }
 
 bool FileTransaction::commit(const std::function<bool()> &isAllSame)

@@ -23,8 +23,8 @@ constexpr mode_t rightsOfOthers = S_ISUID | S_ISGID | S_ISVTX | S_IRWXG | S_IRWX
 /// What a file system answers that has no hard links, or none for this file.
 bool meansNoLinks(const Failure &failure)
 {
-    return failure.is(EPERM) || failure.is(EMLINK) || failure.is(EXDEV) || failure.is(EOPNOTSUPP) ||
-           failure.is(ENOSYS);
+    return failure.is(EPERM) || failure.is(EACCES) || failure.is(EMLINK) || failure.is(EXDEV) ||
+           failure.is(EOPNOTSUPP) || failure.is(ENOSYS);
 }
 
 /// Closes a folder to others. What its owner may not do stays as it is.
@@ -33,6 +33,14 @@ void closeToOthers(const Directory &folder)
     const mode_t mode = folder.orThrow(folder.status()).mode;
     if ((mode & rightsOfOthers) != 0)
         folder.orThrow(folder.setMode(mode & S_IRWXU));
+}
+
+/// What belongs to somebody else stays theirs: nothing is replaced by something of another owner.
+void refuseOtherOwner(const FileStatus &old, const FileStatus &fresh, const Directory &folder,
+                      std::string_view name = {})
+{
+    if (old.owner != fresh.owner)
+        throw folder.error(Failure::system(EPERM), name);
 }
 
 /// The changes of one folder, of changes that are ordered by folder.
@@ -242,6 +250,7 @@ bool FolderTree::copyLevel(const Directory &copy, const Directory &original,
     leaveOutOfListing(std::move(gone));
     // Last, since it may close the folder and since its times would not stay.
     copy.orThrow(copy.resemble(original));
+    refuseOtherOwner(original.orThrow(original.status()), copy.orThrow(copy.status()), original);
     return true;
 }
 
@@ -334,7 +343,9 @@ bool FolderTree::copyOver(const Directory &copy, const Directory &original, cons
     const Result<FileStatus> copied = original.copyFile(name, copy);
     if (!copied && copied.failure().is(ENOENT))
         return false;
-    addOwnFile(name).copy = copy.orThrow(copied, name);
+    OwnFile &file = addOwnFile(name);
+    file.copy = copy.orThrow(copied, name);
+    refuseOtherOwner(*file.original, *file.copy, original, name);
     return true;
 }
 
@@ -350,9 +361,12 @@ bool FolderTree::leaveOut(const Directory &original, const char *name)
 void FolderTree::write(const Directory &copy, std::span<const FileChange> changes)
 {
     for (const FileChange &change : changes) {
-        if (change.bytes)
-            addOwnFile(change.name).copy =
-                copy.orThrow(copy.makeFile(change.name, *change.bytes), change.name);
+        if (!change.bytes)
+            continue;
+        OwnFile &file = addOwnFile(change.name);
+        file.copy = copy.orThrow(copy.makeFile(change.name, *change.bytes), change.name);
+        if (file.original)
+            refuseOtherOwner(*file.original, *file.copy, copy, change.name);
     }
 }
 

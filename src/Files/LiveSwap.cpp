@@ -112,6 +112,10 @@ void LiveSwap::fail(Failure failure)
 {
     undo();
     refuseLeftRecoveryCopy();
+    // All names are in one file system. One of layers still cannot move a folder of a lower one.
+    const Result<FileStatus> live = m_place.parent.status(m_place.live.c_str());
+    if (failure.is(EXDEV) && live && live->kind == FileKind::folder)
+        failure = Failure::because(Reason::lowerLayer);
     throw m_place.parent.error(failure, m_place.live);
 }
 

@@ -25,6 +25,8 @@ QString StorageError::sentence() const
         return u"“%@” is the lock of an editor in which that note is open with changes. Save or close it there, then reopen the app."_s;
     case Reason::notFolder:
         return u"“%@” is not a folder of its own. Move it away, then reopen the app."_s;
+    case Reason::lowerLayer:
+        return u"“%@” cannot be replaced: it comes from a lower layer of an overlay file system. Move it away, put a copy in its place, then reopen the app."_s;
     case Reason::mountPoint:
         return u"“%@” belongs to another disk. Unmount it, then try again."_s;
     case Reason::tooLarge:

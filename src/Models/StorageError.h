@@ -21,6 +21,7 @@ enum class Reason : std::uint8_t {
     notRegularFile, ///< A folder, link, pipe, socket or device stands where a file must be.
     editorLock,     ///< A link by which an editor marks the file beside it as being edited.
     notFolder,      ///< A link or a file stands where a folder must be.
+    lowerLayer,     ///< The file system cannot move the folder, since it is made of several layers.
     mountPoint,     ///< Another file system is mounted inside the notes.
     tooLarge,       ///< More bytes than a file may have.
     tooManyNotes,   ///< More notes than the folder may have.

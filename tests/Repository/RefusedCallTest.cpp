@@ -132,7 +132,7 @@ void RefusedCallTest::savesWithoutLinks_data()
 {
     QTest::addColumn<int>("error");
 
-    for (const int error : {EPERM, EMLINK, EXDEV, EOPNOTSUPP, ENOSYS})
+    for (const int error : {EPERM, EACCES, EMLINK, EXDEV, EOPNOTSUPP, ENOSYS})
         QTest::newRow(strerrorname_np(error)) << error;
 }
 
@@ -218,7 +218,7 @@ void RefusedCallTest::savesWithoutAnExchange_data()
 {
     QTest::addColumn<int>("error");
 
-    for (const int error : {EINVAL, ENOSYS, EOPNOTSUPP})
+    for (const int error : {EINVAL, ENOSYS, EOPNOTSUPP, EPERM})
         QTest::newRow(strerrorname_np(error)) << error;
 }
 

@@ -2,6 +2,7 @@
 #include "StopWatcher.h"
 
 #include <array>
+#include <cerrno>
 #include <utility>
 
 const char *nameOf(StopKind kind) noexcept
@@ -21,10 +22,12 @@ void StopWatcher::begin(const StopPlan &plan, std::function<bool()> act)
     m_hasMet = false;
 }
 
-DiskWatcher::Fate StopWatcher::met(Fate::Kind kind) noexcept
+DiskWatcher::Fate StopWatcher::met(Fate::Kind kind, const DiskCall &call) noexcept
 {
     m_hasMet = true;
-    return {kind, m_plan.error};
+    // It would say that there are no hard links, which is for the abilities of the disk.
+    const bool meansNoLinks = call.kind == DiskCall::Kind::link && m_plan.error == EACCES;
+    return {kind, meansNoLinks ? EIO : m_plan.error};
 }
 
 DiskWatcher::Fate StopWatcher::before(MemoryDisk & /*disk*/, const DiskCall &call) noexcept
@@ -41,13 +44,13 @@ DiskWatcher::Fate StopWatcher::before(MemoryDisk & /*disk*/, const DiskCall &cal
     case StopKind::powerCut:
         break;
     case StopKind::failure:
-        return isFirst ? met(Fate::Kind::fails) : Fate{};
+        return isFirst ? met(Fate::Kind::fails, call) : Fate{};
     case StopKind::lastingFailure:
-        return met(Fate::Kind::fails);
+        return met(Fate::Kind::fails, call);
     case StopKind::lostAnswer:
-        return isFirst ? met(Fate::Kind::answerIsLost) : Fate{};
+        return isFirst ? met(Fate::Kind::answerIsLost, call) : Fate{};
     case StopKind::shortTransfer:
-        return met(Fate::Kind::isShort);
+        return met(Fate::Kind::isShort, call);
     case StopKind::otherProgram:
         if (isFirst)
             m_hasMet = m_act();

@@ -54,7 +54,7 @@ public:
     void after(MemoryDisk &disk, const DiskCall &call) noexcept override;
 
 private:
-    [[nodiscard]] Fate met(Fate::Kind kind) noexcept;
+    [[nodiscard]] Fate met(Fate::Kind kind, const DiskCall &call) noexcept;
 
     Dice m_dice;
     StopPlan m_plan;

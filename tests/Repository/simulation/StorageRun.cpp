@@ -54,8 +54,9 @@ MemoryDisk::Abilities randomAbilities(Dice &dice)
     MemoryDisk::Abilities abilities;
     abilities.canExchange = dice.hasChance(85);
     abilities.canKeepFromReplacing = abilities.canExchange || dice.hasChance(50);
+    constexpr std::array<int, 3> noLinks{EPERM, EACCES, EOPNOTSUPP};
     if (dice.hasChance(12))
-        abilities.linkError = dice.hasChance(50) ? EPERM : EOPNOTSUPP;
+        abilities.linkError = noLinks.at(dice.below(noLinks.size()));
     abilities.hasReliableTimes = dice.hasChance(85);
     abilities.canLosePower = dice.hasChance(40);
     return abilities;
