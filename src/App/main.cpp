@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "HomeFolder.h"
 #include "PenwickApp.h"
 
 #include "SessionBus.h"
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <string>
 #include <string_view>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -28,6 +30,14 @@ constexpr auto help =
     "  --appearance=dark    with --ui-testing: dark\n"
     "  --version            prints the version and ends\n"
     "  --help               prints this and ends\n";
+
+/// Settings, fonts and what else the toolkit keeps for the user are found by this variable alone.
+void doWithoutMissingHome()
+{
+    const std::string home = homeFolder();
+    if (::setenv("HOME", home.c_str(), 1) != 0)
+        std::fputs("Quillmark cannot set HOME.\n", stderr);
+}
 
 /// A crash must not leave a copy of the notes behind, neither in a core file nor with a crash
 /// reporter. One byte is too little for a file, and to the kernel it means that no reporter is
@@ -83,6 +93,7 @@ int main(int argc, char **argv)
     // Only X11, in a Wayland session through XWayland, lets a window stay on top at its place.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
+    doWithoutMissingHome();
     doWithoutSilentSessionBus();
     leaveNoCoreFile();
 

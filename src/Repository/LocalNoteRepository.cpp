@@ -3,6 +3,7 @@
 
 #include "FileNames.h"
 #include "FileUrl.h"
+#include "HomeFolder.h"
 #include "LegacySnapshot.h"
 #include "MarkdownTransaction.h"
 #include "RepositoryError.h"
@@ -10,8 +11,6 @@
 #include "SnapshotReader.h"
 #include "SystemDisk.h"
 
-#include <QDir>
-#include <QFile>
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -35,17 +34,10 @@ constexpr auto settlingTime = std::chrono::ceil<std::chrono::milliseconds>(
 /// By the XDG rules a relative path is no path at all.
 std::optional<std::filesystem::path> absolutePathIn(const char *variable)
 {
-    // Qt's own answer is a text, which not every path is.
     const char *given = std::getenv(variable);
     if (!given || !std::filesystem::path(given).is_absolute())
         return std::nullopt;
     return given;
-}
-
-std::filesystem::path homeFolder()
-{
-    const auto home = absolutePathIn("HOME");
-    return home ? *home : std::filesystem::path(QFile::encodeName(QDir::homePath()).toStdString());
 }
 
 std::filesystem::path userDataFolder()

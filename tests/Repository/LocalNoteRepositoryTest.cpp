@@ -11,6 +11,8 @@
 #include <QTest>
 #include <QUrl>
 #include <limits>
+#include <pwd.h>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 namespace fs = std::filesystem;
@@ -114,6 +116,7 @@ class LocalNoteRepositoryTest : public QObject {
 private Q_SLOTS:
     void namesTheFolderOfTheNotesBeforeItExists();
     void livesInTheUsersDataFolder();
+    void findsTheHomeFolderWithoutTheEnvironment();
 
     void findsNothingAndMakesNothing();
     void makesTheFolderWithTheFirstSave();
@@ -181,6 +184,30 @@ void LocalNoteRepositoryTest::namesTheFolderOfTheNotesBeforeItExists()
     QVERIFY(folder.has_value());
     QCOMPARE(folder->toLocalFile(), QString::fromStdString(data.path("Markdown/Notes").native()));
     QVERIFY(!fs::exists(data.path()));
+}
+
+void LocalNoteRepositoryTest::findsTheHomeFolderWithoutTheEnvironment()
+{
+    const QByteArray given = qgetenv("XDG_DATA_HOME");
+    const QByteArray home = qgetenv("HOME");
+    const passwd *user = ::getpwuid(::getuid());
+    if (!user || !fs::path(user->pw_dir).is_absolute())
+        QSKIP("The user has no home folder.");
+    const fs::path expected = fs::path(user->pw_dir) / ".local/share/Penwick/notes.json";
+    qunsetenv("XDG_DATA_HOME");
+
+    qunsetenv("HOME");
+    const fs::path withoutHome = LocalNoteRepository::defaultFileURL();
+    qputenv("HOME", "");
+    const fs::path withEmptyHome = LocalNoteRepository::defaultFileURL();
+    qputenv("HOME", "relative");
+    const fs::path withRelativeHome = LocalNoteRepository::defaultFileURL();
+    qputenv("HOME", home);
+    qputenv("XDG_DATA_HOME", given);
+
+    QCOMPARE(withoutHome, expected);
+    QCOMPARE(withEmptyHome, expected);
+    QCOMPARE(withRelativeHome, expected);
 }
 
 void LocalNoteRepositoryTest::livesInTheUsersDataFolder()
