@@ -44,6 +44,7 @@ private Q_SLOTS:
     void readsNumbersWhateverTheLanguageWrites();
     void keepsAByteOrderMarkWithinAText();
     void followsAsManyValuesAsAPersonMeans();
+    void saysInShortWhereADeepMistakeIs();
     void refusesOtherVersions_data();
     void refusesOtherVersions();
     void namesTheVersionOfAnotherShape_data();
@@ -188,6 +189,25 @@ void LegacySnapshotTest::followsAsManyValuesAsAPersonMeans()
         thrown<JsonError>([&] { static_cast<void>(decodeLegacySnapshot(nested(500))); });
     QVERIFY(error.has_value());
     QCOMPARE(error->reason(), Reason::jsonTooDeep);
+}
+
+void LegacySnapshotTest::saysInShortWhereADeepMistakeIs()
+{
+    QByteArray json = "{\"version\": 2";
+    QByteArray end = "}";
+    for (int i = 0; i < 498; ++i) {
+        json += ", \"" + QByteArray(40, 'n') + "\": {\"a\": 1";
+        end += '}';
+    }
+
+    const auto error = thrown<JsonError>([&] {
+        static_cast<void>(decodeLegacySnapshot(json + ", \"place\": 1, \"place\": 2" + end));
+    });
+
+    QVERIFY(error.has_value());
+    QCOMPARE(error->reason(), Reason::jsonTwice);
+    QVERIFY(error->description().size() < 250);
+    QVERIFY(error->description().contains(u"nnn.place” comes twice."_s));
 }
 
 void LegacySnapshotTest::refusesOtherVersions_data()
