@@ -322,7 +322,7 @@ bool FolderTree::copyFree(const Directory &copy, const Directory &original, cons
     // Where there are no hard links, a symbolic link is another one in each folder.
     if (kind == FileKind::link && m_hasCopies)
         return true;
-    addFreeFile(name, made);
+    addFreeFile({name, made});
     return true;
 }
 
@@ -428,11 +428,10 @@ const FolderTree::FreeFile *FolderTree::freeFile(const char *name) const noexcep
     return found != m_freeFiles.end() && found->name == wanted ? &*found : nullptr;
 }
 
-void FolderTree::addFreeFile(const char *name, const FileStatus &status)
+void FolderTree::addFreeFile(FreeFile file)
 {
-    const std::string_view wanted(name);
-    const auto place = std::ranges::lower_bound(m_freeFiles, wanted, {}, &FreeFile::name);
-    m_freeFiles.insert(place, {std::string(wanted), status});
+    const auto place = std::ranges::lower_bound(m_freeFiles, file.name, {}, &FreeFile::name);
+    m_freeFiles.insert(place, std::move(file));
 }
 
 void FolderTree::drop(const Directory &copy, const char *name, FileKind kind)
@@ -571,6 +570,7 @@ bool FolderTree::removeFrom(Disk &disk, Disk::Handle original, Deadline deadline
             std::chrono::steady_clock::now() >= deadline)
             return false;
     }
+    m_removedCount = 0;
     return true;
 }
 

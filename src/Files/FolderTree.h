@@ -80,7 +80,8 @@ public:
                             bool isBeingRemoved) noexcept;
 
     /// Removes from the original what is remembered and still the same. Ends early at the deadline:
-    /// false then, and the next call goes on. To be called after settleRest().
+    /// false then, and the next call goes on; after true it begins anew. To be called after
+    /// settleRest().
     using Deadline = std::chrono::steady_clock::time_point;
     [[nodiscard]] bool removeFrom(Disk &disk, Disk::Handle original, Deadline deadline) noexcept;
 
@@ -143,7 +144,7 @@ private:
     void drop(const Directory &copy, const char *name, FileKind kind);
     [[nodiscard]] bool catchUpHere(const Directory &copy, const Directory &original);
     [[nodiscard]] const FreeFile *freeFile(const char *name) const noexcept;
-    void addFreeFile(const char *name, const FileStatus &status);
+    void addFreeFile(FreeFile file);
     [[nodiscard]] bool hasChanged(Disk &disk, Disk::Handle original) const noexcept;
     Result<bool> settle(const Settlement &how, Disk::Handle here, Disk::Handle there) noexcept;
     Result<bool> settleFolder(const Settlement &how, Disk::Handle here, Disk::Handle there,

@@ -28,6 +28,9 @@ OldFolder::Outcome OldFolder::remove(FolderTree::Deadline deadline) noexcept
     if (!unlink()) {
         if (hasSomethingElse())
             return keep();
+        // What went to the twin may have left in its place what that had.
+        static_cast<void>(
+            m_tree.removeFrom(m_folder.disk(), m_folder.handle(), FolderTree::Deadline::max()));
         static_cast<void>(unlink());
     }
     static_cast<void>(m_parent.sync());

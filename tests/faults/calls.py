@@ -13,8 +13,10 @@ HARMLESS = {("close", "EINTR")}
 # exchange of two folders, no flags of renames.
 POOR = [("no hard links", "inject=linkat:error=EPERM"),
         ("links across devices", "inject=linkat:error=EXDEV"),
+        ("links against a policy", "inject=linkat:error=EACCES"),
         ("no exchange", "inject=renameat2:error=EINVAL"),
-        ("no renameat2", "inject=renameat2:error=ENOSYS")]
+        ("no renameat2", "inject=renameat2:error=ENOSYS"),
+        ("renameat2 against a policy", "inject=renameat2:error=EPERM")]
 
 
 def every_call(faults, fault, names, every=1, lasting=False, always=(), only=None, without=()):

@@ -18,7 +18,7 @@ RECOVERY_SENTENCE = "A recovery copy needs attention."
 CALLS = ["openat", "read", "pread64", "write", "pwrite64", "close", "fstat", "newfstatat", "statx",
          "getdents64", "mkdir", "mkdirat", "linkat", "symlinkat", "readlinkat", "rename", "renameat",
          "renameat2", "unlinkat", "fsync", "fdatasync", "syncfs", "fchmod", "fchown", "ftruncate",
-         "lseek", "utimensat", "flistxattr", "fgetxattr", "fsetxattr"]
+         "lseek", "utimensat", "flistxattr", "fgetxattr", "fsetxattr", "flock"]
 
 Result = collections.namedtuple("Result", "status text")
 

@@ -52,8 +52,8 @@ DiskWatcher::Fate StopWatcher::before(MemoryDisk & /*disk*/, const DiskCall &cal
     case StopKind::shortTransfer:
         return met(Fate::Kind::isShort, call);
     case StopKind::otherProgram:
-        if (isFirst)
-            m_hasMet = m_act();
+        if (isFirst || (m_plan.every != 0 && (number - m_plan.call) % m_plan.every == 0))
+            m_hasMet |= m_act();
         break;
     }
     return {};

@@ -30,6 +30,9 @@ struct StopPlan {
     std::uint32_t call = 0;
     int error = 0;
 
+    /// After how many calls another program acts again; 0 when it does not.
+    std::uint32_t every = 0;
+
     /// Only calls of this kind count.
     std::optional<DiskCall::Kind> only;
 };

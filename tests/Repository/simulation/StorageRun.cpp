@@ -441,6 +441,11 @@ StorageRun::Edit StorageRun::randomEdit()
         if (std::optional<Edit> edit = editOfNotes())
             return *edit;
     }
+    return foreignEdit();
+}
+
+StorageRun::Edit StorageRun::foreignEdit()
+{
     Edit edit;
     edit.isForeign = true;
     edit.bytes = text().toStdString();

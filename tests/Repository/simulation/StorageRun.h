@@ -103,6 +103,7 @@ private:
     [[nodiscard]] StopPlan plan(Operation operation);
     [[nodiscard]] Expectation expectation(const std::vector<StoredState> &allowed) const;
     [[nodiscard]] Edit randomEdit();
+    [[nodiscard]] Edit foreignEdit();
     [[nodiscard]] std::optional<Edit> editOfNotes();
     [[nodiscard]] bool isStale() const;
     [[nodiscard]] bool apply(const Edit &edit);

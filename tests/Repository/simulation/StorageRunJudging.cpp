@@ -121,7 +121,18 @@ StorageRun::Outcome StorageRun::perform(Operation operation, const StoredState &
     m_namesBefore = namesOf(SimulatedFolder::names(m_disk, SimulatedFolder::stagePrefix));
     lookAtFiles();
 
-    m_watcher.begin(m_plan, [this] { return apply(*m_edit); });
+    // A busy program does more than one thing with its own files.
+    if (m_edit && m_edit->isForeign && m_dice.hasChance(50))
+        m_plan.every = 1 + m_dice.below(12);
+    constexpr int mostEdits = 6;
+    m_watcher.begin(m_plan, [this, edits = 0]() mutable {
+        if (edits != 0) {
+            // Of what is written twice at the same moment nobody can tell which is which.
+            m_disk.letTimePass(MemoryDisk::tick);
+            m_edit = foreignEdit();
+        }
+        return ++edits <= mostEdits && apply(*m_edit);
+    });
     m_disk.setCallCount(0);
     m_disk.setWatcher(&m_watcher);
     const Outcome outcome = attempt(action);
@@ -328,6 +339,9 @@ void StorageRun::judgeEdit(const Subject &subject, const Outcome &outcome)
                            outcome.reason == Reason::recoveryRequired;
     if (!isRefusal)
         throw BrokenPromise{"It failed for no reason: " + outcome.error};
+    if (edit.isForeign && !outcome.isDone && !wasStale)
+        throw BrokenPromise{"It failed because of a file that is none of the notes: " +
+                            outcome.error};
 
     Expectation expected = expectation({before, after, m_state, subject.after});
     if (isSave(operation)) {
