@@ -102,7 +102,7 @@ NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QO
     m_captureId = m_repository->captureId().value_or(m_captureId);
     if (const std::optional<Message> leftAlone = m_repository->leftAlone(); leftAlone && !failure) {
         setErrorContext(u"What was typed last could not be read. It was left as it is."_s);
-        setFailure(*leftAlone, std::nullopt);
+        setFailure(*leftAlone, std::nullopt, std::nullopt);
     }
     if (!failure && m_repository->hasRestored())
         scheduleSave();
