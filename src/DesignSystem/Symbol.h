@@ -3,6 +3,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QRectF>
 #include <QSize>
 #include <QString>
 
