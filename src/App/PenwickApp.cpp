@@ -57,6 +57,7 @@ PenwickApp::PenwickApp(int &argc, char **argv)
 
     connect(&m_quitSignals, &QuitSignals::quitRequested, this, &PenwickApp::end);
     connect(&m_instance, &SingleInstance::activated, this, &PenwickApp::reopen);
+    connect(&m_instance, &SingleInstance::newNoteRequested, this, &PenwickApp::showEditor);
     connect(&m_delegate, &AppDelegate::quitRequested, this, &PenwickApp::quit);
     // Direct: the session waits for this to return, and may yet go on afterwards.
     connect(m_application.get(), &QGuiApplication::commitDataRequest, this,
@@ -101,7 +102,13 @@ bool PenwickApp::eventFilter(QObject *receiver, QEvent *event)
 void PenwickApp::reopen()
 {
     if (!std::exchange(m_isStartedByBus, false))
-        m_delegate.applicationShouldHandleReopen(true);
+        showEditor();
+}
+
+void PenwickApp::showEditor()
+{
+    m_isStartedByBus = false;
+    m_delegate.applicationShouldHandleReopen(true);
 }
 
 void PenwickApp::commitSession(QSessionManager &session)

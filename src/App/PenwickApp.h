@@ -28,6 +28,7 @@ public:
 
 private:
     void reopen();
+    void showEditor();
     void commitSession(QSessionManager &session);
     void quit();
     void end();

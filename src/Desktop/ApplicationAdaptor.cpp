@@ -3,6 +3,8 @@
 
 #include "SingleInstance.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 ApplicationAdaptor::ApplicationAdaptor(SingleInstance &instance)
     : QDBusAbstractAdaptor(&instance)
     , m_instance(instance)
@@ -19,9 +21,11 @@ void ApplicationAdaptor::Open(const QStringList & /*files*/, const QVariantMap &
     Q_EMIT m_instance.activated();
 }
 
-void ApplicationAdaptor::ActivateAction(const QString & /*action*/,
-                                        const QVariantList & /*parameters*/,
+void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantList & /*parameters*/,
                                         const QVariantMap & /*startupData*/)
 {
-    Q_EMIT m_instance.activated();
+    if (action == "new-note"_L1)
+        Q_EMIT m_instance.newNoteRequested();
+    else
+        Q_EMIT m_instance.activated();
 }

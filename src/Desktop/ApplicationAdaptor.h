@@ -9,8 +9,8 @@
 class SingleInstance;
 
 /// org.freedesktop.Application as the Desktop Entry Specification gives it: how a desktop starts a
-/// program through the bus. There is no document to open and no action but to be shown, so all
-/// three calls ask for the same. Internal to Desktop.
+/// program through the bus. There is no document to open, so that two of the calls ask for the
+/// same; the one action is that of the desktop entry, "new-note". Internal to Desktop.
 class ApplicationAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")

@@ -31,8 +31,11 @@ public:
     [[nodiscard]] Claim claim();
 
 Q_SIGNALS:
-    /// A second start, or the desktop, asks for the editor.
+    /// A second start, or the desktop, asks for the program.
     void activated();
+
+    /// The desktop's menu asks for a new note, even if it had to start the program for it.
+    void newNoteRequested();
 
 private:
     const QVariantMap m_startupData;

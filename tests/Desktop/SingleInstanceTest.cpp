@@ -95,26 +95,33 @@ void SingleInstanceTest::ownsTheNameWhenItIsTheOnlyOne()
 void SingleInstanceTest::isActivatedByEveryCallOfTheInterface_data()
 {
     QTest::addColumn<QDBusMessage>("message");
+    QTest::addColumn<bool>("asksForANewNote");
 
-    QTest::newRow("Activate") << (call(u"Activate"_s) << QVariantMap());
-    QTest::newRow("Open") << (call(u"Open"_s) << QStringList{u"file:///tmp"_s} << QVariantMap());
-    QTest::newRow("ActivateAction")
-        << (call(u"ActivateAction"_s) << u"new-note"_s << QVariantList() << QVariantMap());
+    QTest::newRow("Activate") << (call(u"Activate"_s) << QVariantMap()) << false;
+    QTest::newRow("Open") << (call(u"Open"_s) << QStringList{u"file:///tmp"_s} << QVariantMap())
+                          << false;
+    QTest::newRow("new note") << (call(u"ActivateAction"_s)
+                                  << u"new-note"_s << QVariantList() << QVariantMap())
+                              << true;
+    QTest::newRow("unknown action")
+        << (call(u"ActivateAction"_s) << u"dance"_s << QVariantList() << QVariantMap()) << false;
 }
 
 void SingleInstanceTest::isActivatedByEveryCallOfTheInterface()
 {
     QFETCH(const QDBusMessage, message);
+    QFETCH(const bool, asksForANewNote);
     SingleInstance instance;
     QCOMPARE(instance.claim(), Claim::granted);
     QSignalSpy activated(&instance, &SingleInstance::activated);
+    QSignalSpy newNoteRequested(&instance, &SingleInstance::newNoteRequested);
     const QDBusConnection desktop = m_bus.connectAs(u"desktop"_s);
 
     const QDBusPendingCall answer = desktop.asyncCall(message);
 
-    QVERIFY(activated.wait());
-    QCOMPARE(activated.count(), 1);
     QTRY_VERIFY(answer.isFinished());
+    QCOMPARE(newNoteRequested.count(), asksForANewNote ? 1 : 0);
+    QCOMPARE(activated.count(), asksForANewNote ? 0 : 1);
     QVERIFY2(!answer.isError(), qUtf8Printable(answer.error().message()));
     QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
 }

@@ -5,6 +5,7 @@ import os
 import subprocess
 
 from harness import DesktopTest, main, processes, until
+from harness.activation import choose_action, choose_entry
 from harness.translations import chinese
 from harness.waiting import holds_for
 
@@ -120,6 +121,26 @@ class Starting(DesktopTest):
         third = self.start()
         self.assertEqual(third.wait_until_ended(), 0)
         self.assertEqual(first.element("text", "Note text").text(), "one program")
+
+    def test_the_bus_starts_it_with_the_bubble(self):
+        quillmark = self.start("--started-by-bus")
+        quillmark.launcher()
+
+        choose_entry(self.desktop)
+
+        holds_for(0.5, quillmark.shows_launcher, "the bubble stays")
+        choose_entry(self.desktop)
+        quillmark.editor()
+
+    def test_the_bus_starts_it_with_the_editor_for_a_new_note(self):
+        quillmark = self.start("--started-by-bus")
+        quillmark.launcher()
+
+        choose_action(self.desktop, "new-note")
+
+        quillmark.editor()
+        self.keyboard.type("from the menu")
+        until(lambda: self.data.draft() == "from the menu", "it gets the keys")
 
     def test_a_failed_write_at_the_end_asks_first(self):
         quillmark = self.start("--show-editor")
