@@ -66,7 +66,7 @@ void TimestampTest::agreesWithTheCalendarOfQt()
         const Timestamp timestamp{static_cast<double>(milliseconds) / 1000.0 -
                                   secondsFrom1970To2001};
 
-        const QDateTime dateTime = QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
+        const QDateTime dateTime = QDateTime::fromMSecsSinceEpoch(milliseconds).toUTC();
 
         QCOMPARE(timestamp.toIso8601(), dateTime.toString(Qt::ISODateWithMs));
         QCOMPARE(std::round(timestamp.millisecondsSince1970()), static_cast<double>(milliseconds));
