@@ -170,8 +170,8 @@ class Bubble(DesktopTest):
         until(lambda: self.windows.find(self.other.id).rectangle() == whole, "it fills the screen")
         until(lambda: self.windows.top_at(launcher.centre()) == launcher, "the bubble is on top")
         editor = quillmark.open_editor()
-        above = self.windows.top_at(editor.centre())
-        self.assertTrue(self.windows.contains(above, editor), f"{above} is above the editor")
+        until(lambda: self.windows.contains(self.windows.top_at(editor.centre()), editor),
+              "the editor is above it")
         self.keyboard.type("over all")
         self.keyboard.press("ctrl+Return")
         quillmark.launcher()
