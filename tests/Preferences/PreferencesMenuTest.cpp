@@ -227,7 +227,7 @@ void PreferencesMenuTest::opensByMouseAndKeyboard()
     Fixture fixture;
     fixture.button.show();
     bool wasOpen = false;
-    // Before Qt 6.8 the menu runs an event loop of its own until it is closed.
+    // In Qt 6.4 the menu runs an event loop of its own until it is closed, in 6.8 it does not.
     connect(fixture.button.menu(), &QMenu::aboutToShow, this, [&] {
         QTimer::singleShot(0, fixture.button.menu(), [&] {
             wasOpen = fixture.button.menu()->isVisible();
