@@ -40,7 +40,7 @@ class Clipboard(DesktopTest):
                 ({"text/html": f"<p>{letters}</p><p>two</p>".encode()}, letters + "\ntwo"),
                 ({"text/html": f"<b>{letters}</b>".encode("utf-16")}, letters),
                 ({"text/html": b"<b>bold</b>", "UTF8_STRING": b"plain"}, "plain"),
-                ({"text/uri-list": b"file:///tmp/one%20two\r\n"}, "file:///tmp/one two"),
+                ({"text/uri-list": b"file:///notes/one%20two\r\n"}, "file:///notes/one two"),
                 ({"image/png": b"no text"}, "")]:
             with self.subTest(offers=offers):
                 owner = self.offer(offers)
