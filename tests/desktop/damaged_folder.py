@@ -3,6 +3,7 @@
 
 import os
 import socket
+import stat
 
 from harness import DesktopTest, main, until
 from harness.file_browser import FileBrowser
@@ -26,6 +27,14 @@ class DamagedFolder(DesktopTest):
         super().setUp()
         self.data.create()
         self.data.add_note("a good note", number=1)
+
+    def is_settled(self):
+        """Whether a save has left nothing to be removed, and nothing open to others."""
+        folders = [self.data.markdown, self.data.notes, self.data.drafts]
+        return ([path.name for path in self.data.path.iterdir()] == ["Markdown"]
+                and {path.name for path in self.data.markdown.iterdir()}
+                == {".format", self.data.notes.name, self.data.drafts.name}
+                and all(stat.S_IMODE(folder.stat().st_mode) == 0o700 for folder in folders))
 
     def expect_protected(self, message=None):
         """Starts, tries to write in every way, ends, and compares the folder."""
@@ -170,8 +179,7 @@ class DamagedFolder(DesktopTest):
         quillmark.open_editor()
         self.keyboard.type("mine")
         until(lambda: self.data.draft() == "mine", "the draft is on the disk")
-        until(lambda: [path.name for path in self.data.path.iterdir()] == ["Markdown"],
-              "the save has cleaned up")
+        until(self.is_settled, "the save has cleaned up")
         self.data.add_note("theirs", number=2)
         before = self.data.state()
 
