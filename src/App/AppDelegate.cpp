@@ -19,6 +19,8 @@
 #include <QPalette>
 #include <QSettings>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 /// Null when another program has the notes for itself.
