@@ -264,6 +264,14 @@ with a quick note.</translation>
         <source>OK</source>
         <translation>OK</translation>
     </message>
+    <message>
+        <source>What was typed could not be saved, and is kept in “%@” for the next start.</source>
+        <translation>What was typed could not be saved, and is kept in “%@” for the next start.</translation>
+    </message>
+    <message>
+        <source>What was typed could not be saved.</source>
+        <translation>What was typed could not be saved.</translation>
+    </message>
     <!-- Quitting -->
     <message>
         <source>Some changes could not be saved</source>
@@ -289,10 +297,6 @@ with a quick note.</translation>
     <message>
         <source>Another program has taken Quillmark’s name on the session bus. End that program, then start Quillmark again.</source>
         <translation>Another program has taken Quillmark’s name on the session bus. End that program, then start Quillmark again.</translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <translation>OK</translation>
     </message>
     <!-- Why the notes folder was refused -->
     <message>

@@ -264,6 +264,14 @@ with a quick note.</source>
         <source>OK</source>
         <translation>好</translation>
     </message>
+    <message>
+        <source>What was typed could not be saved, and is kept in “%@” for the next start.</source>
+        <translation>输入的内容未能保存，已保留在“%@”中，供下次启动时恢复。</translation>
+    </message>
+    <message>
+        <source>What was typed could not be saved.</source>
+        <translation>输入的内容未能保存。</translation>
+    </message>
     <!-- Quitting -->
     <message>
         <source>Some changes could not be saved</source>
@@ -289,10 +297,6 @@ with a quick note.</source>
     <message>
         <source>Another program has taken Quillmark’s name on the session bus. End that program, then start Quillmark again.</source>
         <translation>另一个程序占用了 Quillmark 在会话总线上的名称。请结束该程序，然后重新启动 Quillmark。</translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <translation>好</translation>
     </message>
     <!-- Why the notes folder was refused -->
     <message>

@@ -99,13 +99,14 @@ bool AppDelegate::applicationWillTerminate()
 
 QString AppDelegate::keepForNextStart()
 {
-    const QString reason = m_store->errorMessage().value_or(QString());
+    const std::optional<Message> reason = m_store->failure();
     const std::optional<std::filesystem::path> path = m_store->keepForNextStart();
-    if (!path)
-        return u"What was typed could not be saved. "_s + reason;
-    return u"What was typed could not be saved, and is kept in “%1” for the next start. "_s.arg(
-               QFile::decodeName(path->c_str())) +
-           reason;
+    const Message told =
+        path
+            ? Message{u"What was typed could not be saved, and is kept in “%@” for the next start."_s,
+                      {QFile::decodeName(path->c_str())}}
+            : Message{u"What was typed could not be saved."_s, {}};
+    return m_preferences->text(told) + u' ' + (reason ? m_preferences->text(*reason) : QString());
 }
 
 bool AppDelegate::writeNow()

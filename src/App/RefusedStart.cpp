@@ -26,7 +26,8 @@ RefusedStart::RefusedStart(const Message &reason, const AppPreferences *preferen
 
 void RefusedStart::tell(const Message &reason, const AppPreferences *preferences)
 {
-    std::fprintf(stderr, "%s\n", qUtf8Printable(reason.english()));
+    const QString told = preferences ? preferences->text(reason) : reason.english();
+    std::fprintf(stderr, "%s\n", told.toLocal8Bit().constData());
     if (isRead(STDERR_FILENO))
         return;
     RefusedStart alert(reason, preferences);

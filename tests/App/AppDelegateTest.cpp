@@ -90,6 +90,7 @@ void AppDelegateTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     qputenv("XDG_DATA_HOME", m_dir->filePath(u"data"_s).toUtf8());
+    qputenv("XDG_STATE_HOME", m_dir->filePath(u"state"_s).toUtf8());
     qputenv("XDG_CONFIG_HOME", m_dir->filePath(u"config"_s).toUtf8());
     m_questions = 0;
     m_whileAsked = [] {};
@@ -342,7 +343,10 @@ void AppDelegateTest::quitsWithoutTheWriteWhenTheUserInsists()
     QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
 
     QCOMPARE(m_questions, 1);
-    QCOMPARE(storedNotes().captureDraft, QString());
+    // Nothing is saved that was not, and what was kept stays.
+    LocalNoteRepository next;
+    QCOMPARE(next.load().captureDraft, u"given up"_s);
+    QVERIFY(next.hasRestored());
     QVERIFY(m_delegate->store()->flush());
     QCOMPARE(storedNotes().captureDraft, u"given up"_s);
 }

@@ -266,11 +266,11 @@ void TypingJournalTest::isToldFromWhatWasSavedBeforeTheEnd()
     QFETCH(const NoteSnapshot, next);
     // As a program that is killed after its save and before it removes the file.
     StubbornDisk disk;
-    LocalNoteRepository killed(m_data->fileURL(), disk, m_data->journalFolders());
-    static_cast<void>(killed.load());
-
-    killed.save(next);
-
+    {
+        LocalNoteRepository killed(m_data->fileURL(), disk, m_data->journalFolders());
+        static_cast<void>(killed.load());
+        killed.save(next);
+    }
     QCOMPARE(journalPaths().size(), 1);
     QCOMPARE(loaded(), next);
     // And it goes once it can.
@@ -438,20 +438,21 @@ void TypingJournalTest::isTakenFromTheFolderThatWasWrittenLast()
     m_data.emplace();
     const LocalNoteRepository::Folders folders{m_data->path("journal"), m_data->path("second")};
     StubbornDisk disk;
-    LocalNoteRepository killed(m_data->fileURL(), disk, folders);
-    killed.save(saved());
-    killed.keepTyped(saved(), captureId);
+    auto killed = std::make_unique<LocalNoteRepository>(m_data->fileURL(), disk, folders);
+    killed->save(saved());
+    killed->keepTyped(saved(), captureId);
     NoteSnapshot snapshot = saved();
     snapshot.captureDraft = u"first"_s;
-    killed.keepTyped(snapshot, captureId);
+    killed->keepTyped(snapshot, captureId);
 
     // The first folder takes no more, nor lets go of what it has.
     std::filesystem::rename(m_data->path("journal"), m_data->path("journal, kept"));
     std::filesystem::create_symlink("nowhere", m_data->path("journal"));
     snapshot.captureDraft = u"second"_s;
-    killed.keepTyped(snapshot, captureId);
+    killed->keepTyped(snapshot, captureId);
     std::filesystem::remove(m_data->path("journal"));
     std::filesystem::rename(m_data->path("journal, kept"), m_data->path("journal"));
+    killed.reset();
 
     LocalNoteRepository next(m_data->fileURL(), folders);
     QCOMPARE(next.load(), snapshot);

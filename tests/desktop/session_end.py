@@ -78,7 +78,8 @@ class SessionEnd(DesktopTest):
         self.assertFalse(self.session.was_cancelled)
         self.session.end()
         self.session.work()
-        self.assertEqual(quillmark.wait_until_ended(), 0)
+        self.assertEqual(quillmark.wait_until_ended(), 1)
+        self.assertIn("What was typed could not be saved, and is kept in", quillmark.output())
         self.assertEqual(self.data.draft(), "one")
 
 

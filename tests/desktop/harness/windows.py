@@ -43,6 +43,11 @@ class Window:
         return {name: value.decode(errors="replace") if isinstance(value, bytes) else str(value)
                 for name, value in values.items()}
 
+    def disconnect(self):
+        """Has the X server end the connection of the window's program."""
+        self._window.kill_client()
+        self._display.sync()
+
     def title(self):
         value = self.property("_NET_WM_NAME") or self.property("WM_NAME") or b""
         return value.decode() if isinstance(value, bytes) else str(value)
