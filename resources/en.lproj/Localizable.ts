@@ -269,6 +269,10 @@ with a quick note.</translation>
         <translation>What was typed could not be saved, and is kept in “%@” for the next start.</translation>
     </message>
     <message>
+        <source>Not inserted: a note has room for %@ characters and %@ lines.</source>
+        <translation>Not inserted: a note has room for %@ characters and %@ lines.</translation>
+    </message>
+    <message>
         <source>What was typed could not be saved.</source>
         <translation>What was typed could not be saved.</translation>
     </message>

@@ -269,6 +269,10 @@ with a quick note.</source>
         <translation>输入的内容未能保存，已保留在“%@”中，供下次启动时恢复。</translation>
     </message>
     <message>
+        <source>Not inserted: a note has room for %@ characters and %@ lines.</source>
+        <translation>未插入：一条笔记最多容纳 %@ 个字符、%@ 行。</translation>
+    </message>
+    <message>
         <source>What was typed could not be saved.</source>
         <translation>输入的内容未能保存。</translation>
     </message>

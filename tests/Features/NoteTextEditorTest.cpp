@@ -11,6 +11,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QMimeData>
 #include <QPointer>
@@ -38,6 +39,10 @@ private Q_SLOTS:
     void forgetsUndoStepsOfAnEarlierText();
     void undoesAndRedoesWhatWasTyped();
     void pastesPlainTextOnly();
+    void insertsNothingThatHasNoRoom_data();
+    void insertsNothingThatHasNoRoom();
+    void takesInNoHalfCharacter_data();
+    void takesInNoHalfCharacter();
     void copiesPlainTextAsItIs();
     void startsANewLineWithShiftReturn();
     void keepsTheLineDistanceInEveryBlock();
@@ -273,6 +278,68 @@ void NoteTextEditorTest::pastesPlainTextOnly()
             QVERIFY(!range.format.fontItalic());
         }
     }
+}
+
+void NoteTextEditorTest::insertsNothingThatHasNoRoom_data()
+{
+    QTest::addColumn<QString>("pasted");
+
+    QTest::newRow("a character too many") << QString(NoteTextEditor::mostCharacters - 4, u'x');
+    QTest::newRow("a line too many") << QString(NoteTextEditor::mostLines, u'\n');
+}
+
+void NoteTextEditorTest::insertsNothingThatHasNoRoom()
+{
+    QFETCH(const QString, pasted);
+    Fixture fixture;
+    fixture.editor.setNoteText(u"kept"_s);
+    const auto *refusal = fixture.editor.findChild<QLabel *>(u"pasteRefusal"_s);
+    QVERIFY(refusal->isHidden());
+
+    QGuiApplication::clipboard()->setText(pasted);
+    fixture.editor.paste();
+
+    QTRY_VERIFY(!refusal->isHidden());
+    QCOMPARE(fixture.editor.noteText(), u"kept"_s);
+    QCOMPARE(refusal->text(),
+             u"Not inserted: a note has room for 8,000,000 characters and 250,000 lines."_s);
+    QCOMPARE(refusal->geometry().bottom(), fixture.editor.height() - 1);
+    QVERIFY(fixture.editor.viewport()->geometry().bottom() < refusal->geometry().top());
+
+    // It is over with the next edit.
+    QTest::keyClicks(&fixture.editor, u"!"_s);
+    QVERIFY(refusal->isHidden());
+    QCOMPARE(fixture.editor.viewport()->height(), fixture.editor.height());
+    QCOMPARE(fixture.editor.noteText(), u"kept!"_s);
+}
+
+void NoteTextEditorTest::takesInNoHalfCharacter_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<QString>("left");
+
+    QTest::newRow("the first half is taken away") << 1 << u"a\uFFFDb"_s;
+    QTest::newRow("the second half is taken away") << 2 << u"a\uFFFDb"_s;
+}
+
+/// As assistive tools do, which count in units of UTF-16.
+void NoteTextEditorTest::takesInNoHalfCharacter()
+{
+    QFETCH(const int, from);
+    QFETCH(const QString, left);
+    Fixture fixture;
+    fixture.editor.setNoteText(u"a\U0001FAB6b"_s);
+    QTextCursor cursor(fixture.editor.document());
+    cursor.setPosition(from);
+    cursor.setPosition(from + 1, QTextCursor::KeepAnchor);
+
+    cursor.removeSelectedText();
+
+    QCOMPARE(fixture.editor.noteText(), left);
+    QCOMPARE(fixture.edited.count(), 1);
+    QCOMPARE(fixture.edited.first().first().toString(), left);
+    fixture.editor.undo();
+    QCOMPARE(fixture.editor.noteText(), u"a\U0001FAB6b"_s);
 }
 
 void NoteTextEditorTest::copiesPlainTextAsItIs()

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "NoteTextEditor.h"
 
+#include "AccessibleRole.h"
 #include "AppPreferences.h"
 #include "ClipboardReader.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "SlimScrollBar.h"
+#include "TextLabel.h"
 #include "TextStyle.h"
 #include "ThemedMenu.h"
 #include "UserText.h"
+#include "WellFormed.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QAccessible>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -116,6 +121,7 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     : QTextEdit(parent)
     , m_preferences(preferences)
     , m_placeholderKey(placeholder)
+    , m_refusal(named(u"pasteRefusal"_s, new TextLabel(TextStyles::banner, this)))
     , m_clipboard(new ClipboardReader(this))
     , m_lineEnd(u"\n"_s)
 {
@@ -133,6 +139,10 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     setFont(TextStyles::editor.font(m_preferences.locale()));
     replaceText(*document(), {});
 
+    m_refusal->setWraps(true);
+    setAccessibleRole(m_refusal, QAccessible::AlertMessage);
+    m_refusal->hide();
+
     connect(this, &QTextEdit::textChanged, this, &NoteTextEditor::announceEdit);
     connect(m_clipboard, &ClipboardReader::arrived, this, &NoteTextEditor::insertPasted);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteTextEditor::translate);
@@ -144,6 +154,7 @@ void NoteTextEditor::setNoteText(const QString &text)
     if (text == m_text)
         return;
     m_clipboard->cancel();
+    hideRefusal();
     const QSignalBlocker notTheUser(this);
     setWordWrapMode(hasEndlessWord(text) ? QTextOption::WrapAnywhere
                                          : QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -186,11 +197,76 @@ QString NoteTextEditor::readDocument() const
 void NoteTextEditor::announceEdit()
 {
     QString text = readDocument();
-    if (text == m_readText)
+    // The replacement is an edit that is announced itself.
+    if (text == m_readText || (!text.isValidUtf16() && replaceHalfCharacters()))
         return;
+    hideRefusal();
     m_readText = text;
     m_text = text;
     Q_EMIT textEdited(text);
+}
+
+/// Other programs cut texts in the middle of a character; no file could hold such a half.
+bool NoteTextEditor::replaceHalfCharacters()
+{
+    const QString before = document()->toRawText();
+    const QString after = wellFormed(before);
+    QTextCursor cursor(document());
+    cursor.joinPreviousEditBlock();
+    bool isReplaced = false;
+    for (qsizetype at = before.size() - 1; at >= 0; --at) {
+        if (before[at] == after[at])
+            continue;
+        cursor.setPosition(static_cast<int>(at));
+        cursor.setPosition(static_cast<int>(at + 1), QTextCursor::KeepAnchor);
+        cursor.insertText(after.mid(at, 1));
+        isReplaced = true;
+    }
+    cursor.endEditBlock();
+    return isReplaced;
+}
+
+bool NoteTextEditor::hasRoomFor(QStringView text) const
+{
+    const qsizetype lines = text.count(u'\n') + text.count(QChar::ParagraphSeparator);
+    return document()->characterCount() + text.size() <= mostCharacters &&
+           document()->blockCount() + lines <= mostLines;
+}
+
+void NoteTextEditor::showRefusal()
+{
+    const QLocale locale = m_preferences.locale();
+    const QString sentence =
+        m_preferences.format(u"Not inserted: a note has room for %@ characters and %@ lines."_s,
+                             {locale.toString(mostCharacters), locale.toString(mostLines)});
+    m_refusal->setText(sentence);
+    m_refusal->setAccessibleName(sentence);
+    m_refusal->show();
+    placeRefusal();
+    QAccessibleEvent announcement(m_refusal, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}
+
+void NoteTextEditor::hideRefusal()
+{
+    if (m_refusal->isHidden())
+        return;
+    m_refusal->hide();
+    setViewportMargins({});
+}
+
+void NoteTextEditor::placeRefusal()
+{
+    const int height = m_refusal->heightForWidth(width());
+    setViewportMargins(0, 0, 0, height);
+    m_refusal->setGeometry(0, this->height() - height, width(), height);
+}
+
+void NoteTextEditor::resizeEvent(QResizeEvent *event)
+{
+    QTextEdit::resizeEvent(event);
+    if (!m_refusal->isHidden() && m_refusal->geometry().bottom() != height() - 1)
+        placeRefusal();
 }
 
 bool NoteTextEditor::event(QEvent *event)
@@ -363,6 +439,10 @@ bool NoteTextEditor::canInsertFromMimeData(const QMimeData *source) const
 void NoteTextEditor::insertFromMimeData(const QMimeData *source)
 {
     const QString text = plainText(*source);
+    if (!hasRoomFor(text)) {
+        showRefusal();
+        return;
+    }
     if (hasEndlessWord(text))
         setWordWrapMode(QTextOption::WrapAnywhere);
     textCursor().insertText(text);

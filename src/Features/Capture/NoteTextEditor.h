@@ -8,6 +8,7 @@
 
 class AppPreferences;
 class ClipboardReader;
+class TextLabel;
 
 /// The text area of the capture and the edit screen: plain text, 15 points, 7 points between
 /// lines, a placeholder while empty. Takes the keyboard when it is first shown.
@@ -21,6 +22,11 @@ class NoteTextEditor final : public QTextEdit {
     Q_OBJECT
 
 public:
+    /// What would make the text larger than this is not inserted, and a line below the text says so
+    /// until the next edit: no window could lay it out without standing still.
+    static constexpr qsizetype mostCharacters = 8'000'000;
+    static constexpr qsizetype mostLines = 250'000;
+
     /// The placeholder is a text of the program, before translation.
     NoteTextEditor(const AppPreferences &preferences, const QString &placeholder,
                    QWidget *parent = nullptr);
@@ -61,6 +67,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
     [[nodiscard]] bool canInsertFromMimeData(const QMimeData *source) const override;
     void insertFromMimeData(const QMimeData *source) override;
@@ -69,6 +76,11 @@ private:
     [[nodiscard]] QString readDocument() const;
     [[nodiscard]] bool showsPlaceholder() const;
     void announceEdit();
+    [[nodiscard]] bool replaceHalfCharacters();
+    [[nodiscard]] bool hasRoomFor(QStringView text) const;
+    void showRefusal();
+    void hideRefusal();
+    void placeRefusal();
     void pasteFrom(QClipboard::Mode mode);
     void insertPasted(const QMimeData &pasted);
     void paintPlaceholder();
@@ -76,6 +88,7 @@ private:
 
     const AppPreferences &m_preferences;
     const QString m_placeholderKey;
+    TextLabel *const m_refusal;
     QTextDocument m_placeholder;
     bool m_wasShown = false;
     QString m_preedit;
