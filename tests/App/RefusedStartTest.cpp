@@ -68,7 +68,9 @@ void RefusedStartTest::knowsWhereSomebodyReads()
     std::array<int, 2> pipe{};
     QCOMPARE(::pipe(pipe.data()), 0);
 
-    QVERIFY(RefusedStart::isRead(terminal));
+    // Not every machine that builds has terminals.
+    if (terminal >= 0)
+        QVERIFY(RefusedStart::isRead(terminal));
     QVERIFY(RefusedStart::isRead(pipe[1]));
     QVERIFY(!RefusedStart::isRead(file));
     QVERIFY(!RefusedStart::isRead(-1));

@@ -9,6 +9,8 @@ import gi
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
+from .waiting import until  # noqa: E402
+
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
 _ACTION = "org.a11y.atspi.Action"
 _COMPONENT = "org.a11y.atspi.Component"
@@ -184,6 +186,9 @@ class Element:
         for action in ("Press", "Toggle", "ShowMenu"):
             if action in offered:
                 self.perform(action, is_awaited)
+                # The toolkit shows the button pressed for a moment before it counts.
+                if is_awaited:
+                    until(lambda: not self.has("pressed"), f"{self} is pressed")
                 return
         raise AssertionError(f"{self} cannot be pressed, it offers {offered}")
 
