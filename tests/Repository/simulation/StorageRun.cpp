@@ -193,6 +193,8 @@ void StorageRun::start()
     m_captureId = m_repository->captureId().value_or(numberedId(++m_noteCount));
     m_known = m_state.saved;
     m_hasFolder = m_disk.statusAt(SimulatedFolder::markdown).has_value();
+    // What is saved by now is kept no longer.
+    m_state.kept.clear();
     if (m_repository->hasRestored())
         keepScreen();
 }
@@ -397,6 +399,8 @@ void StorageRun::restart()
     if (isOld && !isOfOther)
         throw BrokenPromise{"What was loaded is not what is on the disk:\n" + describe(*loaded) +
                             "  instead of\n" + describe(m_state.shown())};
+    // What is saved by now is kept no longer.
+    m_state.kept.clear();
     if (m_repository->hasRestored())
         keepScreen();
 }
