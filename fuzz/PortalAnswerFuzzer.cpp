@@ -45,7 +45,7 @@ constexpr char basicTypes[] = {'y', 'b', 'n', 'q', 'i', 'u', 'x', 't', 'd', 's',
 
 constexpr int deepest = 5;
 constexpr int mostMembers = 3;
-/// What the specification allows to a signature.
+/// What D-Bus allows to a signature.
 constexpr size_t longestType = 255;
 
 void check(bool holds)
