@@ -157,7 +157,9 @@ void LocalNoteRepository::save(const NoteSnapshot &snapshot)
 
 void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot, const QUuid &captureId)
 {
-    static_cast<void>(openClaimed());
+    // It is kept whatever becomes of the data folder, but not in the file of a program that has it.
+    if (!claim())
+        throw FileError(dataURL(), Reason::inUse);
     m_typed.keep(snapshot, m_saved, captureId);
 }
 

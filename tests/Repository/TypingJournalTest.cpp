@@ -8,6 +8,7 @@
 #include "Sha256.h"
 
 #include <QTest>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -89,6 +90,8 @@ private Q_SLOTS:
     void isToldFromTheSameTextOfAnotherProgram();
     void goesIntoTheCaptureDraftWhenItsNoteIsGone();
     void outlivesTheWholeFolderOfNotes();
+    void isKeptWhereTheDataFolderCannotBeReached_data();
+    void isKeptWhereTheDataFolderCannotBeReached();
     void isLeftOutWhereItIsTorn();
     void letsTheNotesOpenWhenItCannotBeRead_data();
     void letsTheNotesOpenWhenItCannotBeRead();
@@ -353,6 +356,35 @@ void TypingJournalTest::outlivesTheWholeFolderOfNotes()
     std::filesystem::remove_all(m_data->path("Markdown"));
 
     QCOMPARE(loaded(), snapshotOf({}, u"draft and more\n\nbody, too"_s));
+}
+
+void TypingJournalTest::isKeptWhereTheDataFolderCannotBeReached_data()
+{
+    QTest::addColumn<bool>("isFile");
+
+    QTest::newRow("it is gone") << false;
+    QTest::newRow("a file has its name") << true;
+}
+
+void TypingJournalTest::isKeptWhereTheDataFolderCannotBeReached()
+{
+    QFETCH(const bool, isFile);
+    m_data.emplace();
+    const DataFolder elsewhere;
+    LocalNoteRepository killed(m_data->fileURL(), elsewhere.journalFolders());
+    killed.save(saved());
+    std::filesystem::remove_all(m_data->path());
+    if (isFile)
+        std::ofstream(m_data->path()) << "in the way";
+
+    killed.keepTyped(typed(), captureId);
+
+    // Nor is the folder made for this.
+    QVERIFY(killed.typedPath());
+    QCOMPARE(std::filesystem::exists(m_data->path()), isFile);
+    std::filesystem::remove(m_data->path());
+    LocalNoteRepository next(m_data->fileURL(), elsewhere.journalFolders());
+    QCOMPARE(next.load(), snapshotOf({}, u"draft and more\n\nbody, too"_s));
 }
 
 void TypingJournalTest::isLeftOutWhereItIsTorn()
