@@ -51,11 +51,6 @@ bool holdsCapture(const std::vector<TypedDraft> &drafts)
     return std::ranges::find(drafts, captureKey, &TypedDraft::key) != drafts.end();
 }
 
-std::string freshName(const std::string &name)
-{
-    return name + '~';
-}
-
 } // namespace
 
 TypingJournal::TypingJournal(Disk &disk, std::vector<std::filesystem::path> folders,
@@ -108,16 +103,16 @@ void TypingJournal::restore(NoteSnapshot &snapshot)
     const NoteSnapshot saved = snapshot;
     m_leftAlone.reset();
     m_places.clear();
-    m_found.clear();
     m_folder.reset();
     m_captureId.reset();
     m_file.drafts.clear();
+    std::vector<Found> files;
     for (std::size_t i = 0; i < m_folders.size(); ++i)
-        read(i);
-    std::ranges::sort(m_found, {}, [](const Found &found) { return found.file.number; });
-    for (auto found = m_found.begin(); found != m_found.end(); ++found) {
+        read(i, files);
+    std::ranges::sort(files, {}, [](const Found &found) { return found.file.number; });
+    for (auto found = files.begin(); found != files.end(); ++found) {
         // Of one file in two folders the later one counts.
-        if (std::ranges::find(found + 1, m_found.end(), found->name, &Found::name) != m_found.end())
+        if (std::ranges::find(found + 1, files.end(), found->name, &Found::name) != files.end())
             continue;
         std::vector<TypedDraft> drafts = found->file.drafts;
         std::erase_if(drafts, [&](const TypedDraft &draft) {
@@ -138,11 +133,11 @@ void TypingJournal::restore(NoteSnapshot &snapshot)
         if (holdsCapture(drafts))
             m_captureId = m_file.captureId;
     }
-    readOlder(m_dataFolder, snapshot, saved);
+    readOlder(snapshot, saved);
     m_hasRestored = snapshot != saved;
 }
 
-void TypingJournal::read(std::size_t place)
+void TypingJournal::read(std::size_t place, std::vector<Found> &files)
 {
     const std::filesystem::path &path = m_folders[place];
     const Result<Directory> folder = Directory::open(m_disk, path);
@@ -172,13 +167,13 @@ void TypingJournal::read(std::size_t place)
         // What is no such file was torn by a power cut before its first byte was on the disk.
         remember({path, name});
         if (std::optional<JournalFile> file = JournalFile::decoded(bytes))
-            m_found.push_back({name, place, *std::move(file)});
+            files.push_back({name, place, *std::move(file)});
     }
 }
 
-void TypingJournal::readOlder(const std::filesystem::path &path, NoteSnapshot &snapshot,
-                              const NoteSnapshot &saved)
+void TypingJournal::readOlder(NoteSnapshot &snapshot, const NoteSnapshot &saved)
 {
+    const std::filesystem::path &path = m_dataFolder;
     const Result<Directory> folder = Directory::open(m_disk, path);
     const Result<DirectoryListing> listing =
         folder ? folder->list() : Result<DirectoryListing>(folder.failure());
@@ -288,6 +283,7 @@ void TypingJournal::write(JournalFile file)
         }
         m_folder = i;
         m_file = std::move(file);
+        m_captureId.reset();
         if (holdsCapture(m_file.drafts))
             m_captureId = m_file.captureId;
         removeOthers();
@@ -303,7 +299,7 @@ Result<void> TypingJournal::tryToWrite(const std::filesystem::path &folder,
     const Result<Directory> directory = Directory::tryToOpenOrMake(m_disk, folder);
     if (!directory)
         return directory.failure();
-    const std::string fresh = freshName(m_name);
+    const std::string fresh = m_name + '~';
     // Before there is a file, of which nobody would know if there was no memory afterwards.
     remember({folder, fresh});
     remember({folder, m_name});

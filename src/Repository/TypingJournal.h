@@ -73,9 +73,8 @@ private:
         JournalFile file;
     };
 
-    void read(std::size_t place);
-    void readOlder(const std::filesystem::path &path, NoteSnapshot &snapshot,
-                   const NoteSnapshot &saved);
+    void read(std::size_t place, std::vector<Found> &files);
+    void readOlder(NoteSnapshot &snapshot, const NoteSnapshot &saved);
     [[nodiscard]] static bool isOver(const TypedDraft &draft, const QUuid &captureId,
                                      const NoteSnapshot &saved);
     static void putInto(NoteSnapshot &snapshot, const NoteSnapshot &saved, const TypedDraft &draft);
@@ -107,7 +106,6 @@ private:
     /// The files that there may be, the current one among them.
     std::vector<Place> m_places;
 
-    std::vector<Found> m_found;
     bool m_hasRestored = false;
     std::optional<FileError> m_leftAlone;
 };

@@ -17,8 +17,8 @@
 ///
 /// Lives on the GUI thread. No call throws: a failure becomes errorMessage() and errorContext(),
 /// and what was typed stays in memory until a later save succeeds, and in a file against a sudden
-/// end of the program. A store whose first load failed
-/// is read-only for the rest of its life, so that files it could not read are never overwritten.
+/// end of the program. A store whose first load failed is read-only for the rest of its life, so
+/// that files it could not read are never overwritten.
 /// Each xChanged() is emitted after the state has changed, and only then.
 class NoteStore final : public QObject {
     Q_OBJECT
@@ -151,7 +151,6 @@ private:
     bool m_hasPendingChanges = false;
     QTimer m_saveTimer;
     QTimer m_tidyTimer;
-
     QTimer m_keepTimer;
     QTimer m_syncTimer;
 };
