@@ -11,9 +11,12 @@
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
+#include <span>
 #include <string>
 #include <string_view>
 #include <sys/socket.h>
@@ -229,9 +232,24 @@ public:
     }
 
 private:
-    void send(const std::string &bytes)
+    void send(std::string_view bytes)
     {
-        check(write(m_socket, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
+        while (!bytes.empty())
+            bytes.remove_prefix(moved(write(m_socket, bytes.data(), bytes.size())));
+    }
+
+    void receive(std::span<char> bytes)
+    {
+        while (!bytes.empty())
+            bytes = bytes.subspan(moved(read(m_socket, bytes.data(), bytes.size())));
+    }
+
+    /// How many bytes a call has moved: none where the fuzzer's own clock, a signal every few
+    /// seconds, has interrupted it.
+    [[nodiscard]] static size_t moved(ssize_t count)
+    {
+        check(count > 0 || (count == -1 && errno == EINTR));
+        return static_cast<size_t>(std::max<ssize_t>(count, 0));
     }
 
     void authenticate()
@@ -239,7 +257,7 @@ private:
         std::string said;
         char c = 0;
         while (said.find("BEGIN\r\n") == std::string::npos) {
-            check(read(m_socket, &c, 1) == 1);
+            receive({&c, 1});
             said += c;
             if (!said.ends_with("\r\n"))
                 continue;
@@ -256,10 +274,9 @@ private:
     [[nodiscard]] uint32_t readQuestion()
     {
         std::array<uint32_t, 4> header{};
-        check(recv(m_socket, header.data(), sizeof header, MSG_WAITALL) == sizeof header);
+        receive({reinterpret_cast<char *>(header.data()), sizeof header});
         std::string rest((header[3] + 7) / 8 * 8 + header[1], '\0');
-        check(recv(m_socket, rest.data(), rest.size(), MSG_WAITALL) ==
-              static_cast<ssize_t>(rest.size()));
+        receive(rest);
         return header[2];
     }
 
