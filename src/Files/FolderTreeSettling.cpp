@@ -147,14 +147,37 @@ private:
     bool isAsThere(Disk::Handle folder, const char *name, const char *formerName) noexcept
     {
         const std::optional<FileStatus> now = status(folder, name);
-        const FileStatus *before = nullptr;
-        if (const OwnFile *own = m_tree.ownFile(formerName)) {
+        const FileStatus *before = statusThere(formerName);
+        return now && before && isSameFile(*now, *before);
+    }
+
+    /// As it was remembered.
+    [[nodiscard]] const FileStatus *statusThere(const char *name) const noexcept
+    {
+        if (const OwnFile *own = m_tree.ownFile(name)) {
             const auto &there = m_how.isOriginal ? own->copy : own->original;
-            before = there ? &*there : nullptr;
-        } else if (const FreeFile *file = m_tree.freeFile(formerName)) {
-            before = &file->status;
+            return there ? &*there : nullptr;
         }
-        return now && before && now->identity == before->identity && isSameContent(*now, *before);
+        const FreeFile *file = m_tree.freeFile(name);
+        return file ? &file->status : nullptr;
+    }
+
+    static bool isSameFile(const FileStatus &a, const FileStatus &b) noexcept
+    {
+        return a.identity == b.identity && isSameContent(a, b);
+    }
+
+    /// What has the name there, if what has it here took its place: it is unchanged since, or was
+    /// written, by either name, before it was replaced here.
+    std::optional<FileStatus> replaced(const char *name) noexcept
+    {
+        const std::optional<FileStatus> here = status(m_here, name);
+        const std::optional<FileStatus> there = status(m_there, name);
+        const FileStatus *before = statusThere(name);
+        if (!here || !there || !before || there->identity != before->identity)
+            return std::nullopt;
+        const bool isOlder = there->modified < here->changed && there->changed <= here->changed;
+        return isOlder || isSameContent(*there, *before) ? there : std::nullopt;
     }
 
     /// An entry that came here or took the place of one.
@@ -163,19 +186,20 @@ private:
         m_hasCarried = true;
         // There the program may already have gone on, with the one that was replaced here.
         Finder finder(*this, name);
-        if (m_tree.freeFile(name) && !status(m_there, name) && !m_failure &&
-            m_disk.list(m_there, finder) && finder.hasFound() && exchange(name, finder.found()))
+        const FreeFile *before = m_tree.freeFile(name);
+        if (before && !status(m_there, name) && !m_failure && m_disk.list(m_there, finder) &&
+            finder.hasFound() && exchange(name, finder.found(), before->status))
             return true;
         const Result<void> moved = renameToFreeName(m_disk, m_here, name, m_there, name);
         if (moved || moved.failure().is(ENOENT))
             return true;
         if (!moved.failure().is(EEXIST))
             return false;
-        return (isAsThere(m_there, name, name) && exchange(name, name)) ||
-               (!m_failure && carryBeside(name));
+        const std::optional<FileStatus> older = replaced(name);
+        return (older && exchange(name, name, *older)) || (!m_failure && carryBeside(name));
     }
 
-    bool exchange(const char *name, const char *nameThere) noexcept
+    bool exchange(const char *name, const char *nameThere, const FileStatus &statusThere) noexcept
     {
         const auto rename = [&](Disk::Rename how) {
             return m_disk.rename(m_here, name, m_there, nameThere, how);
@@ -183,7 +207,7 @@ private:
         const Result<void> exchanged = rename(Disk::Rename::exchange);
         if (!exchanged && meansNoFlags(exchanged.failure()))
             return bool(uninterrupted([&] { return rename(Disk::Rename::replace); }));
-        if (isAsThere(m_here, name, name))
+        if (const auto now = status(m_here, name); now && isSameFile(*now, statusThere))
             return true;
         // A newer one took the place meanwhile.
         if (exchanged)

@@ -11,6 +11,7 @@
 #include <QTest>
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 
 using namespace Qt::Literals::StringLiterals;
 namespace fs = std::filesystem;
@@ -54,6 +55,20 @@ std::string old(const DataFolder &data, std::string_view prefix)
             return name;
     }
     return {};
+}
+
+std::int64_t momentOfFiles()
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    return now.tv_sec * 1'000'000'000LL + now.tv_nsec;
+}
+
+/// Until what happens next to a file has another time than what happened last.
+void awaitTheNextMoment()
+{
+    const std::int64_t before = momentOfFiles();
+    QVERIFY(QTest::qWaitFor([&] { return momentOfFiles() != before; }));
 }
 
 } // namespace
@@ -139,7 +154,8 @@ void ForeignFilesTest::followsWhatHappensBeforeTheSwap()
     RacingDisk disk;
     LocalNoteRepository repository(data.fileURL(), disk);
     repository.save(oldNotes());
-    for (const char *name : {"stays", "goes", "moves", "changes", "becomes a folder"})
+    for (const char *name :
+         {"stays", "goes", "moves", "changes", "changes twice", "becomes a folder"})
         data.write(std::string("Markdown/Drafts/") + name, name);
     data.write("Markdown/Drafts/pictures/one", "1");
     data.write("Markdown/Drafts/empty/of late/two", "2");
@@ -150,6 +166,11 @@ void ForeignFilesTest::followsWhatHappensBeforeTheSwap()
         fs::rename(drafts / "moves", drafts / "moved");
         data.write("Markdown/Drafts/temporary", "other");
         fs::rename(drafts / "temporary", drafts / "changes");
+        // The first change is in the file that both folders share by then, the second in one.
+        data.write("Markdown/Drafts/changes twice", "first");
+        awaitTheNextMoment();
+        data.write("Markdown/Drafts/temporary", "second");
+        fs::rename(drafts / "temporary", drafts / "changes twice");
         fs::remove(drafts / "becomes a folder");
         data.write("Markdown/Drafts/becomes a folder/inside", "3");
         data.write("Markdown/Drafts/added", "4");
