@@ -34,6 +34,13 @@ JsonError::JsonError(Reason reason, QList<FormatArgument> arguments)
 {
 }
 
+JsonError JsonError::about(std::filesystem::path file) const
+{
+    JsonError error = *this;
+    error.setPlace(std::move(file));
+    return error;
+}
+
 JsonError JsonError::notUtf8()
 {
     return {Reason::notUtf8, {QString::fromLatin1(FileNames::olderNotes)}};

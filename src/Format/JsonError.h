@@ -19,6 +19,9 @@ public:
     /// For a value that is missing or wrong, in a file of another version.
     [[nodiscard]] static JsonError otherShape(qint64 version, const QString &way);
 
+    /// The same, with the file that was read.
+    [[nodiscard]] JsonError about(std::filesystem::path file) const;
+
     [[nodiscard]] Message message() const override { return {sentence(), m_arguments}; }
 
 private:

@@ -129,7 +129,7 @@ public:
 
     /// For a text that is JSON. Throws what was wrong first, and a RepositoryError for a version
     /// other than 1.
-    [[nodiscard]] NoteSnapshot finish();
+    [[nodiscard]] NoteSnapshot finish(const std::filesystem::path &file);
 
 private:
     /// An object or array that is being read.
@@ -387,7 +387,7 @@ void SnapshotBuilder::require(const std::optional<T> &member, QStringView rest)
         fail(Reason::jsonMissing, rest);
 }
 
-NoteSnapshot SnapshotBuilder::finish()
+NoteSnapshot SnapshotBuilder::finish(const std::filesystem::path &file)
 {
     require(m_version, u"version");
     require(m_notes, u"notes");
@@ -397,11 +397,11 @@ NoteSnapshot SnapshotBuilder::finish()
     const bool isOtherShape = m_failure && (m_failure->reason == Reason::jsonMissing ||
                                             m_failure->reason == Reason::jsonWrongValue);
     if (isOther && isOtherShape)
-        throw JsonError::otherShape(*m_version, m_failure->way);
+        throw JsonError::otherShape(*m_version, m_failure->way).about(file);
     if (m_failure)
-        throw JsonError::atWay(m_failure->reason, m_failure->way);
+        throw JsonError::atWay(m_failure->reason, m_failure->way).about(file);
     if (isOther)
-        throw RepositoryError::unsupportedVersion(*m_version);
+        throw RepositoryError::unsupportedVersion(*m_version).about(file);
     return {.version = *m_version,
             .notes = std::move(*m_notes),
             .captureDraft = std::move(*m_captureDraft),
@@ -423,10 +423,10 @@ JsonError syntaxError(QByteArrayView bytes, std::size_t place)
 
 } // namespace
 
-NoteSnapshot decodeLegacySnapshot(const QByteArray &bytes)
+NoteSnapshot decodeLegacySnapshot(const QByteArray &bytes, const std::filesystem::path &file)
 {
     if (!bytes.isValidUtf8())
-        throw JsonError::notUtf8();
+        throw JsonError::notUtf8().about(file);
     SnapshotBuilder builder;
     {
         const PlainNumbers plainNumbers;
@@ -437,6 +437,6 @@ NoteSnapshot decodeLegacySnapshot(const QByteArray &bytes)
     if (const qsizetype nul = bytes.indexOf('\0'); !mistake && nul >= 0)
         mistake = static_cast<std::size_t>(nul);
     if (mistake)
-        throw syntaxError(bytes, *mistake);
-    return builder.finish();
+        throw syntaxError(bytes, *mistake).about(file);
+    return builder.finish(file);
 }

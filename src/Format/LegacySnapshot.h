@@ -4,6 +4,7 @@
 #include "Note.h"
 
 #include <QByteArray>
+#include <filesystem>
 
 /// Reads the older single-file form, one JSON object:
 ///
@@ -16,5 +17,6 @@
 ///
 /// The reading needs memory for the snapshot, for the names in the objects that are open, and for
 /// one text at a time. Throws a JsonError; for a version other than 1 in the same form a
-/// RepositoryError.
-[[nodiscard]] NoteSnapshot decodeLegacySnapshot(const QByteArray &bytes);
+/// RepositoryError; either is about the file.
+[[nodiscard]] NoteSnapshot decodeLegacySnapshot(const QByteArray &bytes,
+                                                const std::filesystem::path &file = {});

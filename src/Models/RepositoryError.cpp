@@ -26,7 +26,7 @@ RepositoryError RepositoryError::recoveryRequired() noexcept
 RepositoryError RepositoryError::about(std::filesystem::path place) const
 {
     RepositoryError error = *this;
-    error.m_place = std::make_shared<const std::filesystem::path>(std::move(place));
+    error.setPlace(std::move(place));
     return error;
 }
 

@@ -3,8 +3,6 @@
 
 #include "StorageError.h"
 
-#include <memory>
-
 /// The notes folder as a whole was refused: for one of the first four reasons. The files on disk
 /// were not touched.
 class RepositoryError final : public StorageError {
@@ -19,13 +17,8 @@ public:
 
     [[nodiscard]] Message message() const override;
 
-    /// The same, with the file or folder for which it was refused. That stands beside the error:
-    /// errors are equal whatever they are about.
+    /// The same, with the file or folder for which it was refused.
     [[nodiscard]] RepositoryError about(std::filesystem::path place) const;
-    [[nodiscard]] const std::filesystem::path *place() const noexcept override
-    {
-        return m_place.get();
-    }
 
     friend bool operator==(const RepositoryError &a, const RepositoryError &b) noexcept
     {
@@ -40,7 +33,4 @@ private:
     }
 
     qint64 m_version;
-
-    /// Shared, since errors are copied without allocating.
-    std::shared_ptr<const std::filesystem::path> m_place;
 };

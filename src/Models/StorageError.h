@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <memory>
+#include <utility>
 
 /// Why the storage refused or failed, in one list for all of it.
 enum class Reason : std::uint8_t {
@@ -50,7 +52,10 @@ public:
     [[nodiscard]] virtual Message message() const = 0;
 
     /// The file or folder that a person should look at; null when there is none.
-    [[nodiscard]] virtual const std::filesystem::path *place() const noexcept { return nullptr; }
+    [[nodiscard]] virtual const std::filesystem::path *place() const noexcept
+    {
+        return m_place.get();
+    }
 
     [[nodiscard]] QString description() const { return message().english(); }
     [[nodiscard]] const char *what() const noexcept override { return "Quillmark storage error"; }
@@ -61,9 +66,18 @@ protected:
     {
     }
 
+    /// Errors are equal whatever they are about.
+    void setPlace(std::filesystem::path place)
+    {
+        m_place = std::make_shared<const std::filesystem::path>(std::move(place));
+    }
+
     /// The key of the reason's one sentence; empty for the system's, which has one for each errno.
     [[nodiscard]] QString sentence() const;
 
 private:
     Reason m_reason;
+
+    /// Shared, since errors are copied without allocating.
+    std::shared_ptr<const std::filesystem::path> m_place;
 };

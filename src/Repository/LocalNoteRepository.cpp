@@ -178,7 +178,7 @@ std::optional<NoteSnapshot> LocalNoteRepository::readLegacySnapshot(const Direct
     std::string bytes;
     data.orThrow(data.readFile(name.c_str(), largestLegacyFile, bytes), name.native());
     return decodeLegacySnapshot(
-        QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
+        QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())), m_fileURL);
 }
 
 void LocalNoteRepository::write(const NoteSnapshot &snapshot, const NoteSnapshot &last,

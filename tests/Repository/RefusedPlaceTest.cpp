@@ -17,8 +17,8 @@ const Note first = numberedNote(1, u"first"_s);
 const Note second = numberedNote(2, u"second"_s);
 
 /// The place beside an error, below the data folder.
-template <typename Error>
-std::string placeOf(const DataFolder &data, const std::optional<Error> &error)
+template <typename ErrorPointer>
+std::string placeOf(const DataFolder &data, const ErrorPointer &error)
 {
     return error && error->place() ? error->place()->lexically_relative(data.path()).native()
                                    : "nowhere";
@@ -33,6 +33,8 @@ class RefusedPlaceTest : public QObject {
 private Q_SLOTS:
     void namesTheFileWithInvalidMetadata_data();
     void namesTheFileWithInvalidMetadata();
+    void namesTheOlderNotes_data();
+    void namesTheOlderNotes();
     void namesTheRecoveryCopy();
     void namesTheRecoveryCopyThatASaveLeaves();
     void namesNoPlaceForTheFolderAsAWhole();
@@ -78,6 +80,35 @@ void RefusedPlaceTest::namesTheFileWithInvalidMetadata()
     QCOMPARE(error, RepositoryError::invalidMarkdown());
     QCOMPARE(error->description(), RepositoryError::invalidMarkdown().description());
     QCOMPARE(placeOf(data, error), path.toStdString());
+}
+
+void RefusedPlaceTest::namesTheOlderNotes_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+
+    QTest::newRow("not UTF-8") << QByteArray("\xFF");
+    QTest::newRow("not JSON") << QByteArray("{");
+    QTest::newRow("without a key") << QByteArray("{}");
+    QTest::newRow("another shape") << QByteArray(R"({"version": 2})");
+    QTest::newRow("another version")
+        << QByteArray(R"({"version": 2, "captureDraft": "", "editingDrafts": {}, "notes": []})");
+}
+
+void RefusedPlaceTest::namesTheOlderNotes()
+{
+    QFETCH(const QByteArray, bytes);
+    const DataFolder data;
+    data.write("notes.json", bytes);
+    LocalNoteRepository repository(data.fileURL());
+
+    std::string place;
+    try {
+        static_cast<void>(repository.load());
+    } catch (const StorageError &error) {
+        place = placeOf(data, &error);
+    }
+
+    QCOMPARE(place, "notes.json");
 }
 
 void RefusedPlaceTest::namesTheRecoveryCopy()
