@@ -159,7 +159,7 @@ void LocalNoteRepository::keepTyped(const NoteSnapshot &snapshot, const QUuid &c
 {
     // It is kept whatever becomes of the data folder, but not in the file of a program that has it.
     if (!claim())
-        throw FileError(dataURL(), Reason::inUse);
+        m_typed.separate();
     m_typed.keep(snapshot, m_saved, captureId);
 }
 

@@ -242,8 +242,26 @@ void TypingJournal::keep(const NoteSnapshot &typed, const NoteSnapshot &saved,
         add(draft.key(), draft.value());
     if (next.drafts.empty())
         takeBack();
-    else if (next.drafts != m_file.drafts || captureId != m_file.captureId)
+    else if (next.drafts != m_file.drafts || captureId != m_file.captureId || !isInPlace())
         write(std::move(next));
+}
+
+bool TypingJournal::isInPlace() const
+{
+    if (!m_folder)
+        return false;
+    const Result<Directory> folder = Directory::open(m_disk, m_folders[*m_folder]);
+    return folder && folder->status(m_name.c_str());
+}
+
+void TypingJournal::separate()
+{
+    if (std::exchange(m_isSeparate, true))
+        return;
+    m_name = FileNames::fresh(m_prefix);
+    m_places.clear();
+    m_folder.reset();
+    m_file.drafts.clear();
 }
 
 void TypingJournal::prepareSave(const NoteSnapshot &next, const NoteSnapshot &saved)

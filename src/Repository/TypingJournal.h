@@ -32,8 +32,8 @@ public:
     /// Puts what is kept into the notes as they were loaded. What cannot be read is left alone.
     void restore(NoteSnapshot &snapshot);
 
-    /// Keeps the drafts that differ from the saved ones. Not synced. Throws a FileError when no
-    /// folder takes them.
+    /// Keeps the drafts that differ from the saved ones, unless they are kept already. Not synced.
+    /// Throws a FileError when no folder takes them.
     void keep(const NoteSnapshot &typed, const NoteSnapshot &saved, const QUuid &captureId);
 
     /// To be called when a save is about to be done. What goes wrong here goes unnoticed.
@@ -41,6 +41,10 @@ public:
 
     /// Makes what is kept outlast a power cut. Throws a FileError.
     void sync();
+
+    /// From now on keeps in a file of its own and lets those be that there were: another program
+    /// has the notes, and has found them, too.
+    void separate();
 
     /// Removes what was kept or restored, since it is saved.
     void forget() noexcept;
@@ -78,6 +82,7 @@ private:
     [[nodiscard]] static bool isOver(const TypedDraft &draft, const QUuid &captureId,
                                      const NoteSnapshot &saved);
     static void putInto(NoteSnapshot &snapshot, const NoteSnapshot &saved, const TypedDraft &draft);
+    [[nodiscard]] bool isInPlace() const;
     void write(JournalFile file);
     void takeBack();
     [[nodiscard]] Result<void> tryToWrite(const std::filesystem::path &folder,
@@ -106,6 +111,7 @@ private:
     /// The files that there may be, the current one among them.
     std::vector<Place> m_places;
 
+    bool m_isSeparate = false;
     bool m_hasRestored = false;
     std::optional<FileError> m_leftAlone;
 };

@@ -31,7 +31,7 @@ private Q_SLOTS:
     void findsTheFolderTaken();
     void claimsAFolderThatIsNotThereYet();
     void readsAndDoesNotWrite();
-    void keepsNoTyping();
+    void keepsItsTypingApart();
     void movesNoOlderNotes();
     void isRefusedOnceTheFirstHasMadeTheFolder();
     void mayWriteWhenTheFirstHasEnded();
@@ -78,20 +78,24 @@ void SecondProgramTest::readsAndDoesNotWrite()
     QCOMPARE(data.content(), before);
 }
 
-void SecondProgramTest::keepsNoTyping()
+void SecondProgramTest::keepsItsTypingApart()
 {
     const DataFolder data;
-    LocalNoteRepository first(data.fileURL());
-    first.save(notes(u"old"_s));
-    const auto before = data.content();
-    LocalNoteRepository second(data.fileURL());
-    static_cast<void>(second.load());
+    const LocalNoteRepository::Folders journal{data.path("state")};
+    // Both start on what a third one left, before there are notes.
+    LocalNoteRepository(data.fileURL(), journal).keepTyped(notes(u"left"_s), numberedId(2));
+    LocalNoteRepository first(data.fileURL(), journal);
+    LocalNoteRepository second(data.fileURL(), journal);
+    QCOMPARE(first.load().captureDraft, u"left"_s);
+    QCOMPARE(second.load().captureDraft, u"left"_s);
+    first.save(notes(u"of the first"_s));
 
-    const auto error =
-        thrown<FileError>([&] { second.keepTyped(notes(u"typed"_s), numberedId(2)); });
+    second.keepTyped(notes(u"left, then typed"_s), numberedId(2));
+    first.keepTyped(notes(u"of the first, too"_s), numberedId(3));
+    first.save(notes(u"saved"_s));
 
-    QCOMPARE(reasonOf(error), Reason::inUse);
-    QCOMPARE(data.content(), before);
+    const QString next = LocalNoteRepository(data.fileURL(), journal).load().captureDraft;
+    QCOMPARE(next, u"left, then typed\n\nsaved"_s);
 }
 
 void SecondProgramTest::movesNoOlderNotes()

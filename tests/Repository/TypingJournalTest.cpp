@@ -78,6 +78,7 @@ private Q_SLOTS:
     void isWrittenForTheUserAloneAndNotBesideTheNotes();
     void isOfOneDataFolderOnly();
     void keepsTheLastOfIt();
+    void isWrittenAnewWhereItWasRemoved();
     void goesWhenItIsTakenBack();
     void goesWithTheNextSave();
     void goesAlsoWhenTheSaveIsThatOfTheNextStart();
@@ -199,6 +200,19 @@ void TypingJournalTest::keepsTheLastOfIt()
 
     QCOMPARE(journalPaths().size(), 1);
     QCOMPARE(loaded(), snapshot);
+}
+
+void TypingJournalTest::isWrittenAnewWhereItWasRemoved()
+{
+    m_data.emplace();
+    const auto killed = repository();
+    killed->save(saved());
+    killed->keepTyped(typed(), captureId);
+    std::filesystem::remove_all(m_data->path("journal"));
+
+    killed->keepTyped(typed(), captureId);
+
+    QCOMPARE(loaded(), typed());
 }
 
 void TypingJournalTest::goesWhenItIsTakenBack()
