@@ -206,13 +206,17 @@ void doWithoutSilentSessionBus()
         }
         addresses = "unix:path=" + path;
     }
-    const QDeadlineTimer deadline(longestWait);
-    for (const QByteArray &address : addresses.split(';')) {
+    const QByteArrayList every = addresses.split(';');
+    QByteArrayList answering = every;
+    answering.removeIf([&](const QByteArray &address) {
         const std::optional<QByteArray> path = socketPath(address);
-        if (path && !answers(*path, deadline)) {
-            std::fputs("The session bus does not answer. Quillmark goes on without it.\n", stderr);
-            qputenv(addressVariable, "disabled:");
-            return;
-        }
+        return path && !answers(*path, QDeadlineTimer(longestWait / every.size()));
+    });
+    if (answering.size() == every.size())
+        return;
+    if (answering.isEmpty()) {
+        std::fputs("The session bus does not answer. Quillmark goes on without it.\n", stderr);
+        answering.append("disabled:");
     }
+    qputenv(addressVariable, answering.join(';'));
 }

@@ -42,6 +42,18 @@ class SilentOthers(DesktopTest):
                 finally:
                     quillmark.kill()
 
+    def test_a_bus_with_two_addresses_of_which_one_is_silent(self):
+        bus = SilentBus(self.home, "listening")
+        self.addCleanup(bus.close)
+        own = self.desktop.environment["DBUS_SESSION_BUS_ADDRESS"]
+        first = self.start(DBUS_SESSION_BUS_ADDRESS=f"{bus.address};{own}")
+        first.launcher()
+
+        second = self.start(DBUS_SESSION_BUS_ADDRESS=own)
+
+        self.assertEqual(second.wait_until_ended(), 0)
+        first.editor()
+
     def test_a_settings_portal_that_is_stopped(self):
         os.kill(self.own_name(PORTAL).process, signal.SIGSTOP)
 
