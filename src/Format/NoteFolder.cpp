@@ -43,7 +43,11 @@ std::optional<NoteFolder> NoteFolder::openIfExists(const Directory &data)
     data.orThrow(found, FileNames::markdownFolder);
     Directory markdown = openHere(data, FileNames::markdownFolder);
     Directory notes = openHere(markdown, FileNames::ofSection(Section::notes));
-    Directory drafts = openHere(markdown, FileNames::ofSection(Section::drafts));
+    const char *const draftsName = FileNames::ofSection(Section::drafts);
+    const Result<FileStatus> foundDrafts = markdown.status(draftsName);
+    std::optional<Directory> drafts;
+    if (foundDrafts || !foundDrafts.failure().is(ENOENT))
+        drafts.emplace(openHere(markdown, draftsName));
     return NoteFolder(std::move(markdown), std::move(notes), std::move(drafts));
 }
 
@@ -54,9 +58,10 @@ std::optional<NoteFolder> NoteFolder::openIfUsable(const Directory &data)
         return std::nullopt;
     Result<Directory> notes = markdown->openFolder(FileNames::ofSection(Section::notes));
     Result<Directory> drafts = markdown->openFolder(FileNames::ofSection(Section::drafts));
-    if (!notes || !drafts)
+    if (!notes || (!drafts && !drafts.failure().is(ENOENT)))
         return std::nullopt;
-    return NoteFolder(*std::move(markdown), *std::move(notes), *std::move(drafts));
+    return NoteFolder(*std::move(markdown), *std::move(notes),
+                      drafts ? std::optional(*std::move(drafts)) : std::nullopt);
 }
 
 Failure NoteFolder::refusal(const char *name, FileKind kind) noexcept
@@ -73,9 +78,23 @@ const Directory &NoteFolder::directory(Section section) const noexcept
     case Section::notes:
         return m_notes;
     case Section::drafts:
-        return m_drafts;
+        return *m_drafts;
     }
     Q_UNREACHABLE();
+}
+
+bool NoteFolder::has(Section section) const noexcept
+{
+    return section != Section::drafts || m_drafts.has_value();
+}
+
+void NoteFolder::makeDrafts()
+{
+    if (m_drafts)
+        return;
+    const char *const name = FileNames::ofSection(Section::drafts);
+    m_drafts.emplace(m_markdown.orThrow(m_markdown.makeFolder(name), name));
+    m_markdown.orThrow(m_markdown.sync());
 }
 
 bool NoteFolder::isIn(const Directory &data) const
@@ -102,6 +121,8 @@ void NoteFolder::visit(const Visitor &visitor,
     };
     read(Section::marker, FileNames::marker);
     for (const Section section : {Section::notes, Section::drafts}) {
+        if (!has(section))
+            continue;
         const DirectoryListing files = markdownFiles(directory(section));
         if (files.entries().size() > mostFiles(section))
             throw directory(section).error(Failure::because(Reason::tooManyNotes));

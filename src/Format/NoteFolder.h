@@ -5,6 +5,7 @@
 #include "FileNames.h"
 
 #include <functional>
+#include <optional>
 
 /// The Markdown folder on the disk, held open with its sections.
 class NoteFolder {
@@ -19,14 +20,21 @@ public:
     static constexpr std::size_t mostBytes = 256UL * 1024 * 1024;
 
     /// Nothing when the data folder has no Markdown folder. Throws a FileError for one that is
-    /// another disk, is no folder, or lacks a section.
+    /// another disk, is no folder, or lacks "Notes". Without "Drafts" there are no drafts: who
+    /// carries notes from one computer to another may leave them out.
     [[nodiscard]] static std::optional<NoteFolder> openIfExists(const Directory &data);
 
     /// The same, but nothing instead of a FileError.
     [[nodiscard]] static std::optional<NoteFolder> openIfUsable(const Directory &data);
 
     [[nodiscard]] const Directory &directory() const noexcept { return m_markdown; }
+
+    /// Of a section that there is.
     [[nodiscard]] const Directory &directory(Section section) const noexcept;
+    [[nodiscard]] bool has(Section section) const noexcept;
+
+    /// Makes the folder of the drafts where there is none. Throws a FileError.
+    void makeDrafts();
 
     /// A file of one section as it was found, and its bytes. All of it lives as long as one visit.
     struct File {
@@ -60,7 +68,7 @@ public:
     }
 
 private:
-    NoteFolder(Directory markdown, Directory notes, Directory drafts) noexcept
+    NoteFolder(Directory markdown, Directory notes, std::optional<Directory> drafts) noexcept
         : m_markdown(std::move(markdown))
         , m_notes(std::move(notes))
         , m_drafts(std::move(drafts))
@@ -69,5 +77,5 @@ private:
 
     Directory m_markdown;
     Directory m_notes;
-    Directory m_drafts;
+    std::optional<Directory> m_drafts;
 };

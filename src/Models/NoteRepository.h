@@ -24,6 +24,13 @@ public:
     /// The whole stored state.
     [[nodiscard]] virtual NoteSnapshot load() = 0;
 
+    /// Whether another program changed what is stored since it was last read or written here. May
+    /// throw as well.
+    [[nodiscard]] virtual bool isChangedOutside() { return false; }
+
+    /// The whole stored state anew, with what is typed and not stored put into it as merged() says.
+    [[nodiscard]] virtual NoteSnapshot reload(const NoteSnapshot &typed) { return typed; }
+
     /// Replaces the whole stored state. On return it is safe on the disk.
     virtual void save(const NoteSnapshot &snapshot) = 0;
 

@@ -34,6 +34,22 @@ const NoteFile *KnownFolder::find(const NoteFilePlace &place) const noexcept
     return found != m_files.end() && found->place == place ? &*found : nullptr;
 }
 
+bool KnownFolder::isStill(const NoteFolder &folder)
+{
+    return isMarkerStill(folder) && isStill(folder, Section::notes) &&
+           isStill(folder, Section::drafts);
+}
+
+bool KnownFolder::isStill(const NoteFolder &folder, Section section)
+{
+    if (!folder.has(section))
+        return files(section).empty();
+    const Directory &directory = folder.directory(section);
+    DirectoryListing listing = directory.orThrow(directory.list());
+    listing.sort();
+    return isStill(folder, section, listing);
+}
+
 bool KnownFolder::isMarkerStill(const NoteFolder &folder)
 {
     const Directory &markdown = folder.directory();
@@ -111,6 +127,8 @@ std::optional<std::size_t> KnownFolder::learnStamps(const NoteFolder &folder, st
             std::chrono::steady_clock::now() >= deadline)
             return i;
         NoteFile &file = m_files[i];
+        if (!folder.has(file.place.section))
+            continue;
         const Directory &directory = folder.directory(file.place.section);
         const char *name = file.place.name.c_str();
         const Result<FileStatus> now = directory.status(name);

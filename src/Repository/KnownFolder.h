@@ -32,6 +32,13 @@ public:
     /// Null when there is none at that place.
     [[nodiscard]] const NoteFile *find(const NoteFilePlace &place) const noexcept;
 
+    /// Whether the whole folder is what is known. Learns new stamps on the way. Throws a FileError
+    /// for what cannot be read.
+    [[nodiscard]] bool isStill(const NoteFolder &folder);
+
+    /// The same of one section.
+    [[nodiscard]] bool isStill(const NoteFolder &folder, Section section);
+
     /// Whether the marker is what is known.
     [[nodiscard]] bool isMarkerStill(const NoteFolder &folder);
 
@@ -57,8 +64,6 @@ public:
 
     /// Takes over what the difference wrote and removed. Room must have been made.
     void apply(SnapshotDifference &&difference) noexcept;
-
-    [[nodiscard]] bool isEmpty() const noexcept { return m_files.empty(); }
 
     /// Of all notes and drafts together, in bytes.
     [[nodiscard]] std::size_t textSize() const noexcept;

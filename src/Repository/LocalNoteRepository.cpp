@@ -8,6 +8,7 @@
 #include "MarkdownTransaction.h"
 #include "RepositoryError.h"
 #include "SnapshotDifference.h"
+#include "SnapshotMerge.h"
 #include "SnapshotReader.h"
 #include "SystemDisk.h"
 
@@ -115,6 +116,26 @@ NoteSnapshot LocalNoteRepository::load()
     NoteSnapshot snapshot = m_saved;
     m_typed.restore(snapshot);
     return snapshot;
+}
+
+NoteSnapshot LocalNoteRepository::reload(const NoteSnapshot &typed)
+{
+    const NoteSnapshot last = m_saved;
+    loadNotes();
+    return merged(last, typed, m_saved);
+}
+
+bool LocalNoteRepository::isChangedOutside()
+{
+    const Result<Directory> data = Directory::open(m_disk, dataURL());
+    if (!data && !data.failure().is(ENOENT))
+        throw FileError(dataURL(), data.failure());
+    if (data)
+        MarkdownTransaction::checkRecovery(*data);
+    const auto folder = data ? NoteFolder::openIfExists(*data) : std::nullopt;
+    if (!folder || !m_known)
+        return folder.has_value() != m_known.has_value();
+    return !m_known->isStill(*folder);
 }
 
 void LocalNoteRepository::loadNotes()

@@ -15,7 +15,7 @@
 /// The notes as a folder of Markdown files; docs/FORMAT.md describes it whole.
 ///
 /// Lives on one thread. Refuses to overwrite what another program changed since the last load or
-/// save, and goes on refusing until load() is called again.
+/// save, and goes on refusing until load() or reload() is called.
 class LocalNoteRepository final : public NoteRepository {
 public:
     using Folders = std::vector<std::filesystem::path>;
@@ -48,6 +48,10 @@ public:
 
     /// Reads the Markdown folder, or migrates the older JSON file, or finds nothing.
     [[nodiscard]] NoteSnapshot load() override;
+
+    /// Looks at every file's stamp, and reads those that do not fit.
+    [[nodiscard]] bool isChangedOutside() override;
+    [[nodiscard]] NoteSnapshot reload(const NoteSnapshot &typed) override;
     void save(const NoteSnapshot &snapshot) override;
 
     /// Removes the folder that a save replaced; then reads again the files whose times changed with

@@ -67,6 +67,8 @@ MarkdownTransaction::MarkdownTransaction(Directory data, KnownFolder *known,
     refuseUnlessSame(m_folder.has_value() == (known != nullptr));
     if (m_folder)
         refuseUnlessSame(known->isMarkerStill(*m_folder));
+    if (m_folder && !difference.places().empty())
+        m_folder->makeDrafts();
     begin();
 }
 
@@ -92,10 +94,7 @@ void MarkdownTransaction::begin()
 
 void MarkdownTransaction::check(Section section)
 {
-    const Directory &folder = m_folder->directory(section);
-    DirectoryListing listing = folder.orThrow(folder.list());
-    listing.sort();
-    refuseUnlessSame(m_known->isStill(*m_folder, section, listing));
+    refuseUnlessSame(m_known->isStill(*m_folder, section));
 }
 
 void MarkdownTransaction::check(Section section, const FolderTree *tree)

@@ -5,6 +5,7 @@
 #include "FileNames.h"
 #include "NoteFolder.h"
 #include "NoteId.h"
+#include "SnapshotMerge.h"
 
 #include <algorithm>
 #include <utility>
@@ -33,17 +34,6 @@ std::optional<QString> textIn(const NoteSnapshot &notes, const QString &key)
 bool isAmong(const QList<Note> &notes, const QUuid &id)
 {
     return std::ranges::find(notes, id, &Note::id) != notes.end();
-}
-
-/// Both texts, an empty line between them.
-QString joined(const QString &first, const QString &second)
-{
-    if (first.trimmed().isEmpty() || second.trimmed().isEmpty())
-        return first.trimmed().isEmpty() ? second : first;
-    const QString between = first.endsWith(u"\n\n") ? u""_s
-                            : first.endsWith(u'\n') ? u"\n"_s
-                                                    : u"\n\n"_s;
-    return first + between + second;
 }
 
 bool holdsCapture(const std::vector<TypedDraft> &drafts)

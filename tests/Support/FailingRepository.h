@@ -2,6 +2,8 @@
 #pragma once
 
 #include "NoteRepository.h"
+#include "RepositoryError.h"
+#include "SnapshotMerge.h"
 
 #include <functional>
 #include <stdexcept>
@@ -11,6 +13,7 @@ class FailingRepository final : public NoteRepository {
 public:
     explicit FailingRepository(NoteSnapshot snapshot = {})
         : m_stored(std::move(snapshot))
+        , m_known(m_stored)
     {
     }
 
@@ -22,6 +25,9 @@ public:
     }
 
     void recover() { m_fail = nullptr; }
+
+    /// Another program stores this; until a reload() every save() is refused for it.
+    void changeOutside(NoteSnapshot snapshot) { m_stored = std::move(snapshot); }
 
     using Tidy = std::function<std::optional<std::chrono::milliseconds>(std::chrono::milliseconds)>;
 
@@ -42,7 +48,21 @@ public:
     {
         if (m_fail)
             m_fail();
+        m_known = m_stored;
         return m_stored;
+    }
+
+    [[nodiscard]] bool isChangedOutside() override
+    {
+        if (m_fail)
+            m_fail();
+        return m_known != m_stored;
+    }
+
+    [[nodiscard]] NoteSnapshot reload(const NoteSnapshot &typed) override
+    {
+        const NoteSnapshot last = m_known;
+        return merged(last, typed, load());
     }
 
     void save(const NoteSnapshot &snapshot) override
@@ -50,7 +70,9 @@ public:
         ++m_saves;
         if (m_fail)
             m_fail();
-        m_stored = snapshot;
+        if (m_known != m_stored)
+            throw RepositoryError::externalChange();
+        m_known = m_stored = snapshot;
     }
 
     [[nodiscard]] std::optional<std::chrono::milliseconds>
@@ -102,6 +124,7 @@ private:
     bool m_cannotKeep = false;
     std::optional<QUuid> m_captureId;
     NoteSnapshot m_stored;
+    NoteSnapshot m_known;
     std::function<void()> m_fail;
     Tidy m_tidy;
     std::optional<QUrl> m_notesFolderURL;
