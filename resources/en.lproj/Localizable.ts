@@ -72,6 +72,10 @@
         <translation>Close · Esc</translation>
     </message>
     <message>
+        <source>Reload</source>
+        <translation>Reload</translation>
+    </message>
+    <message>
         <source>Show file</source>
         <translation>Show file</translation>
     </message>

@@ -72,6 +72,10 @@
         <translation>关闭 · Esc</translation>
     </message>
     <message>
+        <source>Reload</source>
+        <translation>重新加载</translation>
+    </message>
+    <message>
         <source>Show file</source>
         <translation>显示文件</translation>
     </message>

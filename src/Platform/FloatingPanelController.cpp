@@ -79,6 +79,7 @@ void FloatingPanelController::expand()
     m_previousApplication = m_focus.frontmost();
     m_isExpanded = true;
     m_isWarm = true;
+    m_store.takeInChanges();
     m_editor.setContent(makeEditorContent());
     placeEditor();
     m_launcher.hide();

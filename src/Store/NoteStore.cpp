@@ -93,19 +93,58 @@ NoteStore::NoteStore(std::unique_ptr<NoteRepository> repository, Clock clock, QO
     m_tidyTimer.setSingleShot(true);
     connect(&m_tidyTimer, &QTimer::timeout, this, &NoteStore::tidy);
 
-    const auto failure = failureOf([this] { m_snapshot = m_repository->load(); });
+    load();
+}
+
+bool NoteStore::load()
+{
+    NoteSnapshot loaded;
+    const auto failure = failureOf([&] { loaded = m_repository->load(); });
+    m_isReadOnly = failure.has_value();
     if (failure) {
-        m_isReadOnly = true;
         setErrorContext(u"Could not read your notes. Original files were protected."_s);
         setFailure(failure->message, failure->repositoryError, failure->place);
+        return false;
     }
+    setSnapshot(loaded);
+    setFailure(std::nullopt, std::nullopt, std::nullopt);
     m_captureId = m_repository->captureId().value_or(m_captureId);
-    if (const std::optional<Message> leftAlone = m_repository->leftAlone(); leftAlone && !failure) {
+    if (const std::optional<Message> leftAlone = m_repository->leftAlone()) {
         setErrorContext(u"What was typed last could not be read. It was left as it is."_s);
         setFailure(*leftAlone, std::nullopt, std::nullopt);
     }
-    if (!failure && m_repository->hasRestored())
+    if (m_repository->hasRestored())
         scheduleSave();
+    return true;
+}
+
+void NoteStore::takeInChanges()
+{
+    if (m_failure || m_hasPendingChanges)
+        return;
+    bool isChanged = false;
+    const auto failure = failureOf([&] { isChanged = m_repository->isChangedOutside(); });
+    if (failure || isChanged)
+        reload();
+}
+
+bool NoteStore::reload()
+{
+    if (m_isReadOnly)
+        return load();
+    NoteSnapshot loaded;
+    const auto failure = failureOf([&] { loaded = m_repository->reload(m_snapshot); });
+    m_hasFailedToReload = failure.has_value();
+    if (failure) {
+        setErrorContext(u"Could not read your notes. Original files were protected."_s);
+        setFailure(failure->message, failure->repositoryError, failure->place);
+        return false;
+    }
+    setSnapshot(loaded);
+    setFailure(std::nullopt, std::nullopt, std::nullopt);
+    if (m_hasPendingChanges)
+        scheduleSave();
+    return true;
 }
 
 std::optional<QString> NoteStore::errorMessage() const
@@ -228,7 +267,10 @@ bool NoteStore::deleteNote(const Note &note)
 
 bool NoteStore::flush()
 {
-    return commit(m_snapshot);
+    if (commit(m_snapshot))
+        return true;
+    const bool isOutdated = m_repositoryError == RepositoryError::externalChange();
+    return isOutdated && !m_isReadOnly && !m_hasPendingChanges && reload();
 }
 
 std::optional<std::filesystem::path> NoteStore::keepForNextStart()
@@ -246,6 +288,7 @@ bool NoteStore::commit(const NoteSnapshot &snapshot)
     m_saveTimer.stop();
     const auto failure = failureOf([&] { m_repository->save(snapshot); });
     if (failure) {
+        m_hasFailedToReload = false;
         keepTyped();
         setErrorContext(u"Could not save. Your text is still in this window."_s);
         setFailure(failure->message, failure->repositoryError, failure->place);

@@ -17,8 +17,8 @@
 ///
 /// Lives on the GUI thread. No call throws: a failure becomes errorMessage() and errorContext(),
 /// and what was typed stays in memory until a later save succeeds, and in a file against a sudden
-/// end of the program. A store whose first load failed is read-only for the rest of its life, so
-/// that files it could not read are never overwritten.
+/// end of the program. A store whose load failed is read-only until reload() succeeds, so that
+/// files it could not read are never overwritten.
 /// Each xChanged() is emitted after the state has changed, and only then.
 class NoteStore final : public QObject {
     Q_OBJECT
@@ -69,8 +69,15 @@ public:
         return m_errorPlace;
     }
 
-    /// Decided by the first load, once and for all.
+    /// Nothing could be loaded yet.
     [[nodiscard]] bool isReadOnly() const noexcept { return m_isReadOnly; }
+
+    /// The failure is one that reload() may end: another program changed the notes, or they could
+    /// not be read.
+    [[nodiscard]] bool canReload() const noexcept
+    {
+        return m_failure && (m_isReadOnly || m_repositoryError || m_hasFailedToReload);
+    }
 
     /// A draft waits for its write.
     [[nodiscard]] bool hasPendingChanges() const noexcept { return m_hasPendingChanges; }
@@ -109,8 +116,17 @@ public:
     bool saveEdit(const Note &note);
     bool deleteNote(const Note &note);
 
-    /// Writes the current state now.
+    /// Writes the current state now. With nothing to be written, what another program changed
+    /// meanwhile is taken in instead of being a reason to fail.
     bool flush();
+
+    /// To be called when the notes are about to be shown: takes in what other programs changed,
+    /// unless something waits to be written or an error stands.
+    void takeInChanges();
+
+    /// Loads the notes anew and keeps what waits to be written, as merged() says. True when that
+    /// went well; otherwise everything is as it was, and the failure says why.
+    bool reload();
 
     /// For an end that cannot wait until a save succeeds: keeps what was typed, safe on the disk,
     /// for the next start. Where it is; nothing when that failed, too.
@@ -125,6 +141,7 @@ Q_SIGNALS:
     void hasPendingChangesChanged();
 
 private:
+    bool load();
     bool commit(const NoteSnapshot &snapshot);
     void scheduleSave();
     void keepTyped();
@@ -145,6 +162,7 @@ private:
     std::optional<RepositoryError> m_repositoryError;
     std::optional<std::filesystem::path> m_errorPlace;
     bool m_isReadOnly = false;
+    bool m_hasFailedToReload = false;
 
     /// Of the note that the text of the capture screen will become.
     QUuid m_captureId = QUuid::createUuid();

@@ -44,6 +44,9 @@ private Q_SLOTS:
     void saysWhichVersionItCannotRead();
     void showsTheFileThatAFailureIsAbout();
     void namesAFileOnceOnly();
+    void loadsTheNotesAnew();
+    void offersToLoadNotesThatCouldNotBeRead();
+    void leavesANoteThatAnotherProgramRemoved();
     void triesAgain();
     void triesNothingWhileTheStoreIsReadOnly();
     void isAnAlertForAReader();
@@ -381,6 +384,62 @@ void NoteWorkspaceViewTest::namesAFileOnceOnly()
     workspace.repository->failWith(FileError("/notes/one.md", ENOSPC));
     workspace.store.flush();
     QVERIFY(!Views::find(*workspace.view, "showFile"));
+}
+
+void NoteWorkspaceViewTest::loadsTheNotesAnew()
+{
+    Workspace workspace(1);
+    QVERIFY(Views::show(workspace.panel));
+    workspace.repository->failWith(noSpace);
+    workspace.store.setDraft(u"ours"_s);
+    QVERIFY(!workspace.store.flush());
+    QVERIFY(!workspace.has("reload"));
+    workspace.repository->recover();
+    NoteSnapshot theirs = workspace.store.snapshot();
+    theirs.captureDraft = u"theirs"_s;
+    workspace.repository->changeOutside(theirs);
+    QVERIFY(!workspace.store.flush());
+
+    QCOMPARE(workspace.text("reload"), u"Reload"_s);
+    workspace.preferences.setLanguage(AppLanguage::chinese);
+    QCOMPARE(workspace.text("reload"), u"重新加载"_s);
+    workspace.click("reload");
+
+    QVERIFY(!workspace.has("errorBanner"));
+    QCOMPARE(workspace.editor()->noteText(), u"ours\n\ntheirs"_s);
+}
+
+void NoteWorkspaceViewTest::offersToLoadNotesThatCouldNotBeRead()
+{
+    Workspace workspace(Workspace::unreadable(RepositoryError::recoveryRequired()));
+    QVERIFY(Views::show(workspace.panel));
+    QVERIFY(!workspace.editor()->isEnabled());
+    workspace.repository->recover();
+
+    workspace.click("reload");
+
+    QVERIFY(!workspace.has("errorBanner"));
+    QVERIFY(workspace.editor()->isEnabled());
+}
+
+void NoteWorkspaceViewTest::leavesANoteThatAnotherProgramRemoved()
+{
+    Workspace workspace(2);
+    QVERIFY(Views::show(workspace.panel));
+    const Note note = workspace.store.notes().first();
+    workspace.openFirstNote();
+    workspace.store.updateDraft(note, u"our edit"_s);
+    NoteSnapshot theirs = workspace.repository->stored();
+    theirs.notes.removeIf([&](const Note &other) { return other.id == note.id; });
+    workspace.repository->changeOutside(theirs);
+    QVERIFY(!workspace.store.flush());
+
+    workspace.click("reload");
+
+    QVERIFY(!workspace.has("errorBanner"));
+    QVERIFY(!workspace.has("saveEdit"));
+    QCOMPARE(workspace.store.draft(), u"our edit"_s);
+    QVERIFY(!workspace.store.hasDraft(note));
 }
 
 void NoteWorkspaceViewTest::triesAgain()

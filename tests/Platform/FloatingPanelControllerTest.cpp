@@ -59,6 +59,7 @@ private Q_SLOTS:
 
     void opensTheEditorInTheLaunchersPlace();
     void opensTheEditorOnAClick();
+    void showsWhatAnotherProgramChangedMeanwhile();
     void bringsAnOpenEditorForwardAndKeepsItsScreen();
     void buildsAFreshWorkspaceAtEachOpening();
     void keepsNoWorkspaceBehindTheLauncher();
@@ -339,6 +340,20 @@ void FloatingPanelControllerTest::opensTheEditorInTheLaunchersPlace()
     QVERIFY(m_controller->editor().isVisible());
     QCOMPARE(editorFrame(), (Rect{992, 271, 424, 560}));
     QVERIFY(QTest::qWaitForWindowActive(&m_controller->editor()));
+}
+
+void FloatingPanelControllerTest::showsWhatAnotherProgramChangedMeanwhile()
+{
+    make();
+    m_repository->changeOutside({1, {}, u"theirs"_s, {}});
+
+    m_controller->expand();
+
+    QCOMPARE(m_store->draft(), u"theirs"_s);
+    m_repository->changeOutside({1, {}, u"theirs again"_s, {}});
+    m_controller->collapse();
+    QVERIFY(m_controller->launcher().isVisible());
+    QCOMPARE(m_store->draft(), u"theirs again"_s);
 }
 
 void FloatingPanelControllerTest::opensTheEditorOnAClick()

@@ -19,6 +19,7 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     , m_message(named(u"errorMessage"_s, new TextLabel(TextStyles::banner, this)))
     , m_retry(named(u"retry"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_show(named(u"showFile"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
+    , m_reload(named(u"reload"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
 {
     setObjectName(u"errorBanner"_s);
     m_message->setWraps(true);
@@ -28,15 +29,18 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     auto *symbol = new SymbolView(u"exclamationmark.triangle"_s, TextStyles::banner, frame);
     row(frame,
         {aligned(Qt::AlignTop, symbol),
-         {m_message, Qt::AlignTop},
+         filling(column({m_message, aligned(Qt::AlignLeft, m_reload), stretch()},
+                        {Metrics::bannerSpacing, {}})),
          column({aligned(Qt::AlignRight, m_retry), aligned(Qt::AlignRight, m_show), stretch()},
                 {Metrics::bannerSpacing, {}})},
         {Metrics::bannerSpacing, Metrics::bannerPadding});
     m_show->hide();
+    m_reload->hide();
     column(this, {frame}, {0, Metrics::bannerMargins});
 
     connect(m_retry, &QAbstractButton::clicked, this, &ErrorBanner::retryRequested);
     connect(m_show, &QAbstractButton::clicked, this, &ErrorBanner::showRequested);
+    connect(m_reload, &QAbstractButton::clicked, this, &ErrorBanner::reloadRequested);
     hide();
 }
 
@@ -70,4 +74,14 @@ void ErrorBanner::setShowText(const QString &text)
 void ErrorBanner::setShowVisible(bool visible)
 {
     m_show->setVisible(visible);
+}
+
+void ErrorBanner::setReloadText(const QString &text)
+{
+    m_reload->setText(text);
+}
+
+void ErrorBanner::setReloadVisible(bool visible)
+{
+    m_reload->setVisible(visible);
 }

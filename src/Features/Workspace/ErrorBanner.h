@@ -6,9 +6,9 @@
 class PlainButton;
 class TextLabel;
 
-/// What went wrong and whether the words are safe, with a button to try again and, when it is about
-/// a file, one to show that. Hidden while there is nothing to say; announced to assistive tools
-/// when it has something new to say.
+/// What went wrong and whether the words are safe, with a button to try again, when it is about a
+/// file one to show that, and below the text one to load the notes anew where that may help. Hidden
+/// while there is nothing to say; announced to assistive tools when it has something new to say.
 class ErrorBanner final : public QWidget {
     Q_OBJECT
 
@@ -21,13 +21,17 @@ public:
     void setRetryEnabled(bool enabled);
     void setShowText(const QString &text);
     void setShowVisible(bool visible);
+    void setReloadText(const QString &text);
+    void setReloadVisible(bool visible);
 
 Q_SIGNALS:
     void retryRequested();
     void showRequested();
+    void reloadRequested();
 
 private:
     TextLabel *const m_message;
     PlainButton *const m_retry;
     PlainButton *const m_show;
+    PlainButton *const m_reload;
 };

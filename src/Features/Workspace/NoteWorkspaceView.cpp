@@ -20,6 +20,7 @@
 #include "TextLabel.h"
 
 #include <QLayout>
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -92,6 +93,7 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     connect(m_collapse, &QAbstractButton::clicked, this, &NoteWorkspaceView::collapseRequested);
     connect(m_banner, &ErrorBanner::retryRequested, this, &NoteWorkspaceView::retry);
     connect(m_banner, &ErrorBanner::showRequested, this, &NoteWorkspaceView::showFile);
+    connect(m_banner, &ErrorBanner::reloadRequested, this, &NoteWorkspaceView::reload);
 
     showScreen();
     render();
@@ -125,6 +127,18 @@ void NoteWorkspaceView::retry()
 {
     if (!m_store.isReadOnly())
         m_store.flush();
+}
+
+void NoteWorkspaceView::reload()
+{
+    if (!m_store.reload() || !m_selectedNote)
+        return;
+    const QList<Note> &notes = m_store.snapshot().notes;
+    const auto note = std::ranges::find(notes, m_selectedNote->id, &Note::id);
+    if (note == notes.end())
+        closeNote();
+    else
+        open(*note);
 }
 
 void NoteWorkspaceView::showFile()
@@ -190,6 +204,8 @@ void NoteWorkspaceView::render()
     m_banner->setRetryEnabled(!m_store.isReadOnly());
     m_banner->setShowText(m_preferences.text(u"Show file"_s));
     m_banner->setShowVisible(m_store.errorPlace().has_value());
+    m_banner->setReloadText(m_preferences.text(u"Reload"_s));
+    m_banner->setReloadVisible(m_store.canReload());
 
     m_storage->setText(m_preferences.text(u"Markdown · local"_s));
     const qsizetype count = m_store.snapshot().notes.size();

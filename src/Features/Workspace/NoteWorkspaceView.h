@@ -37,6 +37,7 @@ private:
     void open(const Note &note);
     void closeNote();
     void retry();
+    void reload();
     void showFile();
 
     [[nodiscard]] QWidget *makeScreen();

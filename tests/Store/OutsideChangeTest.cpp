@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "NoteStore.h"
+
+#include "FailingRepository.h"
+#include "FileError.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <cerrno>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const Note note{QUuid::createUuid(), u"body"_s, {1}, {2}};
+
+NoteSnapshot withDraft(const QString &draft)
+{
+    return {1, {note}, draft, {}};
+}
+
+} // namespace
+
+/// Another program, here or on another computer, changes the notes while the store has them.
+class OutsideChangeTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void isTakenInBeforeTheNotesAreShown();
+    void isLeftAloneWhileSomethingWaitsToBeWritten();
+    void isLeftAloneWhileAnErrorStands();
+    void isNoReasonToFailWithNothingToBeWritten();
+    void failsTheSaveOfWhatWaits();
+    void isTakenInOnRequest();
+    void endsAReadOnlyStore();
+    void leavesEverythingWhenItCannotBeRead();
+    void offersNoReloadForADiskThatFails();
+
+private:
+    FailingRepository *m_repository = nullptr;
+    std::optional<NoteStore> m_store;
+};
+
+void OutsideChangeTest::init()
+{
+    auto repository = std::make_unique<FailingRepository>(withDraft(u"old"_s));
+    m_repository = repository.get();
+    m_store.emplace(std::move(repository));
+}
+
+void OutsideChangeTest::isTakenInBeforeTheNotesAreShown()
+{
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+    const QSignalSpy changed(&*m_store, &NoteStore::snapshotChanged);
+
+    m_store->takeInChanges();
+
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(m_store->draft(), u"theirs"_s);
+    QCOMPARE(m_store->status(), u"Saved on this Mac"_s);
+    QVERIFY(m_store->saveCapture());
+
+    m_store->takeInChanges();
+    QCOMPARE(changed.size(), 2);
+}
+
+void OutsideChangeTest::isLeftAloneWhileSomethingWaitsToBeWritten()
+{
+    m_store->setDraft(u"ours"_s);
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+
+    m_store->takeInChanges();
+
+    QCOMPARE(m_store->draft(), u"ours"_s);
+    QVERIFY(m_store->hasPendingChanges());
+}
+
+void OutsideChangeTest::isLeftAloneWhileAnErrorStands()
+{
+    m_repository->failWith(FileError("/notes/a.md", EIO));
+    QVERIFY(!m_store->deleteNote(note));
+    m_repository->recover();
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+
+    m_store->takeInChanges();
+
+    QCOMPARE(m_store->draft(), u"old"_s);
+    QVERIFY(m_store->failure());
+}
+
+void OutsideChangeTest::isNoReasonToFailWithNothingToBeWritten()
+{
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+
+    QVERIFY(m_store->flush());
+
+    QCOMPARE(m_store->draft(), u"theirs"_s);
+    QCOMPARE(m_repository->stored(), withDraft(u"theirs"_s));
+    QVERIFY(!m_store->failure());
+}
+
+void OutsideChangeTest::failsTheSaveOfWhatWaits()
+{
+    m_store->setDraft(u"ours"_s);
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+
+    QVERIFY(!m_store->flush());
+
+    QCOMPARE(m_store->repositoryError(), RepositoryError::externalChange());
+    QVERIFY(m_store->canReload());
+    QCOMPARE(m_store->draft(), u"ours"_s);
+    QCOMPARE(m_repository->stored(), withDraft(u"theirs"_s));
+}
+
+void OutsideChangeTest::isTakenInOnRequest()
+{
+    m_store->setDraft(u"ours"_s);
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+    QVERIFY(!m_store->flush());
+
+    QVERIFY(m_store->reload());
+
+    QCOMPARE(m_store->draft(), u"ours\n\ntheirs"_s);
+    QVERIFY(!m_store->failure());
+    QVERIFY(!m_store->canReload());
+    QVERIFY(m_store->hasPendingChanges());
+    QTRY_COMPARE(m_repository->stored(), withDraft(u"ours\n\ntheirs"_s));
+    QVERIFY(!m_store->hasPendingChanges());
+}
+
+void OutsideChangeTest::endsAReadOnlyStore()
+{
+    auto repository = std::make_unique<FailingRepository>(withDraft(u"old"_s));
+    repository->failWith(RepositoryError::invalidMarkdown());
+    FailingRepository &unreadable = *repository;
+    NoteStore store(std::move(repository));
+    QVERIFY(store.isReadOnly());
+    QVERIFY(store.canReload());
+    QVERIFY(!store.reload());
+    QVERIFY(store.isReadOnly());
+
+    unreadable.recover();
+    QVERIFY(store.reload());
+
+    QVERIFY(!store.isReadOnly());
+    QVERIFY(!store.failure());
+    QCOMPARE(store.draft(), u"old"_s);
+    store.setDraft(u"new"_s);
+    QVERIFY(store.flush());
+}
+
+void OutsideChangeTest::leavesEverythingWhenItCannotBeRead()
+{
+    m_repository->failWith(FileError("/notes/a.md", Reason::notUtf8));
+
+    m_store->takeInChanges();
+
+    QVERIFY(!m_store->isReadOnly());
+    QVERIFY(m_store->canReload());
+    QCOMPARE(m_store->errorPlace(), std::filesystem::path("/notes/a.md"));
+    QCOMPARE(m_store->errorContext(),
+             u"Could not read your notes. Original files were protected."_s);
+    QCOMPARE(m_store->snapshot(), withDraft(u"old"_s));
+}
+
+void OutsideChangeTest::offersNoReloadForADiskThatFails()
+{
+    m_repository->failWith(FileError("/notes/a.md", ENOSPC));
+
+    QVERIFY(!m_store->deleteNote(note));
+
+    QVERIFY(!m_store->canReload());
+}
+
+QTEST_GUILESS_MAIN(OutsideChangeTest)
+#include "OutsideChangeTest.moc"
