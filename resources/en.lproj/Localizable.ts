@@ -80,6 +80,10 @@
         <translation>Show file</translation>
     </message>
     <message>
+        <source>To quit all the same, press Ctrl+Q.</source>
+        <translation>To quit all the same, press Ctrl+Q.</translation>
+    </message>
+    <message>
         <source>Retry</source>
         <translation>Retry</translation>
     </message>

@@ -80,6 +80,10 @@
         <translation>显示文件</translation>
     </message>
     <message>
+        <source>To quit all the same, press Ctrl+Q.</source>
+        <translation>仍要退出，请按 Ctrl+Q。</translation>
+    </message>
+    <message>
         <source>Retry</source>
         <translation>重试</translation>
     </message>

@@ -10,11 +10,12 @@
 #include "MemoryNoteRepository.h"
 #include "NoteStore.h"
 #include "NoteTheme.h"
+#include "PanelHints.h"
 #include "Screens.h"
 #include "StandardDefaults.h"
 
+#include <QApplication>
 #include <QFile>
-#include <QGuiApplication>
 #include <QInputMethod>
 #include <QPalette>
 #include <QSettings>
@@ -63,8 +64,7 @@ std::optional<Message> AppDelegate::applicationDidFinishLaunching(const LaunchOp
         return notesInUse();
     m_store = std::make_unique<NoteStore>(std::move(repository));
     // Before the program gives itself a palette, that of the platform tells light from dark.
-    m_system =
-        std::make_unique<DesktopAppearance>(NoteTheme::colorScheme(QGuiApplication::palette()));
+    m_system = std::make_unique<DesktopAppearance>(NoteTheme::colorScheme(QApplication::palette()));
     m_screens = std::make_unique<DesktopScreens>();
     m_focus = std::make_unique<X11ApplicationFocus>();
     m_panels = std::make_unique<FloatingPanelController>(
@@ -80,6 +80,13 @@ std::optional<Message> AppDelegate::applicationDidFinishLaunching(const LaunchOp
 
 bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/)
 {
+    if (QWidget *const question = QApplication::activeModalWidget()) {
+        PanelHints::activate(*question);
+        return false;
+    }
+    // An open menu would keep the keys.
+    while (QWidget *const menu = QApplication::activePopupWidget())
+        menu->close();
     if (m_panels)
         m_panels->expand();
     return false;
@@ -112,6 +119,7 @@ QString AppDelegate::keepForNextStart()
 bool AppDelegate::writeNow()
 {
     // What an input method is still composing belongs to the text.
-    QGuiApplication::inputMethod()->commit();
-    return m_store->flush();
+    QApplication::inputMethod()->commit();
+    // What another program changed meanwhile is none of what the user would lose.
+    return m_store->flush() || !m_store->hasPendingChanges();
 }

@@ -40,16 +40,19 @@ public:
     /// that is the answer, and nothing but the preferences was built.
     std::optional<Message> applicationDidFinishLaunching(const LaunchOptions &options);
 
-    /// Opens the editor. False: nothing is left to do for the caller.
+    /// Opens the editor, or brings a question forward that waits for its answer. False: nothing is
+    /// left to do for the caller.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
     /// The program lives on without a window.
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
 
-    /// Writes what is in memory. When that fails, the user decides.
+    /// Writes what is in memory. When that fails and something typed would be lost, the user
+    /// decides.
     [[nodiscard]] TerminateReply applicationShouldTerminate();
 
-    /// Writes what is in memory, for an end that cannot be put off. False when that failed.
+    /// Writes what is in memory, for an end that cannot be put off. False when that failed and
+    /// something typed would be lost.
     bool applicationWillTerminate();
 
     /// What to say when it failed and the program ends all the same: why, and where what was typed

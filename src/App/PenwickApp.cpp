@@ -49,7 +49,7 @@ QString whyRefused(SingleInstance::Claim claim)
 
 PenwickApp::PenwickApp(int &argc, char **argv)
     : m_application(makeApplication(argc, argv))
-    , m_delegate(&QuitAlert::ask)
+    , m_delegate(&QuitAlert::isConfirmed)
 {
     m_application->setQuitOnLastWindowClosed(
         m_delegate.applicationShouldTerminateAfterLastWindowClosed());

@@ -2,20 +2,18 @@
 #include "QuitAlert.h"
 
 #include "AppPreferences.h"
-#include "PanelHints.h"
 
 #include <QPushButton>
 
 using namespace Qt::Literals::StringLiterals;
 
 QuitAlert::QuitAlert(const AppPreferences *preferences)
+    : ProgramAlert(preferences)
 {
     const auto text = [preferences](const QString &key) {
         return preferences ? preferences->text(key) : key;
     };
 
-    setWindowTitle(u"Quillmark"_s);
-    setIcon(Warning);
     setText(text(u"Some changes could not be saved"_s));
     setInformativeText(text(u"Return and retry, or copy your text first. Quitting now will lose "
                             u"changes that could not be written."_s));
@@ -23,20 +21,15 @@ QuitAlert::QuitAlert(const AppPreferences *preferences)
     m_quitAnyway = addButton(text(u"Quit anyway"_s), DestructiveRole);
     setDefaultButton(returnToNotes);
     setEscapeButton(returnToNotes);
-
-    // The program has no window that the user works in, so the alert could come up behind others.
-    setWindowFlag(Qt::WindowStaysOnTopHint);
 }
 
 bool QuitAlert::confirmsQuitting()
 {
-    show();
-    PanelHints::activate(*this);
-    exec();
+    ask();
     return clickedButton() == m_quitAnyway;
 }
 
-bool QuitAlert::ask(const AppPreferences *preferences)
+bool QuitAlert::isConfirmed(const AppPreferences *preferences)
 {
     return QuitAlert(preferences).confirmsQuitting();
 }

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QMessageBox>
+#include "ProgramAlert.h"
 
-class AppPreferences;
 class QPushButton;
 
 /// Asks, when the last write failed, whether to quit all the same and lose what was not written.
-class QuitAlert final : public QMessageBox {
+class QuitAlert final : public ProgramAlert {
     Q_OBJECT
 
 public:
@@ -19,7 +18,7 @@ public:
     [[nodiscard]] bool confirmsQuitting();
 
     /// Shows an alert and waits for its answer.
-    [[nodiscard]] static bool ask(const AppPreferences *preferences);
+    [[nodiscard]] static bool isConfirmed(const AppPreferences *preferences);
 
 private:
     QPushButton *m_quitAnyway;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "RefusedStart.h"
 
+#include "AppAppearance.h"
 #include "AppPreferences.h"
-#include "PanelHints.h"
+#include "NoteTheme.h"
 
+#include <QApplication>
 #include <QPushButton>
 #include <QTimer>
 #include <cstdio>
@@ -13,14 +15,12 @@
 using namespace Qt::Literals::StringLiterals;
 
 RefusedStart::RefusedStart(const Message &reason, const AppPreferences *preferences)
+    : ProgramAlert(preferences)
 {
-    setWindowTitle(u"Quillmark"_s);
-    setIcon(Information);
     setText(preferences ? preferences->text(reason) : reason.english());
     // A path is no rich text, whatever it holds.
     setTextFormat(Qt::PlainText);
     addButton(preferences ? preferences->text(u"OK"_s) : u"OK"_s, AcceptRole);
-    setWindowFlag(Qt::WindowStaysOnTopHint);
     QTimer::singleShot(longestTime, this, &QDialog::accept);
 }
 
@@ -30,10 +30,10 @@ void RefusedStart::tell(const Message &reason, const AppPreferences *preferences
     std::fprintf(stderr, "%s\n", told.toLocal8Bit().constData());
     if (isRead(STDERR_FILENO))
         return;
-    RefusedStart alert(reason, preferences);
-    alert.show();
-    PanelHints::activate(alert);
-    alert.exec();
+    const ColorScheme system = NoteTheme::colorScheme(QApplication::palette());
+    QApplication::setPalette(
+        NoteTheme::palette(preferences ? colorScheme(preferences->appearance(), system) : system));
+    RefusedStart(reason, preferences).ask();
 }
 
 bool RefusedStart::isRead(int descriptor) noexcept

@@ -2,17 +2,15 @@
 #pragma once
 
 #include "Message.h"
+#include "ProgramAlert.h"
 
-#include <QMessageBox>
 #include <chrono>
-
-class AppPreferences;
 
 /// Tells why the program ends before it has begun.
 ///
 /// The alert goes by itself after a while: a start that is not to be must come to its end, also
 /// where nobody sits before the screen.
-class RefusedStart final : public QMessageBox {
+class RefusedStart final : public ProgramAlert {
     Q_OBJECT
 
 public:

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QWidget>
+#include <array>
 
 namespace {
 
@@ -16,6 +17,15 @@ bool tellsOfOtherWindows(X11Session &session, const xcb_generic_event_t &event)
     return change.window == session.root() &&
            (change.atom == session.ewmh()._NET_ACTIVE_WINDOW ||
             change.atom == session.ewmh()._NET_CLIENT_LIST_STACKING);
+}
+
+void putBelow(const X11Session &session, const QWidget &window, const QWidget &other)
+{
+    const std::array<uint32_t, 2> values{X11Session::outermost(X11Session::window(other)),
+                                         XCB_STACK_MODE_BELOW};
+    xcb_configure_window(session.connection(), X11Session::window(window),
+                         XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values.data());
+    xcb_flush(session.connection());
 }
 
 } // namespace
@@ -40,7 +50,12 @@ bool KeepOnTop::nativeEventFilter(const QByteArray & /*eventType*/, void *messag
     X11Session *const session = X11Session::current();
     // A menu or tooltip of the program itself lies above the window and stays there.
     if (session && m_window.isVisible() && !QApplication::activePopupWidget() &&
-        tellsOfOtherWindows(*session, *static_cast<xcb_generic_event_t *>(message)))
-        m_window.raise();
+        tellsOfOtherWindows(*session, *static_cast<xcb_generic_event_t *>(message))) {
+        const QWidget *const question = QApplication::activeModalWidget();
+        if (question && question != &m_window)
+            putBelow(*session, m_window, *question);
+        else
+            m_window.raise();
+    }
     return false;
 }

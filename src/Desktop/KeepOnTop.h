@@ -7,7 +7,8 @@
 class QWidget;
 
 /// Raises a window that no window manager cares for, whenever another window was activated or
-/// restacked. Sleeps until the window manager reports such a change; raising it reports none.
+/// restacked; under a question of the program itself it stays, right below that. Sleeps until the
+/// window manager reports such a change; raising it reports none.
 class KeepOnTop final : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 

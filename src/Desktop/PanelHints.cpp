@@ -17,8 +17,6 @@
 
 namespace {
 
-constexpr uint32_t onAllDesktops = 0xFFFFFFFF;
-
 /// Nearly opaque. What is less is blended with black by the server, and on a light desktop the
 /// softened edge of a shape would look like a row of dark dots.
 constexpr int leastAlpha = 230;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Qt>
+#include <cstdint>
 
 class QImage;
 class QPoint;
@@ -12,6 +13,9 @@ class QWidget;
 /// platform than X11. docs/ARCHITECTURE.md says why the bubble bypasses the window manager and the
 /// editor does not.
 namespace PanelHints {
+
+/// The number that stands for every workspace; EWMH, _NET_WM_DESKTOP.
+inline constexpr uint32_t onAllDesktops = 0xFFFFFFFF;
 
 /// Every panel: no frame, above the others, no shadow, which most window managers would draw
 /// around the rectangle and not around the visible shape.

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "X11Session.h"
 
+#include "XcbReply.h"
+
 #include <QGuiApplication>
 #include <QInputEvent>
 #include <QPointer>
 #include <QWidget>
+#include <string_view>
 
 namespace {
 
@@ -32,7 +35,11 @@ X11Session *X11Session::current()
 
 X11Session::X11Session(xcb_connection_t *connection)
 {
+    constexpr std::string_view stateName = "WM_STATE";
+    const auto request = xcb_intern_atom(connection, 0, stateName.size(), stateName.data());
     xcb_ewmh_init_atoms_replies(&m_ewmh, xcb_ewmh_init_atoms(connection, &m_ewmh), nullptr);
+    if (const auto reply = owned(xcb_intern_atom_reply(connection, request, nullptr)))
+        m_stateProperty = reply->atom;
 }
 
 X11Session::~X11Session()
@@ -62,6 +69,18 @@ xcb_timestamp_t X11Session::userTime() const
 xcb_window_t X11Session::window(const QWidget &widget)
 {
     return static_cast<xcb_window_t>(widget.effectiveWinId());
+}
+
+xcb_window_t X11Session::outermost(xcb_window_t window)
+{
+    const X11Session *const session = current();
+    for (;;) {
+        const auto request = xcb_query_tree(session->connection(), window);
+        const auto tree = owned(xcb_query_tree_reply(session->connection(), request, nullptr));
+        if (!tree || tree->parent == session->root() || tree->parent == XCB_WINDOW_NONE)
+            return window;
+        window = tree->parent;
+    }
 }
 
 uint8_t X11Session::eventType(const xcb_generic_event_t &event) noexcept

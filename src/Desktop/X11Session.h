@@ -27,11 +27,17 @@ public:
     /// The selection whose owner is the compositing manager.
     [[nodiscard]] xcb_atom_t compositorSelection() const noexcept;
 
+    /// WM_STATE, where a window manager says what it has made of a window.
+    [[nodiscard]] xcb_atom_t stateProperty() const noexcept { return m_stateProperty; }
+
     /// The time to give for something that happens now because of the user.
     [[nodiscard]] xcb_timestamp_t userTime() const;
 
     /// The X window of a top-level widget.
     [[nodiscard]] static xcb_window_t window(const QWidget &widget);
+
+    /// The frame that a window manager has put around a window, or the window itself.
+    [[nodiscard]] static xcb_window_t outermost(xcb_window_t window);
 
     /// What kind an event is, also one that another program sent.
     [[nodiscard]] static uint8_t eventType(const xcb_generic_event_t &event) noexcept;
@@ -42,6 +48,7 @@ private:
     explicit X11Session(xcb_connection_t *connection);
 
     xcb_ewmh_connection_t m_ewmh{};
+    xcb_atom_t m_stateProperty = XCB_ATOM_NONE;
     xcb_timestamp_t m_lastInput = XCB_CURRENT_TIME;
     QElapsedTimer m_sinceLastInput;
 };

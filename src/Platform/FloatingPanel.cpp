@@ -6,6 +6,7 @@
 #include "KeepOnTop.h"
 #include "Layouts.h"
 #include "PanelHints.h"
+#include "PresenceWatch.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -40,6 +41,11 @@ FloatingPanel::FloatingPanel(Kind kind, QSize contentSize)
     } else {
         new FocusWatch(*this);
     }
+    auto *const presence =
+        new PresenceWatch(*this, kind == Kind::launcher ? PresenceWatch::Care::unmanaged
+                                                        : PresenceWatch::Care::managed);
+    connect(presence, &PresenceWatch::lost, this, &FloatingPanel::giveUpWindow);
+    connect(presence, &PresenceWatch::windowDestroyed, this, &FloatingPanel::giveUpWindow);
 }
 
 void FloatingPanel::setContent(QWidget *content)
@@ -60,6 +66,14 @@ void FloatingPanel::makeKey()
     PanelHints::activate(*this);
 }
 
+void FloatingPanel::comeBack()
+{
+    if (m_kind == Kind::launcher)
+        show();
+    else
+        makeKey();
+}
+
 void FloatingPanel::setCutOut(bool isCutOut)
 {
     m_isCutOut = isCutOut;
@@ -73,6 +87,9 @@ void FloatingPanel::setVisible(bool visible)
         QWidget::setVisible(visible);
         return;
     }
+    // One that was minimised would be so again at once.
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    m_wasActive = false;
     if (m_kind == Kind::launcher) {
         PanelHints::prepareLauncher(*this);
         updateShape();
@@ -90,6 +107,7 @@ void FloatingPanel::setVisible(bool visible)
 bool FloatingPanel::event(QEvent *event)
 {
     const bool isHandled = QWidget::event(event);
+    m_wasActive = m_wasActive || event->type() == QEvent::WindowActivate;
     // The window manager has placed the editor by the time it gives it the keyboard. Where the user
     // moves it afterwards it stays.
     if (event->type() == QEvent::WindowActivate && std::exchange(m_isBeingShown, false) &&
@@ -104,6 +122,10 @@ bool FloatingPanel::event(QEvent *event)
 
 void FloatingPanel::keyPressEvent(QKeyEvent *event)
 {
+    if (event->matches(QKeySequence::Quit) && !event->isAutoRepeat()) {
+        Q_EMIT quitRequested();
+        return;
+    }
     if (!event->matches(QKeySequence::Cancel)) {
         QWidget::keyPressEvent(event);
         return;
@@ -118,11 +140,21 @@ void FloatingPanel::keyPressEvent(QKeyEvent *event)
 
 void FloatingPanel::closeEvent(QCloseEvent *event)
 {
-    if (isVisible() && onEscape) {
+    if (isVisible() && onEscape)
         onEscape();
-        // What is not safe yet stays on the screen.
-        event->setAccepted(!isVisible());
-    }
+    // What is not safe yet stays on the screen, and so does the launcher.
+    event->setAccepted(!isVisible());
+}
+
+void FloatingPanel::giveUpWindow()
+{
+    // Window managers remember of a window that it was minimised. The next one is a new one to
+    // them.
+    const bool wasVisible = isVisible();
+    hide();
+    destroy();
+    if (wasVisible)
+        Q_EMIT lost();
 }
 
 void FloatingPanel::updateShape()

@@ -20,6 +20,9 @@ public:
 
     FloatingPanel(Kind kind, QSize contentSize);
 
+    /// Whether it has got the keyboard since it was last shown.
+    [[nodiscard]] bool wasActive() const noexcept { return m_wasActive; }
+
     /// Fills the panel, in place of an earlier content, which is deleted; none leaves it empty.
     void setContent(QWidget *content);
 
@@ -31,6 +34,9 @@ public:
     /// just did.
     void makeKey();
 
+    /// Puts a panel that was lost back on the screen. The editor takes the keyboard, too.
+    void comeBack();
+
     /// Cuts the window to the shape of what it shows: without a compositing manager everything
     /// else of it would be black.
     void setCutOut(bool isCutOut);
@@ -41,12 +47,21 @@ public:
     /// asked to close the window. None: both do nothing.
     std::function<void()> onEscape;
 
+Q_SIGNALS:
+    /// The panel was shown and yet not on the screen: minimised, unmapped, covered, or destroyed.
+    /// It is hidden now.
+    void lost();
+
+    /// Ctrl+Q, which belongs to the program and not to a screen of it.
+    void quitRequested();
+
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void giveUpWindow();
     void updateShape();
 
     const Kind m_kind;
@@ -55,6 +70,7 @@ private:
     QPoint m_place;
     bool m_isBeingShown = false;
     bool m_isCutOut = false;
+    bool m_wasActive = false;
     /// In device pixels.
     QRegion m_shape;
 };

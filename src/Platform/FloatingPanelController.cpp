@@ -58,6 +58,10 @@ FloatingPanelController::FloatingPanelController(NoteStore &store, AppPreference
     m_launcher.setContent(makeLauncherContent());
     m_editor.onEscape = [this] { collapse(); };
 
+    connect(&m_launcher, &FloatingPanel::lost, &m_launcher, &FloatingPanel::comeBack);
+    connect(&m_editor, &FloatingPanel::lost, this, &FloatingPanelController::followLostEditor);
+    connect(&m_editor, &FloatingPanel::quitRequested, this,
+            &FloatingPanelController::quitRequested);
     connect(&m_screens, &Screens::changed, this, &FloatingPanelController::followScreens);
     connect(&m_preferences, &AppPreferences::didChange, this,
             &FloatingPanelController::applyPreferences);
@@ -88,20 +92,42 @@ void FloatingPanelController::expand()
 
 void FloatingPanelController::collapse()
 {
+    if (write())
+        fold(Handover::toPreviousApplication);
+    else if (m_workspace)
+        m_workspace->showWayOut();
+}
+
+bool FloatingPanelController::write()
+{
     // What an input method is still composing belongs to the text.
     QGuiApplication::inputMethod()->commit();
-    if (!m_store.isReadOnly() && !m_store.flush())
-        return;
+    return m_store.isReadOnly() || m_store.flush();
+}
 
+void FloatingPanelController::fold(Handover handover)
+{
     m_isExpanded = false;
     m_editor.hide();
     m_launcher.show();
-    if (m_previousApplication &&
+    if (handover == Handover::toPreviousApplication && m_previousApplication &&
         m_previousApplication->processId != QCoreApplication::applicationPid())
         m_focus.activate(*m_previousApplication);
 
     // The next expand() makes a fresh workspace: none is kept all day behind the launcher.
     m_editor.setContent(nullptr);
+}
+
+void FloatingPanelController::followLostEditor()
+{
+    if (!m_isExpanded)
+        return;
+    // Where it cannot come back either, the launcher is better than nothing: the store keeps what
+    // was typed, and the next opening shows it.
+    if (write() || !m_editor.wasActive())
+        fold(Handover::toNobody);
+    else
+        m_editor.comeBack();
 }
 
 QWidget *FloatingPanelController::makeLauncherContent()
@@ -126,6 +152,7 @@ QWidget *FloatingPanelController::makeEditorContent()
             &FloatingPanelController::collapse);
     connect(workspace, &NoteWorkspaceView::showFolderRequested, this, &openInFileBrowser);
     connect(workspace, &NoteWorkspaceView::showFileRequested, this, &showInFileBrowser);
+    m_workspace = workspace;
 
     auto *const environment = new AppEnvironment(m_preferences, m_system);
     environment->setContent(workspace);

@@ -7,16 +7,21 @@
 #include "LauncherInteraction.h"
 
 #include <QObject>
+#include <QPointer>
 #include <optional>
 
 class AppPreferences;
 class NoteStore;
+class NoteWorkspaceView;
 class QSettings;
 class Screens;
 class SystemAppearance;
 
 /// Owns the two panels: shows one of them, moves the launcher, remembers its place, and gives the
 /// keyboard back to the program that had it.
+///
+/// One of them is truly on the screen at every moment. An editor that a window manager minimises,
+/// covers or loses is folded; where what was typed cannot be saved it comes back.
 class FloatingPanelController final : public QObject {
     Q_OBJECT
 
@@ -39,14 +44,21 @@ public:
     /// forward.
     void expand();
 
-    /// Writes, and folds the editor back into the launcher when that succeeded. A read-only store
-    /// has nothing to write.
+    /// Writes, and folds the editor back into the launcher when that succeeded; else the editor
+    /// says how to leave all the same. A read-only store has nothing to write.
     void collapse();
 
 Q_SIGNALS:
     void quitRequested();
 
 private:
+    /// Whom to give the keyboard to when the editor folds.
+    enum class Handover { toPreviousApplication, toNobody };
+
+    [[nodiscard]] bool write();
+    void fold(Handover handover);
+    void followLostEditor();
+
     [[nodiscard]] QWidget *makeLauncherContent();
     [[nodiscard]] QWidget *makeEditorContent();
 
@@ -76,6 +88,8 @@ private:
 
     FloatingPanel m_launcher;
     FloatingPanel m_editor;
+    /// What the editor shows, while it is open.
+    QPointer<NoteWorkspaceView> m_workspace;
 
     /// Where the launcher was when the present drag began.
     std::optional<Point> m_dragOrigin;

@@ -10,6 +10,8 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QMenu>
+#include <QMessageBox>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -40,12 +42,15 @@ private Q_SLOTS:
     void startsInterfaceTestsBesideAnotherProgramOnTheNotes();
 
     void opensTheEditorWhenItIsStartedAgain();
+    void opensNoEditorBehindAQuestionWhenItIsStartedAgain();
+    void closesAnOpenMenuWhenItIsStartedAgain();
     void keepsRunningWithoutAWindow();
     void tellsThatTheUserWantsToQuit();
 
     void quitsAtOnceWhenTheLastWriteSucceeds();
     void writesAWaitingDraftBeforeItQuits();
     void quitsWithoutAQuestionOrAWriteWhenReadOnly();
+    void quitsWithoutAQuestionWhenNothingTypedWouldBeLost();
     void staysWhenTheWriteFailsAndTheUserReturns();
     void quitsWithoutTheWriteWhenTheUserInsists();
     void asksInTheLanguageOfThePreferences();
@@ -258,6 +263,34 @@ void AppDelegateTest::opensTheEditorWhenItIsStartedAgain()
     QVERIFY(m_delegate->panels()->isExpanded());
 }
 
+void AppDelegateTest::opensNoEditorBehindAQuestionWhenItIsStartedAgain()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    QMessageBox question;
+    question.setModal(true);
+    question.show();
+    QTRY_VERIFY(QApplication::activeModalWidget());
+
+    m_delegate->applicationShouldHandleReopen(true);
+
+    QVERIFY(!m_delegate->panels()->isExpanded());
+    QVERIFY(question.isVisible());
+}
+
+void AppDelegateTest::closesAnOpenMenuWhenItIsStartedAgain()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    QMenu menu;
+    menu.addAction(u"Item"_s);
+    menu.popup({});
+    QTRY_VERIFY(QApplication::activePopupWidget());
+
+    m_delegate->applicationShouldHandleReopen(true);
+
+    QVERIFY(!menu.isVisible());
+    QVERIFY(m_delegate->panels()->isExpanded());
+}
+
 void AppDelegateTest::keepsRunningWithoutAWindow()
 {
     QVERIFY(!m_delegate->applicationShouldTerminateAfterLastWindowClosed());
@@ -313,6 +346,20 @@ void AppDelegateTest::quitsWithoutAQuestionOrAWriteWhenReadOnly()
     QCOMPARE(m_questions, 0);
 }
 
+void AppDelegateTest::quitsWithoutAQuestionWhenNothingTypedWouldBeLost()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    m_delegate->store()->setDraft(u"safe"_s);
+    QVERIFY(m_delegate->store()->flush());
+    changeTheNotesFromOutside();
+
+    QVERIFY(m_delegate->applicationWillTerminate());
+    QCOMPARE(m_delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+
+    QCOMPARE(m_questions, 0);
+    QVERIFY(QFile::exists(foreignNote()));
+}
+
 void AppDelegateTest::staysWhenTheWriteFailsAndTheUserReturns()
 {
     m_delegate->applicationDidFinishLaunching(normal);
@@ -354,10 +401,11 @@ void AppDelegateTest::quitsWithoutTheWriteWhenTheUserInsists()
 void AppDelegateTest::asksInTheLanguageOfThePreferences()
 {
     QSettings(settingsFile(), QSettings::IniFormat).setValue(u"ui.language"_s, u"zh-Hans"_s);
-    AppDelegate delegate(&QuitAlert::ask);
+    AppDelegate delegate(&QuitAlert::isConfirmed);
     delegate.applicationDidFinishLaunching(normal);
     QVERIFY(delegate.store()->flush());
     changeTheNotesFromOutside();
+    delegate.store()->setDraft(u"not safe yet"_s);
     QStringList texts;
     const auto answer = [&texts] {
         auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());

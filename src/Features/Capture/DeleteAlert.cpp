@@ -91,7 +91,8 @@ bool DeleteAlert::focusNextPrevChild(bool)
 
 void DeleteAlert::keyPressEvent(QKeyEvent *event)
 {
-    event->accept();
+    // But for the key that quits the program, which asks for itself.
+    event->setAccepted(!event->matches(QKeySequence::Quit));
     switch (event->key()) {
     case Qt::Key_Escape:
         dismiss();

@@ -99,6 +99,12 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     render();
 }
 
+void NoteWorkspaceView::showWayOut()
+{
+    m_showsWayOut = true;
+    render();
+}
+
 void NoteWorkspaceView::chooseTab(WorkspaceTab tab)
 {
     const bool isShown = tab == m_tab && !m_selectedNote;
@@ -187,11 +193,16 @@ QString NoteWorkspaceView::failureText() const
         text.prepend(m_preferences.text(*context) + u'\n');
     const QString place = m_store.errorPlace() ? shownPath(*m_store.errorPlace()) : QString();
     // Some sentences name it themselves.
-    return place.isEmpty() || text.contains(place) ? text : text + u'\n' + place;
+    if (!place.isEmpty() && !text.contains(place))
+        text += u'\n' + place;
+    if (m_showsWayOut)
+        text += u'\n' + m_preferences.text(u"To quit all the same, press Ctrl+Q."_s);
+    return text;
 }
 
 void NoteWorkspaceView::render()
 {
+    m_showsWayOut = m_showsWayOut && m_store.failure();
     for (const WorkspaceTab tab : allWorkspaceTabs) {
         PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
         button->setText(m_preferences.text(titleOf(tab)));

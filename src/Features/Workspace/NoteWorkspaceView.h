@@ -26,6 +26,10 @@ class NoteWorkspaceView final : public GlassSurface {
 public:
     NoteWorkspaceView(NoteStore &store, AppPreferences &preferences, QWidget *parent = nullptr);
 
+    /// The editor was to fold and cannot, since nothing can be saved: from now on the banner also
+    /// names the key that quits, until a save succeeds.
+    void showWayOut();
+
 Q_SIGNALS:
     /// By the button, or because the thought is saved.
     void collapseRequested();
@@ -50,6 +54,7 @@ private:
     AppPreferences &m_preferences;
     WorkspaceTab m_tab = WorkspaceTab::capture;
     std::optional<Note> m_selectedNote;
+    bool m_showsWayOut = false;
 
     std::array<PlainButton *, allWorkspaceTabs.size()> m_tabs{};
     QuietIconButton *const m_collapse;

@@ -35,6 +35,11 @@ WINDOW_MANAGERS = {
     "mutter": ["mutter", "--x11"],
     "icewm": ["icewm"],
     "kwin_x11": ["kwin_x11"],
+    "marco": ["marco"],
+    "fluxbox": ["fluxbox"],
+    "bspwm": ["bspwm", "-c", "/bin/true"],
+    "awesome": ["awesome"],
+    "dwm": ["dwm"],
 }
 
 # The services that may be started through the bus: assistive technology, and what window managers

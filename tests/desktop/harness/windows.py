@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 """What the X server and the window manager say about windows."""
 
-from Xlib import X, Xatom
+from Xlib import X, Xatom, Xutil
 from Xlib.error import BadDrawable, BadMatch, BadWindow
 from Xlib.protocol import event
 
@@ -196,6 +196,35 @@ class Windows:
 
     def close(self, number):
         self._tell(self.find(number)._window, "_NET_CLOSE_WINDOW", [X.CurrentTime, 2])
+
+    def ask_to_close(self, number):
+        """As a window manager asks, also a window that it does not manage."""
+        window = self.find(number)._window
+        message = event.ClientMessage(
+            window=window, client_type=self._display.intern_atom("WM_PROTOCOLS"),
+            data=(32, [self._display.intern_atom("WM_DELETE_WINDOW"), X.CurrentTime, 0, 0, 0]))
+        window.send_event(message)
+        self._display.sync()
+
+    def minimise(self, number):
+        """As a program asks for its own window."""
+        self._tell(self.find(number)._window, "WM_CHANGE_STATE", [Xutil.IconicState])
+
+    def show_desktop(self, shown):
+        self._tell(self._root, "_NET_SHOWING_DESKTOP", [int(shown)])
+
+    def supports(self, name):
+        return self._display.intern_atom(name) in (self._root_window.property("_NET_SUPPORTED")
+                                                   or [])
+
+    def unmap(self, number):
+        """As another program may do to any window."""
+        self.find(number)._window.unmap()
+        self._display.sync()
+
+    def destroy(self, number):
+        self.find(number)._window.destroy()
+        self._display.sync()
 
     def make_full_screen(self, number):
         full = self._display.intern_atom("_NET_WM_STATE_FULLSCREEN")
