@@ -80,6 +80,8 @@ void FloatingPanelController::expand()
         m_editor.makeKey();
         return;
     }
+    // The editor comes to where the launcher is left.
+    m_launcherView->endDrag();
     m_previousApplication = m_focus.frontmost();
     m_isExpanded = true;
     m_isWarm = true;
@@ -133,6 +135,7 @@ void FloatingPanelController::followLostEditor()
 QWidget *FloatingPanelController::makeLauncherContent()
 {
     auto *const view = new LauncherView(m_preferences, m_screens);
+    m_launcherView = view;
     // Queued: the launcher shows first that it has seen the pointer.
     connect(view, &LauncherView::approached, this, &FloatingPanelController::warmUp,
             Qt::QueuedConnection);

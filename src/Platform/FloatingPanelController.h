@@ -5,12 +5,14 @@
 #include "FloatingPanel.h"
 #include "Geometry.h"
 #include "LauncherInteraction.h"
+#include "StrayPressFilter.h"
 
 #include <QObject>
 #include <QPointer>
 #include <optional>
 
 class AppPreferences;
+class LauncherView;
 class NoteStore;
 class NoteWorkspaceView;
 class QSettings;
@@ -86,8 +88,10 @@ private:
     Screens &m_screens;
     ApplicationFocus &m_focus;
 
+    const StrayPressFilter m_strayPresses;
     FloatingPanel m_launcher;
     FloatingPanel m_editor;
+    LauncherView *m_launcherView = nullptr;
     /// What the editor shows, while it is open.
     QPointer<NoteWorkspaceView> m_workspace;
 

@@ -64,6 +64,8 @@ LauncherHitView::LauncherHitView(const Screens &screens, const AppPreferences *p
     // Qt keeps each factory once, however often it is installed.
     QAccessible::installFactory(makeInterface);
     setObjectName(u"floatingLauncher"_s);
+    // A move without a button ends a drag whose release was never told.
+    setMouseTracking(true);
 
     m_interaction.onOpen = [this] { Q_EMIT openRequested(); };
     m_interaction.onMove = [this](LauncherInteraction::Translation translation, bool ended) {
@@ -92,6 +94,19 @@ void LauncherHitView::showMenu()
     openMenu(mapToGlobal(rect().center()));
 }
 
+void LauncherHitView::endPress()
+{
+    if (std::exchange(m_isPressed, false))
+        m_interaction.cancel();
+}
+
+void LauncherHitView::hideEvent(QHideEvent *event)
+{
+    // The release goes to nobody.
+    endPress();
+    QWidget::hideEvent(event);
+}
+
 bool LauncherHitView::eventFilter(QObject *receiver, QEvent *event)
 {
     auto *const menu = qobject_cast<QMenu *>(receiver);
@@ -107,14 +122,19 @@ bool LauncherHitView::eventFilter(QObject *receiver, QEvent *event)
 void LauncherHitView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton) {
+        endPress();
         m_isPressed = true;
+        m_pressOnScreen = event->globalPosition();
+        m_pressInWindow = event->scenePosition();
         m_interaction.press(position(*event));
     }
 }
 
 void LauncherHitView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (m_isPressed)
+    if (!event->buttons().testFlag(Qt::LeftButton))
+        endPress();
+    else if (m_isPressed)
         m_interaction.drag(position(*event));
 }
 
@@ -131,6 +151,8 @@ void LauncherHitView::contextMenuEvent(QContextMenuEvent *event)
 
 void LauncherHitView::openMenu(QPoint place)
 {
+    // The menu takes the release.
+    endPress();
     QMenu *const menu = makeMenu();
     if (PanelHints::menusMissEvents())
         menu->installEventFilter(this);
@@ -139,7 +161,11 @@ void LauncherHitView::openMenu(QPoint place)
 
 Point LauncherHitView::position(const QMouseEvent &event) const
 {
-    return m_screens.fromQt(event.globalPosition());
+    // Qt rounds places on the screen to whole points, but not those in the window, which stands
+    // still until a drag begins.
+    return m_screens.fromQt(m_interaction.isDragging()
+                                ? event.globalPosition()
+                                : m_pressOnScreen + event.scenePosition() - m_pressInWindow);
 }
 
 QString LauncherHitView::text(const QString &key) const

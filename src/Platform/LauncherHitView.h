@@ -3,6 +3,7 @@
 
 #include "LauncherInteraction.h"
 
+#include <QPointF>
 #include <QWidget>
 
 class AppPreferences;
@@ -23,6 +24,9 @@ public:
     /// language; deletes itself once it has closed.
     [[nodiscard]] QMenu *makeMenu();
 
+    /// Ends a press that is still going on; a drag stays where it is.
+    void endPress();
+
     /// Opens the context menu in the middle of the launcher, for who has no pointer to place it.
     void showMenu();
 
@@ -36,6 +40,7 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
@@ -48,4 +53,6 @@ private:
     const AppPreferences *const m_preferences;
     LauncherInteraction m_interaction;
     bool m_isPressed = false;
+    QPointF m_pressOnScreen;
+    QPointF m_pressInWindow;
 };

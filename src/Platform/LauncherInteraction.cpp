@@ -15,6 +15,7 @@ void LauncherInteraction::drag(Point position)
     const Translation moved = translation(position);
     m_didDrag = m_didDrag || std::hypot(moved.width, moved.height) >= dragThreshold;
     if (m_didDrag) {
+        m_last = moved;
         onMove(moved, false);
     }
 }
@@ -26,6 +27,12 @@ void LauncherInteraction::release(Point position)
     } else {
         onOpen();
     }
+}
+
+void LauncherInteraction::cancel()
+{
+    if (std::exchange(m_didDrag, false))
+        onMove(m_last, true);
 }
 
 LauncherInteraction::Translation LauncherInteraction::translation(Point position) const noexcept

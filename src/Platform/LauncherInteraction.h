@@ -19,13 +19,21 @@ public:
     std::function<void()> onOpen = [] {};
     std::function<void(Translation, bool ended)> onMove = [](Translation, bool) {};
 
+    /// The press has moved far enough.
+    [[nodiscard]] bool isDragging() const noexcept { return m_didDrag; }
+
     void press(Point position);
     void drag(Point position);
     void release(Point position);
+
+    /// Ends the press where it is, for one whose end is never told: what was dragged stays there,
+    /// and nothing opens.
+    void cancel();
 
 private:
     [[nodiscard]] Translation translation(Point position) const noexcept;
 
     Point m_start;
+    Translation m_last;
     bool m_didDrag = false;
 };

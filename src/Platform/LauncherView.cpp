@@ -101,6 +101,11 @@ QRectF LauncherView::disc() const
     return disc;
 }
 
+void LauncherView::endDrag()
+{
+    m_hitView->endPress();
+}
+
 bool LauncherView::event(QEvent *event)
 {
     switch (event->type()) {

@@ -22,6 +22,9 @@ public:
     /// What is drawn at this moment: the disc in the middle of the view.
     [[nodiscard]] QRectF disc() const;
 
+    /// Ends a drag that is still going on, where it is.
+    void endDrag();
+
 Q_SIGNALS:
     /// The pointer came over the launcher, perhaps to click.
     void approached();

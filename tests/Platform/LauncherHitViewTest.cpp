@@ -30,6 +30,21 @@ QStringList titles(const QMenu &menu)
     return result;
 }
 
+/// As the platform tells it, with the buttons that are held.
+void send(QWidget &view, QEvent::Type type, QPoint place, Qt::MouseButtons held)
+{
+    const Qt::MouseButton button = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+    QMouseEvent event(type, place, view.mapToGlobal(place), button, held, {});
+    QCoreApplication::sendEvent(&view, &event);
+}
+
+/// A drag by (30, 10) that goes on.
+void drag(QWidget &view)
+{
+    send(view, QEvent::MouseButtonPress, middle, Qt::LeftButton);
+    send(view, QEvent::MouseMove, middle + QPoint(30, 10), Qt::LeftButton);
+}
+
 } // namespace
 
 class LauncherHitViewTest final : public QObject {
@@ -44,6 +59,9 @@ private Q_SLOTS:
     void reportsADragInScreenPoints();
     void ignoresTheOtherButtonsOfTheMouse();
     void ignoresAReleaseWithoutAPress();
+    void endsADragAtAMoveWithoutTheButton();
+    void endsADragWhenItIsHidden();
+    void endsADragWhenItsMenuOpens();
 
     void hasAMenuOfTwoItemsAndASeparator();
     void opensItsMenuOnARightClickAndDoesNothingElse();
@@ -176,6 +194,48 @@ void LauncherHitViewTest::ignoresAReleaseWithoutAPress()
     QTest::mouseRelease(&view, Qt::LeftButton, {}, middle);
 
     QCOMPARE(opened.size(), 0);
+}
+
+void LauncherHitViewTest::endsADragAtAMoveWithoutTheButton()
+{
+    LauncherHitView view(m_screens, nullptr);
+    const QSignalSpy opened(&view, &LauncherHitView::openRequested);
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
+    drag(view);
+
+    send(view, QEvent::MouseMove, middle + QPoint(90, 90), Qt::MiddleButton);
+    send(view, QEvent::MouseMove, middle + QPoint(95, 95), Qt::NoButton);
+
+    QCOMPARE(moved.size(), 2);
+    QCOMPARE(moved.at(1).at(0).value<LauncherInteraction::Translation>(), (Size{30, 10}));
+    QCOMPARE(moved.at(1).at(1).toBool(), true);
+    QCOMPARE(opened.size(), 0);
+}
+
+void LauncherHitViewTest::endsADragWhenItIsHidden()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.show();
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
+    drag(view);
+
+    view.hide();
+
+    QCOMPARE(moved.size(), 2);
+    QCOMPARE(moved.at(1).at(1).toBool(), true);
+}
+
+void LauncherHitViewTest::endsADragWhenItsMenuOpens()
+{
+    LauncherHitView view(m_screens, nullptr);
+    view.show();
+    const QSignalSpy moved(&view, &LauncherHitView::moved);
+    drag(view);
+
+    view.showMenu();
+
+    QCOMPARE(moved.size(), 2);
+    QCOMPARE(moved.at(1).at(1).toBool(), true);
 }
 
 void LauncherHitViewTest::hasAMenuOfTwoItemsAndASeparator()

@@ -30,6 +30,8 @@ private Q_SLOTS:
     void countsDownwardsAsPositiveHeight();
     void forgetsADragWithTheNextPress();
     void opensOnAClickAfterADrag();
+    void endsACancelledDragWhereItIs();
+    void opensNothingForACancelledClick();
 
 private:
     LauncherInteraction m_interaction;
@@ -142,6 +144,29 @@ void LauncherInteractionTest::opensOnAClickAfterADrag()
 
     QCOMPARE(m_opened, 1);
     QVERIFY(m_moves.isEmpty());
+}
+
+void LauncherInteractionTest::endsACancelledDragWhereItIs()
+{
+    m_interaction.press({100, 100});
+    m_interaction.drag({120, 90});
+
+    m_interaction.cancel();
+    m_interaction.cancel();
+
+    const QList<Move> expected{{{20, 10}, false}, {{20, 10}, true}};
+    QCOMPARE(m_moves, expected);
+    QCOMPARE(m_opened, 0);
+}
+
+void LauncherInteractionTest::opensNothingForACancelledClick()
+{
+    m_interaction.press({100, 100});
+
+    m_interaction.cancel();
+
+    QVERIFY(m_moves.isEmpty());
+    QCOMPARE(m_opened, 0);
 }
 
 QTEST_GUILESS_MAIN(LauncherInteractionTest)
