@@ -3,6 +3,7 @@
 
 #include "AppEnvironment.h"
 #include "AppPreferences.h"
+#include "Composition.h"
 #include "FileBrowser.h"
 #include "LauncherView.h"
 #include "Metrics.h"
@@ -15,7 +16,6 @@
 #include "SystemAppearance.h"
 
 #include <QApplication>
-#include <QInputMethod>
 #include <QSettings>
 #include <cmath>
 #include <memory>
@@ -103,7 +103,7 @@ void FloatingPanelController::collapse()
 bool FloatingPanelController::write()
 {
     // What an input method is still composing belongs to the text.
-    QGuiApplication::inputMethod()->commit();
+    Composition::endIn(m_editor);
     return m_store.isReadOnly() || m_store.flush();
 }
 

@@ -11,6 +11,7 @@
 
 #include <QAbstractItemModel>
 #include <QAccessible>
+#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void goesBackToTheSearchFromTheFirstRow();
     void goesToTheFirstAndLastNote();
     void searchesForWhatIsTypedInTheList();
+    void searchesForWhatIsComposedInTheList();
     void startsAtTheTopWithEachSearch();
     void keepsThePlaceWhenNotesChange();
     void putsTheKeyboardOnANote();
@@ -330,6 +332,26 @@ void NoteLibraryViewTest::searchesForWhatIsTypedInTheList()
 
     QCOMPARE(screen.search()->text(), u"bre"_s);
     QCOMPARE(screen.titles(), QStringList{u"bread"_s});
+}
+
+void NoteLibraryViewTest::searchesForWhatIsComposedInTheList()
+{
+    Screen screen(withNotes({u"想到就记"_s, u"buy milk"_s}));
+    QVERIFY(Views::show(screen.view));
+    screen.list()->setFocus();
+    QVERIFY(screen.list()->testAttribute(Qt::WA_InputMethodEnabled));
+
+    QInputMethodEvent composing(u"xiang"_s, {});
+    QCoreApplication::sendEvent(screen.list(), &composing);
+    QVERIFY(screen.list()->hasFocus());
+    QCOMPARE(screen.search()->text(), QString());
+    QInputMethodEvent committing;
+    committing.setCommitString(u"想"_s);
+    QCoreApplication::sendEvent(screen.list(), &committing);
+
+    QVERIFY(screen.search()->hasFocus());
+    QCOMPARE(screen.search()->text(), u"想"_s);
+    QCOMPARE(screen.titles(), QStringList(u"想到就记"_s));
 }
 
 void NoteLibraryViewTest::startsAtTheTopWithEachSearch()

@@ -14,6 +14,7 @@
 
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void opensANoteFromTheLibrary();
     void returnsToTheLibraryWithTheKeyboardOnTheNote();
     void forgetsTheOpenNoteWhenATabIsChosen();
+    void endsACompositionBeforeItShowsAnotherScreen();
     void forgetsThatTheNoteWasCopiedWhenItIsReopened();
     void reopensTheLibraryWithAnEmptySearch();
     void countsTheNotesInTheFooter_data();
@@ -203,6 +205,19 @@ void NoteWorkspaceViewTest::forgetsTheOpenNoteWhenATabIsChosen()
     workspace.click("libraryTab");
     QVERIFY(workspace.has("searchNotes"));
     QVERIFY(!workspace.has("saveEdit"));
+}
+
+void NoteWorkspaceViewTest::endsACompositionBeforeItShowsAnotherScreen()
+{
+    Workspace workspace;
+    QVERIFY(Views::show(workspace.panel));
+    QInputMethodEvent composing(u"xiang"_s, {});
+    QCoreApplication::sendEvent(workspace.editor(), &composing);
+
+    workspace.click("libraryTab");
+
+    QCOMPARE(workspace.store.draft(), u"xiang"_s);
+    QCOMPARE(Views::find<QLineEdit>(*workspace.view, "searchNotes")->text(), QString());
 }
 
 void NoteWorkspaceViewTest::forgetsThatTheNoteWasCopiedWhenItIsReopened()

@@ -17,7 +17,6 @@
 #include <QAccessible>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
-#include <QInputMethod>
 #include <QInputMethodEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -122,6 +121,7 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     , m_preferences(preferences)
     , m_placeholderKey(placeholder)
     , m_refusal(named(u"pasteRefusal"_s, new TextLabel(TextStyles::banner, this)))
+    , m_composition(new Composition(this))
     , m_clipboard(new ClipboardReader(this))
     , m_lineEnd(u"\n"_s)
 {
@@ -169,16 +169,7 @@ void NoteTextEditor::setNoteText(const QString &text)
 void NoteTextEditor::commitComposition()
 {
     m_clipboard->finish();
-    if (!isComposing())
-        return;
-    QGuiApplication::inputMethod()->commit();
-    if (!isComposing())
-        return;
-    // Not every input method answers at once. The text on screen is what the user means.
-    QInputMethodEvent event;
-    event.setCommitString(m_preedit);
-    QCoreApplication::sendEvent(this, &event);
-    QGuiApplication::inputMethod()->reset();
+    m_composition->end();
 }
 
 bool NoteTextEditor::isBlank() const
@@ -320,12 +311,9 @@ void NoteTextEditor::mouseReleaseEvent(QMouseEvent *event)
 
 void NoteTextEditor::inputMethodEvent(QInputMethodEvent *event)
 {
-    // First, so that whoever hears of committed text finds the composition over.
-    const bool wasComposing = isComposing();
-    m_preedit = event->preeditString();
     QTextEdit::inputMethodEvent(event);
     viewport()->update();
-    if (isComposing() != wasComposing)
+    if (std::exchange(m_wasComposing, isComposing()) != isComposing())
         Q_EMIT compositionChanged();
 }
 

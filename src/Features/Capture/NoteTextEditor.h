@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Composition.h"
+
 #include <QClipboard>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -43,7 +45,7 @@ public:
     /// waits a second at most.
     void commitComposition();
 
-    [[nodiscard]] bool isComposing() const noexcept { return !m_preedit.isEmpty(); }
+    [[nodiscard]] bool isComposing() const noexcept { return m_composition->isGoingOn(); }
 
     /// There is nothing to save: not in the text, nor in what is being composed, which becomes part
     /// of it.
@@ -91,7 +93,8 @@ private:
     TextLabel *const m_refusal;
     QTextDocument m_placeholder;
     bool m_wasShown = false;
-    QString m_preedit;
+    Composition *const m_composition;
+    bool m_wasComposing = false;
 
     ClipboardReader *const m_clipboard;
     /// Where the text that is being read goes. What was selected there is replaced only as long as

@@ -58,6 +58,7 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
 {
     m_search->installEventFilter(this);
     setFocusProxy(m_search);
+    m_list->setSearchField(m_search);
 
     auto *field = new TintedFrame(Tone::primary, Metrics::searchFill, Metrics::searchRadius, this);
     auto *glass = new SymbolView(u"magnifyingglass"_s, TextStyles::searchSymbol, field);
@@ -77,7 +78,7 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteLibraryView::render);
     connect(m_search, &QLineEdit::textChanged, this, &NoteLibraryView::search);
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
-        m_search->clear();
+        m_search->empty();
         m_search->setFocus(Qt::OtherFocusReason);
     });
     connect(m_list, &NoteListView::opened, this,
@@ -125,7 +126,7 @@ bool NoteLibraryView::takeSearchKey(const QKeyEvent &event)
         return true;
     }
     if (event.key() == Qt::Key_U && event.modifiers() == Qt::ControlModifier) {
-        m_search->clear();
+        m_search->empty();
         return true;
     }
     return false;

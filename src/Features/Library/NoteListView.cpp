@@ -7,7 +7,9 @@
 #include "NoteListModel.h"
 #include "NoteRow.h"
 
+#include <QCoreApplication>
 #include <QHoverEvent>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QScrollBar>
 
@@ -72,6 +74,7 @@ void NoteListView::focusInEvent(QFocusEvent *event)
         setCurrentIndex(top.isValid() ? top : m_model->index(0));
     }
     QListView::focusInEvent(event);
+    takeCompositions();
     // A reader is told of the list itself after this, and would miss the row.
     QMetaObject::invokeMethod(this, &NoteListView::announceCurrentRow, Qt::QueuedConnection);
 }
@@ -104,6 +107,43 @@ void NoteListView::keyPressEvent(QKeyEvent *event)
     // The keyboard is at work here: the row that it is on shows its ring.
     window()->setAttribute(Qt::WA_KeyboardFocusChange);
     QListView::keyPressEvent(event);
+}
+
+void NoteListView::takeCompositions()
+{
+    // The toolkit thinks that only items that can be edited have use for them.
+    setAttribute(Qt::WA_InputMethodEnabled, m_searchField);
+}
+
+void NoteListView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QListView::currentChanged(current, previous);
+    takeCompositions();
+}
+
+void NoteListView::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (!m_searchField || m_isLeaving)
+        return;
+    // The keyboard follows the words and not the letters: an input method ends its composition
+    // when the keyboard goes elsewhere. Then the toolkit has it commit once more what it remembers.
+    if (!event->commitString().isEmpty()) {
+        m_isLeaving = true;
+        m_searchField->setFocus(Qt::OtherFocusReason);
+        m_isLeaving = false;
+    }
+    QCoreApplication::sendEvent(m_searchField, event);
+}
+
+QVariant NoteListView::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    if (!m_searchField)
+        return QWidget::inputMethodQuery(query);
+    const QVariant answer = m_searchField->inputMethodQuery(query);
+    if (query != Qt::ImCursorRectangle && query != Qt::ImAnchorRectangle)
+        return answer;
+    const QRect there = answer.toRect();
+    return QRect(mapFromGlobal(m_searchField->mapToGlobal(there.topLeft())), there.size());
 }
 
 void NoteListView::scrollContentsBy(int dx, int dy)

@@ -3,6 +3,7 @@
 
 #include "AppPreferences.h"
 #include "ClipboardReader.h"
+#include "Composition.h"
 #include "ThemedMenu.h"
 
 #include <QAction>
@@ -16,9 +17,16 @@ using namespace Qt::Literals::StringLiterals;
 SearchField::SearchField(const AppPreferences &preferences, QWidget *parent)
     : PlainTextField(TextStyles::search, parent)
     , m_preferences(preferences)
+    , m_composition(new Composition(this))
     , m_clipboard(new ClipboardReader(this))
 {
     connect(m_clipboard, &ClipboardReader::arrived, this, &SearchField::insertPasted);
+}
+
+void SearchField::empty()
+{
+    m_composition->end();
+    clear();
 }
 
 void SearchField::paste()

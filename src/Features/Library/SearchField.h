@@ -7,6 +7,7 @@
 
 class AppPreferences;
 class ClipboardReader;
+class Composition;
 
 /// Where words to search for are typed. Pasting waits for no other program, nor does the menu,
 /// which is in the language of the preferences.
@@ -15,6 +16,9 @@ class SearchField final : public PlainTextField {
 
 public:
     explicit SearchField(const AppPreferences &preferences, QWidget *parent = nullptr);
+
+    /// Leaves nothing in it, nor of what an input method is composing.
+    void empty();
 
     /// In the place of QLineEdit's, which waits for the owner of the clipboard.
     void paste();
@@ -29,5 +33,6 @@ private:
     void insertPasted(const QMimeData &pasted);
 
     const AppPreferences &m_preferences;
+    Composition *const m_composition;
     ClipboardReader *const m_clipboard;
 };

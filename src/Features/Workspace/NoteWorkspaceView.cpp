@@ -3,6 +3,7 @@
 
 #include "AppPreferences.h"
 #include "CaptureView.h"
+#include "Composition.h"
 #include "Divider.h"
 #include "Dot.h"
 #include "EditNoteView.h"
@@ -177,6 +178,8 @@ QWidget *NoteWorkspaceView::makeScreen()
 
 void NoteWorkspaceView::showScreen()
 {
+    // It belongs to the field in which it began, and later events would bring it to another one.
+    Composition::endIn(*this);
     QWidget *const earlier = std::exchange(m_screen, makeScreen());
     replace(m_content->layout(), earlier, m_screen);
     m_screen->show();
