@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "TextSearch.h"
 
-#include "TextFolding.h"
-
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <string_view>
 
 namespace {
 
-using Units = std::u16string_view;
+using Units = TextFolding::Units;
+using Weights = TextFolding::Weights;
 
 constexpr size_t blockSize = 32;
 
@@ -21,78 +19,19 @@ constexpr Mask no = 0;
 constexpr Mask yes = 0xFFFF;
 using Block = std::array<Mask, blockSize>;
 
-/// The plain units that stand for one unit of the query: small, capital and their full-width forms.
-class Wanted {
-public:
-    explicit Wanted(char16_t unit)
-        : m_unit(unit)
-        , m_wide(unit)
-        , m_wideCapital(unit)
-    {
-        constexpr char16_t widening = 0xFEE0;
-        if (unit > u' ' && unit < 0x7F) {
-            m_wide = static_cast<char16_t>(unit + widening);
-            m_wideCapital = m_wide;
-        }
-        if (unit >= u'a' && unit <= u'z') {
-            m_caseBit = u'a' - u'A';
-            m_wideCapital = static_cast<char16_t>(m_wide - m_caseBit);
-        }
-    }
-
-    [[nodiscard]] Mask is(char16_t unit) const noexcept
-    {
-        return static_cast<Mask>(((unit | m_caseBit) == m_unit ? yes : no) |
-                                 (unit == m_wide ? yes : no) | (unit == m_wideCapital ? yes : no));
-    }
-
-private:
-    char16_t m_unit;
-    char16_t m_wide;
-    char16_t m_wideCapital;
-    char16_t m_caseBit = 0;
-};
-
-Mask isOdd(char16_t unit) noexcept
+template <size_t count>
+Mask isOneOf(const std::array<char16_t, 4> &units, char16_t unit) noexcept
 {
-    return TextFolding::isPlain(unit) ? no : yes;
+    Mask is = no;
+    for (size_t i = 0; i < count; ++i)
+        is = static_cast<Mask>(is | (unit == units[i] ? yes : no));
+    return is;
 }
 
-/// Where a match may begin: where two plain units are the first two of the query, or at, or just
-/// before, a unit that folds in no plain way. A query of one unit asks nothing of the second.
-class Beginning {
-public:
-    explicit Beginning(Units query)
-        : m_first(query.front())
-        , m_second(query[query.size() > 1 ? 1 : 0])
-        , m_asksNoSecond(query.size() == 1 ? yes : no)
-    {
-    }
-
-    /// True where the two units are the query's, and where the first is odd.
-    [[nodiscard]] Mask mayBe(char16_t unit, char16_t next) const noexcept
-    {
-        return static_cast<Mask>(isOdd(unit) |
-                                 (m_first.is(unit) & (m_second.is(next) | m_asksNoSecond)));
-    }
-
-    /// Asks mayBe() for each unit of a block. Reads one unit past it.
-    [[nodiscard]] Block mayBeIn(const char16_t *units) const noexcept
-    {
-        // A copy, so that the compiler need not fear that it changes while the result is written.
-        const Beginning self = *this;
-        Block block;
-        for (size_t i = 0; i < blockSize; ++i) {
-            block[i] = self.mayBe(units[i], units[i + 1]);
-        }
-        return block;
-    }
-
-private:
-    Wanted m_first;
-    Wanted m_second;
-    Mask m_asksNoSecond;
-};
+Mask isOdd(const TextFolding::Plain &plain, char16_t unit) noexcept
+{
+    return plain.is(unit) ? no : yes;
+}
 
 /// Asks for each marked unit of a block, in order, until one is what is looked for.
 template <class Question>
@@ -109,127 +48,239 @@ bool anyOf(const Block &block, const Question &isFoundAt)
     return false;
 }
 
-bool isPlain(Units text)
+enum class Kind { ascii, plain, odd };
+
+Kind kindOf(Units text, const TextFolding::Plain &given)
 {
+    // A copy, so that the compiler need not fear that it changes.
+    const TextFolding::Plain plain = given;
+    constexpr char16_t firstBeyondAscii = 0x80;
+    bool isAscii = true;
     size_t i = 0;
     for (; i + blockSize <= text.size(); i += blockSize) {
-        // Most blocks are ASCII, which is the cheaper question.
+        // Most blocks are printable ASCII, which is the cheaper question.
         char16_t bits = 0;
         for (size_t k = 0; k < blockSize; ++k)
-            bits = static_cast<char16_t>(bits | text[i + k]);
-        if (bits < 0x80)
+            bits = static_cast<char16_t>(bits | (text[i + k] - u' ') | (text[i + k] + 1));
+        if (bits < firstBeyondAscii)
             continue;
         Mask odd = no;
+        bits = 0;
         for (size_t k = 0; k < blockSize; ++k)
-            odd = static_cast<Mask>(odd | isOdd(text[i + k]));
+            odd = static_cast<Mask>(odd | isOdd(plain, text[i + k]));
         if (odd != no)
-            return false;
-    }
-    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(i), text.end(),
-                       &TextFolding::isPlain);
-}
-
-/// In plain text a match is as long as the query. Its two ends are looked for, since neighbouring
-/// letters keep each other's company too often to tell much.
-bool isFoundInPlain(Units text, Units query)
-{
-    if (text.size() < query.size())
-        return false;
-    const auto isFoundAt = [&](size_t position) {
-        return std::equal(query.begin(), query.end(),
-                          text.begin() + static_cast<std::ptrdiff_t>(position),
-                          [](char16_t wanted, char16_t unit) {
-                              return TextFolding::plainlyFolded(unit) == wanted;
-                          });
-    };
-    const Wanted first(query.front());
-    const Wanted last(query.back());
-    const size_t distance = query.size() - 1;
-    const size_t end = text.size() - distance;
-    size_t i = 0;
-    for (; i + blockSize <= end; i += blockSize) {
-        Block block;
+            return Kind::odd;
         for (size_t k = 0; k < blockSize; ++k)
-            block[k] = first.is(text[i + k]) & last.is(text[i + k + distance]);
-        if (anyOf(block, [&](size_t k) { return isFoundAt(i + k); }))
-            return true;
+            bits = static_cast<char16_t>(bits | text[i + k]);
+        isAscii = isAscii && bits < firstBeyondAscii;
     }
-    for (; i < end; ++i) {
-        if (isFoundAt(i))
-            return true;
+    for (; i < text.size(); ++i) {
+        if (!plain.is(text[i]))
+            return Kind::odd;
+        isAscii = isAscii && text[i] < firstBeyondAscii;
     }
-    return false;
-}
-
-/// True when a part of a folded character and the folded text behind it begin with the query.
-bool continues(Units part, Units text, size_t position, Units query)
-{
-    for (;;) {
-        const size_t common = std::min(part.size(), query.size());
-        if (part.substr(0, common) != query.substr(0, common)) {
-            return false;
-        }
-        query.remove_prefix(common);
-        if (query.empty()) {
-            return true;
-        }
-        if (position >= text.size()) {
-            return false;
-        }
-        part = TextFolding::next(text, position);
-    }
-}
-
-/// True when a match begins within the folded form of the character at the position.
-bool matches(Units text, size_t position, Units query)
-{
-    const Units character = TextFolding::next(text, position);
-    for (size_t i = 0; i < character.size(); ++i) {
-        if (character[i] == query[0] && continues(character.substr(i), text, position, query)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-/// True when a match begins at the position, or just before it and the position is odd.
-bool matchesAround(Units text, size_t position, Units query)
-{
-    return (isOdd(text[position]) != no && position > 0 && matches(text, position - 1, query)) ||
-           matches(text, position, query);
+    return isAscii ? Kind::ascii : Kind::plain;
 }
 
 } // namespace
 
-TextSearch::TextSearch(QStringView query)
-    : m_folded(TextFolding::folded(query))
+/// The search for one spelling in one text.
+class TextSearch::Scan final {
+public:
+    Scan(const TextFolding &folding, const Spelling &spelling, Units text)
+        : m_folding(folding)
+        , m_spelling(spelling)
+        , m_text(text)
+    {
+    }
+
+    /// In plain text a match is as long as the query. Its two ends are looked for, since
+    /// neighbouring letters keep each other's company too often to tell much.
+    template <size_t unitCount>
+    [[nodiscard]] bool findsAmongPlain() const
+    {
+        const Weights query = m_spelling.weights;
+        if (!m_spelling.isFoundAmongPlain || m_text.size() < query.size())
+            return false;
+        const auto isFoundAt = [&](size_t position) {
+            return std::equal(query.begin(), query.end(),
+                              m_text.begin() + static_cast<std::ptrdiff_t>(position),
+                              [this](char32_t wanted, char16_t unit) {
+                                  return m_folding.plainWeight(unit) == wanted;
+                              });
+        };
+        const PlainUnits first = m_spelling.first;
+        const PlainUnits last = m_spelling.last;
+        const size_t distance = query.size() - 1;
+        const size_t end = m_text.size() - distance;
+        size_t i = 0;
+        for (; i + blockSize <= end; i += blockSize) {
+            Block block;
+            for (size_t k = 0; k < blockSize; ++k)
+                block[k] = isOneOf<unitCount>(first, m_text[i + k]) &
+                           isOneOf<unitCount>(last, m_text[i + k + distance]);
+            if (anyOf(block, [&](size_t k) { return isFoundAt(i + k); }))
+                return true;
+        }
+        for (; i < end; ++i) {
+            if (isFoundAt(i))
+                return true;
+        }
+        return false;
+    }
+
+    template <size_t unitCount>
+    [[nodiscard]] bool finds() const
+    {
+        size_t i = 0;
+        for (; i + blockSize < m_text.size(); i += blockSize) {
+            if (anyOf(mayBeginIn<unitCount>(&m_text[i]),
+                      [&](size_t k) { return isFoundAt(i + k); }))
+                return true;
+        }
+        for (; i < m_text.size(); ++i) {
+            if (isFoundAt(i))
+                return true;
+        }
+        return false;
+    }
+
+private:
+    /// Where a match may begin: at a unit that is not plain, at a plain one that is the query's
+    /// first before one that may be its second, and at any plain one before an odd one where that
+    /// changes it into the first. Reads one unit past the block.
+    template <size_t unitCount>
+    [[nodiscard]] Block mayBeginIn(const char16_t *units) const noexcept
+    {
+        const TextFolding::Plain plain = m_folding.plain();
+        const PlainUnits first = m_spelling.first;
+        const PlainUnits second = m_spelling.second;
+        const Mask asksNoSecond = m_spelling.weights.size() == 1 ? yes : no;
+        const Mask asksNothing = m_spelling.mayBeginAnywhere ? yes : no;
+        const Mask asksNoFirst = m_spelling.mayBeginBeforeOdd ? yes : no;
+        std::array<Mask, blockSize + 1> odd;
+        for (size_t k = 0; k <= blockSize; ++k)
+            odd[k] = isOdd(plain, units[k]);
+        Block block;
+        for (size_t k = 0; k < blockSize; ++k) {
+            const Mask isFirst = isOneOf<unitCount>(first, units[k]);
+            const Mask isSecond = isOneOf<unitCount>(second, units[k + 1]);
+            block[k] = static_cast<Mask>(asksNothing | odd[k] | (odd[k + 1] & asksNoFirst) |
+                                         (isFirst & (isSecond | odd[k + 1] | asksNoSecond)));
+        }
+        return block;
+    }
+
+    /// True when a match begins within the character at the position, or within letters that are
+    /// one with it.
+    [[nodiscard]] bool isFoundAt(size_t position) const
+    {
+        if (!m_folding.mayBegin(m_text, position, m_spelling.weights.front()))
+            return false;
+        std::u32string room;
+        size_t behind = position;
+        const Weights character = m_folding.next(m_text, behind, room);
+        if (isFoundWithin(character, behind))
+            return !m_folding.isTakenByTheLetterBefore(m_text, position);
+        behind = position;
+        const Weights letters = m_folding.joined(m_text, behind);
+        return isFoundWithin(letters, behind);
+    }
+
+    [[nodiscard]] bool isFoundWithin(Weights character, size_t behind) const
+    {
+        const Weights query = m_spelling.weights;
+        for (size_t i = 0; i < character.size(); ++i) {
+            if (character[i] == query.front() && continues(character.substr(i), behind, query))
+                return true;
+        }
+        return false;
+    }
+
+    /// True when a part of the text and what stands from the position on begin with the query.
+    [[nodiscard]] bool continues(Weights part, size_t position, Weights query) const
+    {
+        std::u32string room;
+        for (;;) {
+            const size_t common = std::min(part.size(), query.size());
+            if (part.substr(0, common) != query.substr(0, common))
+                return false;
+            query.remove_prefix(common);
+            if (query.empty())
+                return true;
+            if (position >= m_text.size())
+                return false;
+            size_t behindJoined = position;
+            const Weights joined = m_folding.joined(m_text, behindJoined);
+            if (behindJoined > position && continues(joined, behindJoined, query))
+                return true;
+            part = m_folding.next(m_text, position, room);
+        }
+    }
+
+    const TextFolding &m_folding;
+    const Spelling &m_spelling;
+    const Units m_text;
+};
+
+TextSearch::TextSearch(QStringView query, const QLocale &locale)
+    : m_folding(TextFolding::of(locale))
 {
+    const Units units(query.utf16(), static_cast<size_t>(query.size()));
+    const std::u32string oneByOne = m_folding.folded(units);
+    const std::u32string joined = m_folding.foldedAsJoined(units);
+    if (!oneByOne.empty())
+        m_spellings.push_back(spelling(oneByOne));
+    if (!joined.empty() && joined != oneByOne)
+        m_spellings.push_back(spelling(joined));
+    if (m_spellings.empty())
+        m_asWritten = query.toString().normalized(QString::NormalizationForm_D);
+}
+
+TextSearch::Spelling TextSearch::spelling(const std::u32string &weights) const
+{
+    Spelling spelling{.weights = weights};
+    const auto setUnits = [&](PlainUnits &place, char32_t weight) {
+        const std::u16string units = m_folding.plainUnits(weight);
+        if (units.size() > place.size())
+            spelling.mayBeginAnywhere = true;
+        const auto ascii = static_cast<size_t>(
+            std::count_if(units.begin(), units.end(), TextFolding::Plain::isAscii));
+        spelling.unitCount = std::max(spelling.unitCount, units.size());
+        spelling.asciiCount = std::max(spelling.asciiCount, ascii);
+        for (size_t i = 0; i < place.size() && !units.empty(); ++i)
+            place[i] = units[std::min(i, units.size() - 1)];
+    };
+    setUnits(spelling.first, weights.front());
+    setUnits(spelling.second, weights[weights.size() > 1 ? 1 : 0]);
+    setUnits(spelling.last, weights.back());
+    spelling.mayBeginBeforeOdd = m_folding.isOfPlainAndOddLetters(weights.front());
+    for (const char32_t weight : weights) {
+        if (m_folding.plainUnits(weight).empty())
+            spelling.isFoundAmongPlain = false;
+        if (m_folding.isOfJoinedPlainLetters(weight))
+            spelling.mayBeginAnywhere = true;
+    }
+    return spelling;
 }
 
 bool TextSearch::isFoundIn(QStringView view) const
 {
-    const QStringView folded = m_folded;
-    const Units query(folded.utf16(), static_cast<size_t>(folded.size()));
+    if (m_spellings.empty())
+        return view.toString().normalized(QString::NormalizationForm_D).contains(m_asWritten);
+
     const Units text(view.utf16(), static_cast<size_t>(view.size()));
-    if (query.empty()) {
-        return true;
-    }
-
-    if (isPlain(text))
-        return isFoundInPlain(text, query);
-
-    const Beginning beginning(query);
-    size_t i = 0;
-    for (; i + blockSize < text.size(); i += blockSize) {
-        const Block block = beginning.mayBeIn(&text[i]);
-        if (anyOf(block, [&](size_t k) { return matchesAround(text, i + k, query); }))
-            return true;
-    }
-    for (; i < text.size(); ++i) {
-        const char16_t next = i + 1 < text.size() ? text[i + 1] : u'\0';
-        if (beginning.mayBe(text[i], next) != no && matchesAround(text, i, query)) {
-            return true;
+    const Kind kind = kindOf(text, m_folding.plain());
+    return std::any_of(m_spellings.begin(), m_spellings.end(), [&](const Spelling &spelling) {
+        const Scan scan(m_folding, spelling, text);
+        const bool isPlain = kind != Kind::odd && !spelling.mayBeginAnywhere;
+        switch (kind == Kind::ascii ? spelling.asciiCount : spelling.unitCount) {
+        case 1:
+            return isPlain ? scan.findsAmongPlain<1>() : scan.finds<1>();
+        case 2:
+            return isPlain ? scan.findsAmongPlain<2>() : scan.finds<2>();
+        default:
+            return isPlain ? scan.findsAmongPlain<4>() : scan.finds<4>();
         }
-    }
-    return false;
+    });
 }

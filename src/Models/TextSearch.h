@@ -1,24 +1,58 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "TextFolding.h"
+
+#include <QLocale>
 #include <QString>
 #include <QStringView>
+#include <array>
+#include <string>
+#include <vector>
 
-/// Finds one text in many, without regard to case, accents or width, as a reader would.
+/// Finds one text in many, as a reader of the locale would: equal is what ICU's collator finds
+/// equal at primary strength, see TextFolding.
 ///
-/// Both sides are compared in folded form: compatibility decomposition (NFKD), marks dropped, full
-/// case folding. So "strasse" finds "Straße", "cafe" finds "CAFÉ", "ﬁ" and "fi" find each other,
-/// and so do full-width and half-width forms. The query is one text: inner spaces must match.
+/// So "strasse" finds "Straße" and "cafe" finds "CAFÉ", while "กน" does not find "กิน", and "å" is
+/// no "a" in Swedish. Parts of ligatures and of Hangul syllables are found too, and full-width
+/// forms by narrow ones. The query is one text: inner spaces must match. A query of which nothing
+/// would be left, as a lone mark, is looked for as it is written.
 ///
 /// Built once for a query and then asked of each text. Nothing about the texts is remembered: the
 /// scan skips, many units at a time, what cannot begin a match, and folds only where one may begin.
+/// For one thread.
 class TextSearch {
 public:
-    explicit TextSearch(QStringView query);
+    /// The locale is that in which the user's system sorts, unless another one is given.
+    explicit TextSearch(QStringView query,
+                        const QLocale &locale = QLocale(QLocale::system().collation()));
 
-    /// True as well for every text when the folded query is empty.
+    /// True as well for every text when the query is empty.
     [[nodiscard]] bool isFoundIn(QStringView text) const;
 
 private:
-    QString m_folded;
+    /// All plain units of one weight, those of ASCII first; the last is repeated where there are
+    /// less.
+    using PlainUnits = std::array<char16_t, 4>;
+
+    /// The weights of the query, read in one of two ways.
+    struct Spelling {
+        std::u32string weights;
+        PlainUnits first{};
+        PlainUnits second{}; ///< Of one weight the first again.
+        PlainUnits last{};
+        size_t unitCount = 1;          ///< How many of these have to be asked for.
+        size_t asciiCount = 1;         ///< And how many in ASCII.
+        bool isFoundAmongPlain = true; ///< False where a weight is no plain unit's.
+        bool mayBeginBeforeOdd = false;
+        bool mayBeginAnywhere = false; ///< Joined letters or too many units: nothing is skipped.
+    };
+
+    class Scan;
+
+    [[nodiscard]] Spelling spelling(const std::u32string &weights) const;
+
+    const TextFolding &m_folding;
+    std::vector<Spelling> m_spellings; ///< One by one and, where that differs, with letters joined.
+    QString m_asWritten;               ///< A query without weight, canonically decomposed.
 };
