@@ -1,120 +1,73 @@
 // SPDX-License-Identifier: MIT
 #include "DesktopAppearance.h"
 
-#include "CompositorWatch.h"
+#include "BlurOffer.h"
+#include "GtkSettings.h"
+#include "PortalSettings.h"
+#include "SelectionWatch.h"
+#include "X11Session.h"
+#include "XSettings.h"
 
-#include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusVariant>
-#include <QMap>
-
-using namespace Qt::Literals::StringLiterals;
+#include <QGuiApplication>
+#include <QStyleHints>
 
 namespace {
 
-using SettingGroups = QMap<QString, QVariantMap>;
-constexpr auto settingGroupsSignature = "a{sa{sv}}"_L1;
-
-constexpr auto portalService = "org.freedesktop.portal.Desktop"_L1;
-constexpr auto portalPath = "/org/freedesktop/portal/desktop"_L1;
-constexpr auto portalInterface = "org.freedesktop.portal.Settings"_L1;
-
-constexpr auto common = "org.freedesktop.appearance"_L1;
-constexpr auto gnome = "org.gnome.desktop.interface"_L1;
-constexpr auto gnomeAccess = "org.gnome.desktop.a11y.interface"_L1;
-constexpr auto kde = "org.kde.kdeglobals.KDE"_L1;
-
-/// org.freedesktop.appearance: 0 is no preference.
-constexpr uint preferDark = 1;
-constexpr uint preferHighContrast = 1;
-constexpr uint preferReducedMotion = 1;
+xcb_atom_t compositorSelection()
+{
+    const X11Session *const session = X11Session::current();
+    return session ? session->compositorSelection() : xcb_atom_t{XCB_ATOM_NONE};
+}
 
 } // namespace
 
-DesktopAppearance::DesktopAppearance(ColorScheme withoutPortal, QObject *parent)
+DesktopAppearance::DesktopAppearance(ColorScheme ofPlatform, QObject *parent)
     : SystemAppearance(parent)
-    , m_compositor(std::make_unique<CompositorWatch>())
+    , m_ofPlatform(ofPlatform)
+    , m_portal(std::make_unique<PortalSettings>())
+    , m_xSettings(std::make_unique<XSettings>())
+    , m_gtkSettings(std::make_unique<GtkSettings>())
+    , m_compositor(std::make_unique<SelectionWatch>(compositorSelection()))
+    , m_blur(std::make_unique<BlurOffer>())
 {
-    Values values;
-    values.colorScheme = withoutPortal;
-    values.isComposited = m_compositor->isComposited();
-    setValues(values);
-
-    connect(m_compositor.get(), &CompositorWatch::changed, this, [this] {
-        Values now = this->values();
-        now.isComposited = m_compositor->isComposited();
-        setValues(now);
-    });
-    askPortal();
+    const auto gather = [this] { this->gather(); };
+    connect(m_portal.get(), &PortalSettings::changed, this, gather);
+    connect(m_xSettings.get(), &XSettings::changed, this, gather);
+    connect(m_gtkSettings.get(), &GtkSettings::changed, this, gather);
+    connect(m_compositor.get(), &SelectionWatch::changed, this, gather);
+    connect(m_blur.get(), &BlurOffer::changed, this, gather);
+    followPlatform();
+    gather();
 }
 
 DesktopAppearance::~DesktopAppearance() = default;
 
-SystemAppearance::Values DesktopAppearance::applying(Values values, const QString &group,
-                                                     const QString &key, const QVariant &value)
+void DesktopAppearance::followPlatform()
 {
-    if (group == common && key == "color-scheme"_L1) {
-        values.colorScheme = value.toUInt() == preferDark ? ColorScheme::dark : ColorScheme::light;
-    } else if (group == common && key == "contrast"_L1) {
-        values.highContrast = value.toUInt() == preferHighContrast;
-    } else if (group == gnomeAccess && key == "high-contrast"_L1) {
-        values.highContrast = value.toBool();
-    } else if (group == common && key == "reduced-motion"_L1) {
-        values.reduceMotion = value.toUInt() == preferReducedMotion;
-    } else if (group == gnome && key == "enable-animations"_L1) {
-        values.reduceMotion = !value.toBool();
-    } else if (group == kde && key == "AnimationDurationFactor"_L1) {
-        bool isNumber = false;
-        const double factor = value.toDouble(&isNumber);
-        values.reduceMotion = isNumber && factor <= 0;
-    }
-    return values;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+    const auto take = [this](Qt::ColorScheme scheme) {
+        if (scheme == Qt::ColorScheme::Unknown)
+            return;
+        m_ofPlatform = scheme == Qt::ColorScheme::Dark ? ColorScheme::dark : ColorScheme::light;
+        gather();
+    };
+    connect(QGuiApplication::styleHints(), &QStyleHints::colorSchemeChanged, this, take);
+#endif
 }
 
-SystemAppearance::Values DesktopAppearance::reading(Values values, const QDBusMessage &answer)
+void DesktopAppearance::gather()
 {
-    // To read another type than the one that was sent would be to read beside the message. Errors
-    // carry at most a text.
-    if (answer.signature() != settingGroupsSignature)
-        return values;
-    const auto groups =
-        qdbus_cast<SettingGroups>(answer.arguments().constFirst().value<QDBusArgument>());
-    // The desktops' own groups first: what the common group says is what counts.
-    for (const QString &group :
-         {QString(kde), QString(gnomeAccess), QString(gnome), QString(common)}) {
-        const QVariantMap settings = groups.value(group);
-        for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
-            values = applying(values, group, setting.key(), setting.value());
-    }
-    return values;
-}
-
-void DesktopAppearance::takeSetting(const QString &group, const QString &key,
-                                    const QDBusVariant &value)
-{
-    setValues(applying(values(), group, key, value.variant()));
-}
-
-void DesktopAppearance::askPortal()
-{
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
-        return;
-    // A slot is connected by the names of its types, which must be known by then.
-    qRegisterMetaType<QDBusVariant>();
-    bus.connect(portalService, portalPath, portalInterface, u"SettingChanged"_s, this,
-                SLOT(takeSetting(QString, QString, QDBusVariant)));
-
-    // Where there is no portal and none can be started, the bus itself answers so.
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, u"ReadAll"_s);
-    question << QStringList{common, gnome, gnomeAccess, kde};
-    auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        answer->deleteLater();
-        setValues(reading(values(), answer->reply()));
-    });
+    const AppearanceWishes portal = m_portal->wishes();
+    const AppearanceWishes toolkit = m_xSettings->settings()
+                                         .completedBy(m_gtkSettings->settings())
+                                         .completedBy(m_portal->toolkit())
+                                         .wishes();
+    const bool isX11 = X11Session::current() != nullptr;
+    const bool isComposited = !isX11 || m_compositor->owner() != XCB_WINDOW_NONE;
+    setValues(
+        {.colorScheme = portal.colorScheme.value_or(toolkit.colorScheme.value_or(m_ofPlatform)),
+         .reduceMotion = portal.reduceMotion || toolkit.reduceMotion,
+         .highContrast = portal.highContrast || toolkit.highContrast,
+         .isComposited = isComposited,
+         .offersBlur = isComposited && m_blur->isMade()});
 }

@@ -3,38 +3,38 @@
 
 #include "SystemAppearance.h"
 
-#include <QVariant>
 #include <memory>
 
-class CompositorWatch;
-class QDBusMessage;
-class QDBusVariant;
+class BlurOffer;
+class GtkSettings;
+class PortalSettings;
+class SelectionWatch;
+class XSettings;
 
-/// The appearance of the running desktop: the settings portal says light or dark, contrast and
-/// motion, the X server says whether windows are composited.
+/// The appearance of the running desktop, followed live.
 ///
-/// The portal is never waited for: what it answers arrives later as changed().
+/// Light or dark says the first of these that has a preference: the settings portal; the theme of
+/// the GTK toolkit, from the X server's settings manager, the user's settings files or GNOME's
+/// settings; the platform that Qt runs on. High contrast and less motion are each a wish of
+/// whoever has it. What windows can look like, the X server says.
+///
+/// Nobody is waited for: what the portal answers arrives later as changed().
 class DesktopAppearance final : public SystemAppearance {
     Q_OBJECT
 
 public:
-    /// Without a portal the colour scheme stays the given one, and the rest has plain values.
-    explicit DesktopAppearance(ColorScheme withoutPortal, QObject *parent = nullptr);
+    /// With what the platform's own palette is: where Qt can tell, its changes are followed too.
+    explicit DesktopAppearance(ColorScheme ofPlatform, QObject *parent = nullptr);
     ~DesktopAppearance() override;
 
-    /// The values after one setting of the portal changed; unknown settings change nothing.
-    [[nodiscard]] static Values applying(Values values, const QString &group, const QString &key,
-                                         const QVariant &value);
-
-    /// The values after the portal's answer to ReadAll; an error, or an answer of another type,
-    /// changes nothing.
-    [[nodiscard]] static Values reading(Values values, const QDBusMessage &answer);
-
-private Q_SLOTS:
-    void takeSetting(const QString &group, const QString &key, const QDBusVariant &value);
-
 private:
-    void askPortal();
+    void followPlatform();
+    void gather();
 
-    std::unique_ptr<CompositorWatch> m_compositor;
+    ColorScheme m_ofPlatform;
+    const std::unique_ptr<PortalSettings> m_portal;
+    const std::unique_ptr<XSettings> m_xSettings;
+    const std::unique_ptr<GtkSettings> m_gtkSettings;
+    const std::unique_ptr<SelectionWatch> m_compositor;
+    const std::unique_ptr<BlurOffer> m_blur;
 };

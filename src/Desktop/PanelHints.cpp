@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PanelHints.h"
 
+#include "BlurOffer.h"
 #include "X11Session.h"
 #include "XcbReply.h"
 
@@ -176,6 +177,28 @@ void PanelHints::cutOut(QWidget &panel, const QRegion &region)
         xcb_shape_rectangles(session->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
                              XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
                              static_cast<uint32_t>(rectangles.size()), rectangles.data());
+    }
+    xcb_flush(session->connection());
+}
+
+void PanelHints::blurBehind(QWidget &panel, const QRegion &region)
+{
+    const X11Session *const session = X11Session::current();
+    if (!session)
+        return;
+    const xcb_window_t window = X11Session::window(panel);
+    const xcb_atom_t property = X11Session::atom(BlurOffer::propertyName);
+    if (region.isEmpty()) {
+        xcb_delete_property(session->connection(), window, property);
+    } else {
+        std::vector<uint32_t> numbers;
+        for (const QRect &rect : region) {
+            for (const int number : {rect.x(), rect.y(), rect.width(), rect.height()})
+                numbers.push_back(static_cast<uint32_t>(number));
+        }
+        xcb_change_property(session->connection(), XCB_PROP_MODE_REPLACE, window, property,
+                            XCB_ATOM_CARDINAL, 32, static_cast<uint32_t>(numbers.size()),
+                            numbers.data());
     }
     xcb_flush(session->connection());
 }

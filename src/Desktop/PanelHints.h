@@ -55,4 +55,8 @@ bool correctPosition(QWidget &panel, QPoint place);
 /// Cuts the window to a region in device pixels; an empty one gives it its whole rectangle back.
 void cutOut(QWidget &panel, const QRegion &region);
 
+/// Asks for what lies behind that part of the window to be blurred, in device pixels; an empty
+/// region asks for nothing.
+void blurBehind(QWidget &panel, const QRegion &region);
+
 } // namespace PanelHints

@@ -20,6 +20,8 @@ public:
         bool highContrast = false;
         /// A compositing manager draws translucent windows.
         bool isComposited = true;
+        /// It also blurs what lies behind them.
+        bool offersBlur = false;
 
         friend bool operator==(const Values &, const Values &) = default;
     };
@@ -29,6 +31,9 @@ public:
     [[nodiscard]] ColorScheme colorScheme() const noexcept { return m_values.colorScheme; }
     [[nodiscard]] bool reduceMotion() const noexcept { return m_values.reduceMotion; }
 
+    /// Texts and captions are to stand out from what is under them.
+    [[nodiscard]] bool highContrast() const noexcept { return m_values.highContrast; }
+
     /// Surfaces are to be opaque: high contrast is asked for, or nothing could show through them.
     [[nodiscard]] bool reduceTransparency() const noexcept
     {
@@ -37,6 +42,12 @@ public:
 
     /// Without a compositing manager the corners of a window must be cut out.
     [[nodiscard]] bool isComposited() const noexcept { return m_values.isComposited; }
+
+    /// What lies behind translucent surfaces is to be blurred.
+    [[nodiscard]] bool blursBehind() const noexcept
+    {
+        return m_values.offersBlur && !reduceTransparency();
+    }
 
     [[nodiscard]] const Values &values() const noexcept { return m_values; }
     void setValues(const Values &values);

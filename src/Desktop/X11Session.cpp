@@ -66,6 +66,17 @@ xcb_timestamp_t X11Session::userTime() const
     return m_lastInput + static_cast<xcb_timestamp_t>(m_sinceLastInput.elapsed());
 }
 
+xcb_atom_t X11Session::atom(std::string_view name)
+{
+    const X11Session *const session = current();
+    if (!session)
+        return XCB_ATOM_NONE;
+    const auto request =
+        xcb_intern_atom(session->connection(), 0, static_cast<uint16_t>(name.size()), name.data());
+    const auto reply = owned(xcb_intern_atom_reply(session->connection(), request, nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
 xcb_window_t X11Session::window(const QWidget &widget)
 {
     return static_cast<xcb_window_t>(widget.effectiveWinId());

@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <string_view>
 #include <xcb/xcb_ewmh.h>
 
 class QWidget;
@@ -32,6 +33,9 @@ public:
 
     /// The time to give for something that happens now because of the user.
     [[nodiscard]] xcb_timestamp_t userTime() const;
+
+    /// The server's number for a name; XCB_ATOM_NONE on another platform than X11.
+    [[nodiscard]] static xcb_atom_t atom(std::string_view name);
 
     /// The X window of a top-level widget.
     [[nodiscard]] static xcb_window_t window(const QWidget &widget);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "DesktopAppearance.h"
 
+#include "PortalSettings.h"
 #include "PrivateBus.h"
 
 #include <QDBusArgument>
@@ -9,24 +10,31 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
+#include <QSaveFile>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <optional>
+#include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
 
-using SettingGroups = QMap<QString, QVariantMap>;
+using SettingGroups = PortalSettings::Groups;
 using Texts = QMap<QString, QString>;
 using TextGroups = QMap<QString, Texts>;
 Q_DECLARE_METATYPE(SettingGroups)
 Q_DECLARE_METATYPE(Texts)
 Q_DECLARE_METATYPE(TextGroups)
+Q_DECLARE_METATYPE(AppearanceWishes)
 
 namespace {
 
 const QString common = u"org.freedesktop.appearance"_s;
 const QString gnome = u"org.gnome.desktop.interface"_s;
+const QString gnomeAccess = u"org.gnome.desktop.a11y.interface"_s;
 const QString kde = u"org.kde.kdeglobals.KDE"_s;
 
 constexpr uint noPreference = 0;
@@ -98,8 +106,10 @@ public:
     }
 
 private Q_SLOTS:
+    void init();
+
     void hasPlainValuesWhereNothingIsSet();
-    void readsDarkFromTheCommonSettings();
+    void readsLightAndDarkFromTheCommonSettings();
     void readsReducedMotionFromEachDesktop();
     void readsHighContrastAndMakesSurfacesOpaque();
     void ignoresSettingsItDoesNotKnow();
@@ -108,14 +118,39 @@ private Q_SLOTS:
 
     void staysAsGivenWithoutAPortal();
     void asksThePortalAndFollowsIt();
-    void prefersTheCommonSettingsToThoseOfADesktop();
+    void leavesTheChoiceToTheToolkitWithoutAPreference();
+    void followsGnomesThemeWithoutAPreference();
+    void takesAnyWishForLessMotionOrMoreContrast();
     void doesNotWaitForAPortalThatIsSilent();
     void passesOverAnAnswerOfAnotherKind_data();
     void passesOverAnAnswerOfAnotherKind();
 
+    void readsTheToolkitsThemes_data();
+    void readsTheToolkitsThemes();
+    void followsTheFilesOfTheToolkit();
+    void followsAFileThatIsReplaced();
+    void passesOverAPipeInTheFilesPlace();
+
 private:
+    void writeToolkitFile(const QByteArray &content, const QString &folder = u"gtk-3.0"_s) const;
+
     const PrivateBus &m_bus;
+    std::optional<QTemporaryDir> m_config;
 };
+
+void DesktopAppearanceTest::init()
+{
+    m_config.emplace();
+    qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
+}
+
+void DesktopAppearanceTest::writeToolkitFile(const QByteArray &content, const QString &folder) const
+{
+    QDir(m_config->path()).mkdir(folder);
+    QFile file(m_config->filePath(folder + u"/settings.ini"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+}
 
 void DesktopAppearanceTest::hasPlainValuesWhereNothingIsSet()
 {
@@ -127,21 +162,22 @@ void DesktopAppearanceTest::hasPlainValuesWhereNothingIsSet()
     QVERIFY(appearance.isComposited());
 }
 
-void DesktopAppearanceTest::readsDarkFromTheCommonSettings()
+void DesktopAppearanceTest::readsLightAndDarkFromTheCommonSettings()
 {
     const auto scheme = [](uint value) {
-        return DesktopAppearance::applying({}, common, u"color-scheme"_s, value).colorScheme;
+        return PortalSettings::wishes({{common, {{u"color-scheme"_s, value}}}}).colorScheme;
     };
 
     QCOMPARE(scheme(dark), ColorScheme::dark);
     QCOMPARE(scheme(light), ColorScheme::light);
-    QCOMPARE(scheme(noPreference), ColorScheme::light);
+    QCOMPARE(scheme(noPreference), std::nullopt);
+    QCOMPARE(scheme(4711), std::nullopt);
 }
 
 void DesktopAppearanceTest::readsReducedMotionFromEachDesktop()
 {
     const auto reduced = [](const QString &group, const QString &key, const QVariant &value) {
-        return DesktopAppearance::applying({}, group, key, value).reduceMotion;
+        return PortalSettings::wishes({{group, {{key, value}}}}).reduceMotion;
     };
 
     QVERIFY(reduced(common, u"reduced-motion"_s, 1U));
@@ -155,25 +191,25 @@ void DesktopAppearanceTest::readsReducedMotionFromEachDesktop()
 
 void DesktopAppearanceTest::readsHighContrastAndMakesSurfacesOpaque()
 {
+    QVERIFY(PortalSettings::wishes({{common, {{u"contrast"_s, 1U}}}}).highContrast);
+    QVERIFY(!PortalSettings::wishes({{common, {{u"contrast"_s, 0U}}}}).highContrast);
+    QVERIFY(PortalSettings::wishes({{gnomeAccess, {{u"high-contrast"_s, true}}}}).highContrast);
     SystemAppearance appearance;
 
-    appearance.setValues(DesktopAppearance::applying({}, common, u"contrast"_s, 1U));
+    appearance.setValues({.highContrast = true, .offersBlur = true});
     QVERIFY(appearance.reduceTransparency());
+    QVERIFY(!appearance.blursBehind());
 
-    appearance.setValues(DesktopAppearance::applying({}, u"org.gnome.desktop.a11y.interface"_s,
-                                                     u"high-contrast"_s, true));
-    QVERIFY(appearance.reduceTransparency());
-
-    appearance.setValues({});
+    appearance.setValues({.offersBlur = true});
     QVERIFY(!appearance.reduceTransparency());
+    QVERIFY(appearance.blursBehind());
 }
 
 void DesktopAppearanceTest::ignoresSettingsItDoesNotKnow()
 {
-    const SystemAppearance::Values before{ColorScheme::dark, true, true, false};
-
-    QCOMPARE(DesktopAppearance::applying(before, common, u"accent-color"_s, 1U), before);
-    QCOMPARE(DesktopAppearance::applying(before, gnome, u"color-scheme"_s, u"light"_s), before);
+    QCOMPARE(PortalSettings::wishes({{common, {{u"accent-color"_s, 1U}}}}), AppearanceWishes{});
+    QCOMPARE(PortalSettings::wishes({{gnome, {{u"color-scheme"_s, u"prefer-dark"_s}}}}),
+             AppearanceWishes{});
 }
 
 void DesktopAppearanceTest::makesSurfacesOpaqueWithoutACompositingManager()
@@ -232,18 +268,62 @@ void DesktopAppearanceTest::asksThePortalAndFollowsIt()
     QVERIFY(appearance.reduceMotion());
 }
 
-void DesktopAppearanceTest::prefersTheCommonSettingsToThoseOfADesktop()
+void DesktopAppearanceTest::leavesTheChoiceToTheToolkitWithoutAPreference()
+{
+    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita-dark\n");
+    FakePortal portal(m_bus);
+    portal.settings[common][u"color-scheme"_s] = light;
+    QVERIFY(portal.start());
+    DesktopAppearance appearance(ColorScheme::light);
+    QCOMPARE(appearance.colorScheme(), ColorScheme::dark);
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+
+    QVERIFY(portal.announce(common, u"color-scheme"_s, noPreference));
+
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
+    QVERIFY(portal.announce(common, u"color-scheme"_s, light));
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+}
+
+void DesktopAppearanceTest::followsGnomesThemeWithoutAPreference()
 {
     FakePortal portal(m_bus);
-    portal.settings[common][u"color-scheme"_s] = dark;
-    portal.settings[common][u"reduced-motion"_s] = 1U;
-    portal.settings[gnome][u"enable-animations"_s] = true;
+    portal.settings[common][u"color-scheme"_s] = noPreference;
+    portal.settings[gnome][u"gtk-theme"_s] = u"Adwaita-dark"_s;
     QVERIFY(portal.start());
 
     DesktopAppearance appearance(ColorScheme::light);
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
 
+    QVERIFY(portal.announce(gnome, u"gtk-theme"_s, u"Adwaita"_s));
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+    QVERIFY(portal.announce(gnome, u"gtk-theme"_s, u"HighContrastInverse"_s));
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
+    QVERIFY(appearance.highContrast());
+}
+
+void DesktopAppearanceTest::takesAnyWishForLessMotionOrMoreContrast()
+{
+    writeToolkitFile("[Settings]\ngtk-enable-animations=0\ngtk-theme-name=HighContrast\n");
+    FakePortal portal(m_bus);
+    portal.settings[common] = {{u"reduced-motion"_s, 1U}, {u"contrast"_s, 1U}};
+    portal.settings[gnome][u"enable-animations"_s] = true;
+    QVERIFY(portal.start());
+    DesktopAppearance appearance(ColorScheme::light);
+    QVERIFY(appearance.reduceMotion());
+    QVERIFY(appearance.highContrast());
+
+    writeToolkitFile("");
+    // By the portal's wish, which has arrived by the time of the next one.
+    QVERIFY(portal.announce(common, u"color-scheme"_s, dark));
     QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
     QVERIFY(appearance.reduceMotion());
+    QVERIFY(appearance.highContrast());
+
+    QVERIFY(portal.announce(common, u"reduced-motion"_s, 0U));
+    QTRY_VERIFY(!appearance.reduceMotion());
+    QVERIFY(portal.announce(common, u"contrast"_s, 0U));
+    QTRY_VERIFY(!appearance.highContrast());
 }
 
 void DesktopAppearanceTest::doesNotWaitForAPortalThatIsSilent()
@@ -293,6 +373,99 @@ void DesktopAppearanceTest::passesOverAnAnswerOfAnotherKind()
     const SystemAppearance::Values unchanged{.colorScheme = ColorScheme::dark,
                                              .reduceMotion = true};
     QCOMPARE(appearance.values(), unchanged);
+}
+
+void DesktopAppearanceTest::readsTheToolkitsThemes_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<AppearanceWishes>("wishes");
+    constexpr auto lightOne = ColorScheme::light;
+    constexpr auto darkOne = ColorScheme::dark;
+    const AppearanceWishes nothing;
+
+    QTest::newRow("empty") << QByteArray() << nothing;
+    QTest::newRow("no section") << QByteArray("gtk-theme-name=Adwaita-dark") << nothing;
+    QTest::newRow("another section")
+        << QByteArray("[Other]\ngtk-theme-name=Adwaita-dark") << nothing;
+    QTest::newRow("light") << QByteArray("[Settings]\ngtk-theme-name=Adwaita")
+                           << AppearanceWishes{lightOne, false, false};
+    QTest::newRow("dark") << QByteArray("[Settings]\n# why\n gtk-theme-name = Yaru-Dark \r\n")
+                          << AppearanceWishes{darkOne, false, false};
+    QTest::newRow("dark variant")
+        << QByteArray("[Settings]\ngtk-theme-name=Breeze\ngtk-application-prefer-dark-theme=true")
+        << AppearanceWishes{darkOne, false, false};
+    QTest::newRow("light variant") << QByteArray("[Settings]\ngtk-application-prefer-dark-theme=0")
+                                   << AppearanceWishes{lightOne, false, false};
+    QTest::newRow("high contrast") << QByteArray("[Settings]\ngtk-theme-name=HighContrast")
+                                   << AppearanceWishes{lightOne, false, true};
+    QTest::newRow("MATE’s") << QByteArray("[Settings]\ngtk-theme-name=ContrastHighInverse")
+                            << AppearanceWishes{darkOne, false, true};
+    QTest::newRow("still") << QByteArray("[Settings]\ngtk-enable-animations=False")
+                           << AppearanceWishes{{}, true, false};
+    QTest::newRow("moving") << QByteArray("[Settings]\ngtk-enable-animations=1") << nothing;
+    QTest::newRow("no text") << QByteArray("[Settings]\ngtk-theme-name\n=\n\xff\0\xfe", 32)
+                             << nothing;
+}
+
+void DesktopAppearanceTest::readsTheToolkitsThemes()
+{
+    QFETCH(const QByteArray, file);
+    QFETCH(const AppearanceWishes, wishes);
+    writeToolkitFile(file);
+
+    for (const ColorScheme platform : {ColorScheme::light, ColorScheme::dark}) {
+        const DesktopAppearance appearance(platform);
+
+        const AppearanceWishes seen{wishes.colorScheme ? appearance.colorScheme()
+                                                       : wishes.colorScheme,
+                                    appearance.reduceMotion(), appearance.highContrast()};
+        QCOMPARE(seen, wishes);
+        if (!wishes.colorScheme)
+            QCOMPARE(appearance.colorScheme(), platform);
+    }
+}
+
+void DesktopAppearanceTest::followsTheFilesOfTheToolkit()
+{
+    DesktopAppearance appearance(ColorScheme::light);
+
+    // In a folder that was not there at the start, then in the file that counts before it.
+    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita-dark\n");
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
+    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n", u"gtk-4.0"_s);
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+    writeToolkitFile("[Settings]\ngtk-theme-name=Default-dark\n", u"gtk-4.0"_s);
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
+    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n");
+    QVERIFY(QFile::remove(m_config->filePath(u"gtk-4.0/settings.ini"_s)));
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+}
+
+void DesktopAppearanceTest::followsAFileThatIsReplaced()
+{
+    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n");
+    DesktopAppearance appearance(ColorScheme::light);
+
+    for (const bool isDark : {true, false, true}) {
+        QSaveFile file(m_config->filePath(u"gtk-3.0/settings.ini"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(isDark ? "[Settings]\ngtk-theme-name=Adwaita-dark\n"
+                          : "[Settings]\ngtk-theme-name=Adwaita\n");
+        QVERIFY(file.commit());
+        QTRY_COMPARE(appearance.colorScheme(), isDark ? ColorScheme::dark : ColorScheme::light);
+    }
+    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n");
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+}
+
+void DesktopAppearanceTest::passesOverAPipeInTheFilesPlace()
+{
+    QVERIFY(QDir(m_config->path()).mkdir(u"gtk-3.0"_s));
+    QCOMPARE(mkfifo(m_config->filePath(u"gtk-3.0/settings.ini"_s).toUtf8().constData(), 0600), 0);
+
+    const DesktopAppearance appearance(ColorScheme::dark);
+
+    QCOMPARE(appearance.values(), SystemAppearance::Values{.colorScheme = ColorScheme::dark});
 }
 
 int main(int argc, char *argv[])

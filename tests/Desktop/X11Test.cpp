@@ -3,6 +3,7 @@
 #include "DesktopAppearance.h"
 #include "KeepOnTop.h"
 #include "PanelHints.h"
+#include "XSettingsBytes.h"
 #include "XcbReply.h"
 
 #include <QApplication>
@@ -104,6 +105,50 @@ public:
                                 m_ewmh._NET_WM_CM_Sn[0], XCB_CURRENT_TIME);
         sync();
     }
+    /// As a settings manager: takes over from an earlier one with a window of its own.
+    void startSettingsManager(const QByteArray &settings)
+    {
+        m_settingsManager = openWindow({-1, -1, 1, 1});
+        writeSettings(settings);
+        xcb_set_selection_owner(m_connection, m_settingsManager, atom("_XSETTINGS_S0"),
+                                XCB_CURRENT_TIME);
+        sync();
+    }
+    void writeSettings(const QByteArray &settings)
+    {
+        const xcb_atom_t property = atom("_XSETTINGS_SETTINGS");
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_settingsManager, property,
+                            property, 8, static_cast<uint32_t>(settings.size()),
+                            settings.constData());
+        sync();
+    }
+    void stopSettingsManager() { closeWindow(m_settingsManager); }
+
+    /// As KWin announces that it blurs.
+    void offerBlur(bool isOffered)
+    {
+        if (isOffered)
+            xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, root(), blurProperty(),
+                                blurProperty(), 8, 1, "");
+        else
+            xcb_delete_property(m_connection, root(), blurProperty());
+        sync();
+    }
+    /// What a window asks to have blurred behind it, in its pixels; none when it does not ask.
+    [[nodiscard]] QRegion blurBehind(xcb_window_t window) const
+    {
+        const auto reply = owned(xcb_get_property_reply(
+            m_connection,
+            xcb_get_property(m_connection, 0, window, blurProperty(), XCB_ATOM_CARDINAL, 0, 4096),
+            nullptr));
+        const auto *numbers = static_cast<uint32_t *>(xcb_get_property_value(reply.get()));
+        const QList<int> list(numbers, numbers + reply->value_len);
+        QRegion region;
+        for (qsizetype i = 0; i + 3 < list.size(); i += 4)
+            region += QRect(list[i], list[i + 1], list[i + 2], list[i + 3]);
+        return region;
+    }
+
     void listenToRequests()
     {
         (void)activationRequests();
@@ -167,6 +212,16 @@ public:
     }
 
 private:
+    [[nodiscard]] xcb_atom_t atom(const QByteArray &name) const
+    {
+        const auto reply = owned(xcb_intern_atom_reply(
+            m_connection,
+            xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name.constData()),
+            nullptr));
+        return reply->atom;
+    }
+    [[nodiscard]] xcb_atom_t blurProperty() const { return atom("_KDE_NET_WM_BLUR_BEHIND_REGION"); }
+
     /// Until the server has done all that was asked.
     void sync() const
     {
@@ -177,6 +232,7 @@ private:
     xcb_connection_t *const m_connection;
     xcb_ewmh_connection_t m_ewmh{};
     xcb_window_t m_compositor = noWindow;
+    xcb_window_t m_settingsManager = noWindow;
     QList<xcb_client_message_event_t> m_requests;
 };
 
@@ -210,6 +266,10 @@ private Q_SLOTS:
     void makesACutWindowWholeAgain();
 
     void knowsWhetherWindowsAreComposited();
+    void followsTheSettingsManager();
+    void followsASettingsManagerThatTakesOver();
+    void knowsWhetherWindowsAreBlurredBehind();
+    void asksForBlurBehindARegion();
 
 private:
     OtherProgram m_other;
@@ -408,6 +468,74 @@ void X11Test::knowsWhetherWindowsAreComposited()
     m_other.setCompositing(false);
     QTRY_VERIFY(!appearance.isComposited());
     QCOMPARE(changed.size(), 2);
+}
+
+void X11Test::followsTheSettingsManager()
+{
+    m_other.startSettingsManager(XSettingsBytes().text("Net/ThemeName", "Adwaita-dark").bytes());
+    DesktopAppearance appearance(ColorScheme::light);
+    QCOMPARE(appearance.colorScheme(), ColorScheme::dark);
+    QVERIFY(!appearance.reduceMotion());
+
+    m_other.writeSettings(XSettingsBytes()
+                              .text("Net/ThemeName", "HighContrast")
+                              .number("Gtk/EnableAnimations", 0)
+                              .bytes());
+    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+    QVERIFY(appearance.reduceMotion());
+    QVERIFY(appearance.highContrast());
+
+    m_other.stopSettingsManager();
+    QTRY_COMPARE(appearance.values(), SystemAppearance::Values{.isComposited = false});
+}
+
+void X11Test::followsASettingsManagerThatTakesOver()
+{
+    DesktopAppearance appearance(ColorScheme::light);
+    QCOMPARE(appearance.colorScheme(), ColorScheme::light);
+
+    for (int i = 0; i < 2; ++i) {
+        m_other.startSettingsManager(
+            XSettingsBytes().text("Net/ThemeName", "Adwaita-dark").bytes());
+        QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
+        m_other.writeSettings(XSettingsBytes().text("Net/ThemeName", "Adwaita").bytes());
+        QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
+    }
+    m_other.stopSettingsManager();
+}
+
+void X11Test::knowsWhetherWindowsAreBlurredBehind()
+{
+    m_other.setCompositing(true);
+    DesktopAppearance appearance(ColorScheme::light);
+    QVERIFY(!appearance.blursBehind());
+
+    m_other.offerBlur(true);
+    QTRY_VERIFY(appearance.blursBehind());
+    QVERIFY(DesktopAppearance(ColorScheme::light).blursBehind());
+
+    m_other.setCompositing(false);
+    QTRY_VERIFY(!appearance.blursBehind());
+    m_other.setCompositing(true);
+    QTRY_VERIFY(appearance.blursBehind());
+
+    m_other.offerBlur(false);
+    QTRY_VERIFY(!appearance.blursBehind());
+    m_other.setCompositing(false);
+}
+
+void X11Test::asksForBlurBehindARegion()
+{
+    QWidget panel(nullptr, PanelHints::launcherFlags());
+    panel.resize(64, 64);
+    panel.show();
+    const QRegion shape = QRegion(10, 20, 30, 40) + QRegion(0, 30, 64, 10);
+
+    PanelHints::blurBehind(panel, shape);
+    QTRY_COMPARE(m_other.blurBehind(windowOf(panel)), shape);
+
+    PanelHints::blurBehind(panel, {});
+    QTRY_COMPARE(m_other.blurBehind(windowOf(panel)), QRegion());
 }
 
 int main(int argc, char *argv[])
