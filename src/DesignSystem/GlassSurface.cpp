@@ -75,8 +75,13 @@ QPainterPath GlassSurface::outline(const QRectF &rect, double radius)
 
 QColor GlassSurface::fill(ColorScheme scheme, bool isOpaque)
 {
-    return isOpaque ? NoteTheme::palette(scheme).color(QPalette::Window)
-                    : composed(tint(scheme), backdrop(scheme));
+    return fill(NoteTheme::palette(scheme), isOpaque);
+}
+
+QColor GlassSurface::fill(const QPalette &palette, bool isOpaque)
+{
+    const ColorScheme scheme = NoteTheme::colorScheme(palette);
+    return isOpaque ? palette.color(QPalette::Window) : composed(tint(scheme), backdrop(scheme));
 }
 
 QColor GlassSurface::border(ColorScheme scheme)
@@ -84,13 +89,15 @@ QColor GlassSurface::border(ColorScheme scheme)
     return QColor::fromRgbF(1, 1, 1, scheme == ColorScheme::dark ? 0.13F : 0.65F);
 }
 
-void GlassSurface::paint(QPainter &painter, const QRectF &rect, ColorScheme scheme, bool isOpaque)
+void GlassSurface::paint(QPainter &painter, const QRectF &rect, const QPalette &palette,
+                         bool isOpaque)
 {
     constexpr double inset = borderWidth / 2;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(outline(rect), fill(scheme, isOpaque));
-    QPen pen(border(scheme), borderWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin);
+    painter.fillPath(outline(rect), fill(palette, isOpaque));
+    QPen pen(border(NoteTheme::colorScheme(palette)), borderWidth, Qt::SolidLine, Qt::FlatCap,
+             Qt::MiterJoin);
     pen.setMiterLimit(borderMiterLimit);
     painter.strokePath(outline(rect.adjusted(inset, inset, -inset, -inset), cornerRadius - inset),
                        pen);
@@ -99,14 +106,14 @@ void GlassSurface::paint(QPainter &painter, const QRectF &rect, ColorScheme sche
 
 void GlassSurface::paint(QPainter &painter, const QRectF &rect, const QWidget *view)
 {
-    paint(painter, rect, NoteTheme::colorScheme(view->palette()), isOpaque(view));
+    paint(painter, rect, view->palette(), isOpaque(view));
 }
 
 void GlassSurface::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     if (isInside(event->rect(), rect()))
-        painter.fillRect(event->rect(), fill(NoteTheme::colorScheme(palette()), isOpaque(this)));
+        painter.fillRect(event->rect(), fill(palette(), isOpaque(this)));
     else
         paint(painter, rect(), this);
 }

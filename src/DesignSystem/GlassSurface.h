@@ -26,12 +26,16 @@ public:
 
     /// All layers inside the border as one colour.
     [[nodiscard]] static QColor fill(ColorScheme scheme, bool isOpaque);
+
+    /// The same in the palette's scheme and contrast.
+    [[nodiscard]] static QColor fill(const QPalette &palette, bool isOpaque);
     [[nodiscard]] static QColor border(ColorScheme scheme);
 
     /// Draws a surface anywhere, for views that scale it.
-    static void paint(QPainter &painter, const QRectF &rect, ColorScheme scheme, bool isOpaque);
+    static void paint(QPainter &painter, const QRectF &rect, const QPalette &palette,
+                      bool isOpaque);
 
-    /// The surface of a view: in the scheme of its palette, opaque when its environment says so.
+    /// The surface of a view: in the colours of its palette, opaque when its environment says so.
     static void paint(QPainter &painter, const QRectF &rect, const QWidget *view);
 
 protected:

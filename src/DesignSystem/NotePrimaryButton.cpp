@@ -45,28 +45,28 @@ void NotePrimaryButton::paintEvent(QPaintEvent *)
 
 void NotePrimaryButton::drawCapsule(QPainter &painter) const
 {
-    QColor capsule = NoteTheme::accent();
-    capsule.setAlphaF(isDown() ? static_cast<float>(Metrics::primaryButtonPressed) : 1.0F);
+    const QColor capsule =
+        NoteTheme::color(palette(), Tone::accent, isDown() ? Metrics::primaryButtonPressed : 1.0);
     const double radius = height() / 2.0;
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(capsule);
     painter.drawRoundedRect(rect(), radius, radius);
 
-    const QColor white = NoteTheme::color(palette(), textStyle().tone);
+    const QColor ink = NoteTheme::color(palette(), textStyle().tone);
     QRect label = rect().marginsRemoved(Metrics::primaryButtonPadding);
     if (!m_symbol.isEmpty()) {
         const int symbolWidth = Symbol::size(textStyle().pixelSize).width();
         const QRect place(label.right() + 1 - symbolWidth, 0, symbolWidth, height());
         Symbol::paint(painter, QStyle::visualRect(layoutDirection(), rect(), place), m_symbol,
-                      textStyle().pixelSize, white, textStyle().weight);
+                      textStyle().pixelSize, ink, textStyle().weight);
         label.setRight(place.left() - 1 - Metrics::primaryButtonSpacing);
     }
     painter.setFont(font());
-    painter.setPen(white);
+    painter.setPen(ink);
     TextLine::paint(painter, QStyle::visualRect(layoutDirection(), rect(), label), text());
 
     constexpr int inset = Metrics::focusRingInset;
     FocusRing::paint(painter, this, rect().adjusted(inset, inset, -inset, -inset), radius - inset,
-                     white);
+                     ink);
 }

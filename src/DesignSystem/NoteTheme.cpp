@@ -39,6 +39,41 @@ Colors colors(ColorScheme scheme)
             .raised = QColor(233, 228, 221)};
 }
 
+/// Black on white and white on black; what tells the tones apart is small.
+Colors highContrastColors(ColorScheme scheme)
+{
+    if (scheme == ColorScheme::dark)
+        return {.primary = QColor(255, 255, 255),
+                .secondary = QColor(230, 226, 221),
+                .tertiary = QColor(205, 200, 194),
+                .failure = QColor(255, 170, 158),
+                .window = QColor(0, 0, 0),
+                .base = QColor(0, 0, 0),
+                .raised = QColor(38, 36, 34)};
+    return {.primary = QColor(0, 0, 0),
+            .secondary = QColor(43, 39, 36),
+            .tertiary = QColor(66, 61, 57),
+            .failure = QColor(128, 10, 4),
+            .window = QColor(255, 255, 255),
+            .base = QColor(255, 255, 255),
+            .raised = QColor(233, 228, 221)};
+}
+
+/// The accent, and what is written on it.
+struct AccentColors {
+    QColor accent;
+    QColor onAccent;
+};
+
+AccentColors accentColors(ColorScheme scheme, Contrast contrast)
+{
+    if (contrast == Contrast::normal)
+        return {NoteTheme::accent(), Qt::white};
+    if (scheme == ColorScheme::dark)
+        return {QColor(245, 165, 130), Qt::black};
+    return {QColor(124, 45, 16), Qt::white};
+}
+
 /// The common fonts of that script, of those that are installed.
 const QStringList &simplifiedChineseFamilies()
 {
@@ -63,9 +98,10 @@ const QColor &NoteTheme::accent()
     return color;
 }
 
-QPalette NoteTheme::palette(ColorScheme scheme)
+QPalette NoteTheme::palette(ColorScheme scheme, Contrast contrast)
 {
-    const Colors c = colors(scheme);
+    const Colors c = contrast == Contrast::high ? highContrastColors(scheme) : colors(scheme);
+    const auto [accent, onAccent] = accentColors(scheme, contrast);
     QPalette palette(c.raised, c.window);
     for (const auto textRole :
          {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
@@ -77,12 +113,12 @@ QPalette NoteTheme::palette(ColorScheme scheme)
     palette.setColor(QPalette::Base, c.base);
     palette.setColor(QPalette::AlternateBase, c.window);
     palette.setColor(QPalette::ToolTipBase, c.base);
-    palette.setColor(QPalette::Link, accent());
+    palette.setColor(QPalette::Link, accent);
     palette.setColor(role(Tone::secondary), c.secondary);
     palette.setColor(role(Tone::tertiary), c.tertiary);
-    palette.setColor(role(Tone::accent), accent());
+    palette.setColor(role(Tone::accent), accent);
     palette.setColor(role(Tone::failure), c.failure);
-    palette.setColor(role(Tone::onAccent), Qt::white);
+    palette.setColor(role(Tone::onAccent), onAccent);
     return palette;
 }
 
@@ -92,6 +128,12 @@ ColorScheme NoteTheme::colorScheme(const QPalette &palette)
                    palette.color(QPalette::WindowText).lightness()
                ? ColorScheme::dark
                : ColorScheme::light;
+}
+
+Contrast NoteTheme::contrast(const QPalette &palette)
+{
+    const QColor window = highContrastColors(colorScheme(palette)).window;
+    return palette.color(QPalette::Window) == window ? Contrast::high : Contrast::normal;
 }
 
 QPalette::ColorRole NoteTheme::role(Tone tone)

@@ -18,6 +18,12 @@ enum class Tone {
     onAccent
 };
 
+/// How far texts stand out from what is under them.
+enum class Contrast {
+    normal,
+    high, ///< What is text stands out by 7:1 at least, in every tone.
+};
+
 /// Every colour and font of the program; Metrics.h and TextStyle.h have the measures. Views hold
 /// no number of their own.
 ///
@@ -30,8 +36,9 @@ namespace NoteTheme {
 
 /// The colours of a view tree. Besides the usual roles it carries every tone in a role of its
 /// own, see role(), so that the tones go down a view tree and change with the scheme by themselves.
-[[nodiscard]] QPalette palette(ColorScheme scheme);
+[[nodiscard]] QPalette palette(ColorScheme scheme, Contrast contrast = Contrast::normal);
 [[nodiscard]] ColorScheme colorScheme(const QPalette &palette);
+[[nodiscard]] Contrast contrast(const QPalette &palette);
 
 /// The role of the palette that carries a tone: WindowText for the primary one, PlaceholderText
 /// for the tertiary one, and roles that this program has no other use for.

@@ -181,7 +181,8 @@ void FloatingPanelController::applySystemAppearance()
 {
     // Menus, tooltips and alerts are windows of their own, outside the panels' view trees.
     const ColorScheme scheme = colorScheme(m_preferences.appearance(), m_system.colorScheme());
-    QApplication::setPalette(NoteTheme::palette(scheme));
+    QApplication::setPalette(
+        NoteTheme::palette(scheme, m_system.highContrast() ? Contrast::high : Contrast::normal));
 
     m_launcher.setCutOut(!m_system.isComposited());
     m_editor.setCutOut(!m_system.isComposited());

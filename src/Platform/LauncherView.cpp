@@ -149,7 +149,7 @@ void LauncherView::paintEvent(QPaintEvent * /*event*/)
     GlassSurface::paint(painter, atRest, this);
     Symbol::paint(painter, atRest, u"plus"_s, TextStyles::launcherPlus.pixelSize,
                   mixed(NoteTheme::color(palette(), TextStyles::launcherPlus.tone),
-                        NoteTheme::accent(), m_emphasis),
+                        NoteTheme::color(palette(), Tone::accent), m_emphasis),
                   TextStyles::launcherPlus.weight);
 }
 

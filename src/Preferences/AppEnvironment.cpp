@@ -47,7 +47,8 @@ bool AppEnvironment::reduceTransparency() const
 
 void AppEnvironment::apply()
 {
-    const QPalette palette = NoteTheme::palette(colorScheme());
+    const QPalette palette = NoteTheme::palette(
+        colorScheme(), m_system.highContrast() ? Contrast::high : Contrast::normal);
     setLocale(m_preferences.locale());
     setFont(TextStyles::environment.font(locale()));
     setPalette(palette);

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void keepsTextReadableOverEveryWallpaper_data();
     void keepsTextReadableOverEveryWallpaper();
     void keepsSelectedTextReadable();
+    void makesEveryToneStandOutInHighContrast();
     void setsFontsInPixels();
     void prefersChineseFormsInAChineseView();
 };
@@ -28,6 +29,7 @@ namespace {
 
 constexpr double textContrast = 4.5;
 constexpr double largeTextContrast = 3;
+constexpr double highContrast = 7;
 
 /// The corners of the colour cube and its middle. The contrast only falls towards the corners,
 /// because every channel of the wallpaper moves the surface the same way.
@@ -59,8 +61,13 @@ void NoteThemeTest::hasOneAccentColor()
 
 void NoteThemeTest::knowsTheSchemeOfItsPalettes()
 {
-    for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark})
-        QCOMPARE(NoteTheme::colorScheme(NoteTheme::palette(scheme)), scheme);
+    for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {
+        for (const Contrast contrast : {Contrast::normal, Contrast::high}) {
+            const QPalette palette = NoteTheme::palette(scheme, contrast);
+            QCOMPARE(NoteTheme::colorScheme(palette), scheme);
+            QVERIFY(NoteTheme::contrast(palette) == contrast);
+        }
+    }
 }
 
 void NoteThemeTest::keepsTextReadableOverEveryWallpaper_data()
@@ -113,6 +120,26 @@ void NoteThemeTest::keepsSelectedTextReadable()
         // A disabled editor still shows text that someone wants to read.
         QVERIFY(Pixels::contrast(palette.color(QPalette::Disabled, QPalette::Text),
                                  GlassSurface::fill(scheme, true)) >= textContrast);
+    }
+}
+
+void NoteThemeTest::makesEveryToneStandOutInHighContrast()
+{
+    for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {
+        const QPalette palette = NoteTheme::palette(scheme, Contrast::high);
+        const QColor surface = GlassSurface::fill(palette, true);
+        for (const Tone tone :
+             {Tone::primary, Tone::secondary, Tone::tertiary, Tone::accent, Tone::failure})
+            QVERIFY(Pixels::contrast(NoteTheme::color(palette, tone), surface) >= highContrast);
+
+        QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::onAccent),
+                                 NoteTheme::color(palette, Tone::accent)) >= highContrast);
+        const QColor row =
+            Pixels::over(NoteTheme::color(palette, Tone::primary, Metrics::rowHoverFill), surface);
+        QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::secondary), row) >= highContrast);
+        const QColor banner =
+            Pixels::over(NoteTheme::color(palette, Tone::failure, Metrics::bannerFill), surface);
+        QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::failure), banner) >= highContrast);
     }
 }
 

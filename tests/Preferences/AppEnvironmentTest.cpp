@@ -19,6 +19,7 @@ private Q_SLOTS:
     void handsDownLocaleAndColors();
     void followsTheSystemWhileNoAppearanceIsChosen();
     void keepsTheChosenAppearanceWhenTheSystemChanges();
+    void handsDownHighContrast();
     void changesLanguageAndLookWithoutRebuildingTheView();
     void announcesWhatNoPaletteCarries();
     void isFoundFromEveryDescendantAlone();
@@ -105,6 +106,24 @@ void AppEnvironmentTest::keepsTheChosenAppearanceWhenTheSystemChanges()
 
     preferences.setAppearance(AppAppearance::system);
     QCOMPARE(schemeOf(*view), ColorScheme::dark);
+}
+
+void AppEnvironmentTest::handsDownHighContrast()
+{
+    AppPreferences preferences(nullptr, AppLanguage::english, AppAppearance::dark);
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    auto *view = new QWidget;
+    environment.setContent(view);
+
+    system.setValues({.highContrast = true});
+
+    QCOMPARE(
+        NoteTheme::color(view->palette(), Tone::secondary),
+        NoteTheme::color(NoteTheme::palette(ColorScheme::dark, Contrast::high), Tone::secondary));
+    QCOMPARE(schemeOf(*view), ColorScheme::dark);
+    system.setValues({});
+    QVERIFY(NoteTheme::contrast(view->palette()) == Contrast::normal);
 }
 
 void AppEnvironmentTest::changesLanguageAndLookWithoutRebuildingTheView()
