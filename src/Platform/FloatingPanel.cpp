@@ -81,6 +81,13 @@ void FloatingPanel::setCutOut(bool isCutOut)
         updateShape();
 }
 
+void FloatingPanel::setBlurred(bool isBlurred)
+{
+    m_isBlurred = isBlurred;
+    if (isVisible())
+        updateShape();
+}
+
 void FloatingPanel::setVisible(bool visible)
 {
     if (!visible || isVisible()) {
@@ -159,8 +166,9 @@ void FloatingPanel::giveUpWindow()
 
 void FloatingPanel::updateShape()
 {
-    if (!m_isCutOut) {
+    if (!m_isCutOut && !m_isBlurred) {
         PanelHints::cutOut(*this, {});
+        PanelHints::blurBehind(*this, {});
         return;
     }
     // The editor's outline is always the same, and it has much more to draw.
@@ -172,5 +180,6 @@ void FloatingPanel::updateShape()
         render(&rendering, {}, {}, DrawChildren);
         m_shape = PanelHints::opaquePart(rendering);
     }
-    PanelHints::cutOut(*this, m_shape);
+    PanelHints::cutOut(*this, m_isCutOut ? m_shape : QRegion());
+    PanelHints::blurBehind(*this, m_isBlurred ? m_shape : QRegion());
 }

@@ -41,6 +41,9 @@ public:
     /// else of it would be black.
     void setCutOut(bool isCutOut);
 
+    /// Has what lies behind the shape of what it shows blurred.
+    void setBlurred(bool isBlurred);
+
     void setVisible(bool visible) override;
 
     /// Runs on Escape, once a popup or an input method has had it, and when the window manager is
@@ -71,6 +74,7 @@ private:
     bool m_isBeingShown = false;
     bool m_isCutOut = false;
     bool m_wasActive = false;
+    bool m_isBlurred = false;
     /// In device pixels.
     QRegion m_shape;
 };

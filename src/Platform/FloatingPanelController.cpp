@@ -193,6 +193,8 @@ void FloatingPanelController::moveLauncher(LauncherInteraction::Translation tran
     if (!m_dragOrigin) {
         const Rect frame = launcherFrame();
         m_dragOrigin = Point{frame.x, frame.y};
+    m_launcher.setBlurred(m_system.blursBehind());
+    m_editor.setBlurred(m_system.blursBehind());
     }
     const Rect moved =
         launcherAt({m_dragOrigin->x + translation.width, m_dragOrigin->y - translation.height});

@@ -23,8 +23,8 @@ def _end_with_parent():
 
 def spawn(arguments, environment, **options):
     """Starts a child that the kernel kills should this process die."""
-    return subprocess.Popen(arguments, env=environment, stdin=subprocess.DEVNULL,
-                            preexec_fn=_end_with_parent, **options)
+    options = {"stdin": subprocess.DEVNULL} | options
+    return subprocess.Popen(arguments, env=environment, preexec_fn=_end_with_parent, **options)
 
 
 def stop(process, seconds=5.0):
