@@ -73,7 +73,9 @@ std::optional<Message> AppDelegate::applicationDidFinishLaunching(const LaunchOp
             &AppDelegate::quitRequested);
 
     m_panels->launcher().show();
-    if (options.showsEditor)
+    if (options.showsNotes)
+        showNotes();
+    else if (options.showsEditor)
         m_panels->expand();
     return std::nullopt;
 }
@@ -90,6 +92,13 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/)
     if (m_panels)
         m_panels->expand();
     return false;
+}
+
+void AppDelegate::showNotes()
+{
+    applicationShouldHandleReopen(true);
+    if (m_panels)
+        m_panels->showNotes();
 }
 
 AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()

@@ -44,6 +44,9 @@ public:
     /// left to do for the caller.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
+    /// Opens the editor with the list of notes.
+    void showNotes();
+
     /// The program lives on without a window.
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
 

@@ -11,6 +11,7 @@ LaunchOptions LaunchOptions::from(const QStringList &arguments,
 {
     LaunchOptions options;
     options.showsEditor = arguments.contains("--show-editor"_L1);
+    options.showsNotes = arguments.contains("--show-notes"_L1);
     options.isStartedByBus = arguments.contains("--started-by-bus"_L1);
     if (hostsUnitTests || environment.value("XCODE_RUNNING_FOR_PREVIEWS"_L1) == "1"_L1) {
         options.mode = Mode::hostOnly;

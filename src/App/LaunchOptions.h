@@ -31,6 +31,9 @@ struct LaunchOptions {
     /// "--show-editor": opens the editor at once, in every mode that builds something.
     bool showsEditor = false;
 
+    /// "--show-notes": the same, with the list of notes.
+    bool showsNotes = false;
+
     /// "--started-by-bus": the session bus started the program in order to activate it, so its
     /// first activation is this start and not a second one.
     bool isStartedByBus = false;

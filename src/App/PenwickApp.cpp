@@ -58,6 +58,7 @@ PenwickApp::PenwickApp(int &argc, char **argv)
     connect(&m_quitSignals, &QuitSignals::quitRequested, this, &PenwickApp::end);
     connect(&m_instance, &SingleInstance::activated, this, &PenwickApp::reopen);
     connect(&m_instance, &SingleInstance::newNoteRequested, this, &PenwickApp::showEditor);
+    connect(&m_instance, &SingleInstance::notesRequested, this, &PenwickApp::showNotes);
     connect(&m_delegate, &AppDelegate::quitRequested, this, &PenwickApp::quit);
     // Direct: the session waits for this to return, and may yet go on afterwards.
     connect(m_application.get(), &QGuiApplication::commitDataRequest, this,
@@ -72,7 +73,9 @@ int PenwickApp::run()
     m_isStartedByBus = options.isStartedByBus;
     // Interface tests and hosts of other code run beside the user's own program.
     if (options.mode == LaunchOptions::Mode::normal) {
-        const SingleInstance::Claim claim = m_instance.claim();
+        const SingleInstance::Claim claim =
+            m_instance.claim(options.showsNotes ? QLatin1StringView(SingleInstance::showNotes)
+                                                : QLatin1StringView());
         if (claim == SingleInstance::Claim::passedOn)
             return EXIT_SUCCESS;
         if (const QString why = whyRefused(claim); !why.isEmpty()) {
@@ -109,6 +112,12 @@ void PenwickApp::showEditor()
 {
     m_isStartedByBus = false;
     m_delegate.applicationShouldHandleReopen(true);
+}
+
+void PenwickApp::showNotes()
+{
+    m_isStartedByBus = false;
+    m_delegate.showNotes();
 }
 
 void PenwickApp::commitSession(QSessionManager &session)

@@ -29,6 +29,7 @@ public:
 private:
     void reopen();
     void showEditor();
+    void showNotes();
     void commitSession(QSessionManager &session);
     void quit();
     void end();

@@ -25,6 +25,7 @@ constexpr auto help =
     "Started a second time, it opens the editor of the one that runs.\n"
     "\n"
     "  --show-editor        opens the editor at once\n"
+    "  --show-notes         opens the editor with the list of notes\n"
     "  --ui-testing         keeps notes in memory and nothing else, in English and light\n"
     "  --language=zh-Hans   with --ui-testing: in Chinese\n"
     "  --appearance=dark    with --ui-testing: dark\n"

@@ -26,6 +26,8 @@ void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantLis
 {
     if (action == "new-note"_L1)
         Q_EMIT m_instance.newNoteRequested();
+    else if (action == QLatin1StringView(SingleInstance::showNotes))
+        Q_EMIT m_instance.notesRequested();
     else
         Q_EMIT m_instance.activated();
 }

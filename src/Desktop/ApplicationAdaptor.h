@@ -10,7 +10,8 @@ class SingleInstance;
 
 /// org.freedesktop.Application as the Desktop Entry Specification gives it: how a desktop starts a
 /// program through the bus. There is no document to open, so that two of the calls ask for the
-/// same; the one action is that of the desktop entry, "new-note". Internal to Desktop.
+/// same; the actions are those of the desktop entry, "new-note" and "show-notes". Internal to
+/// Desktop.
 class ApplicationAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")

@@ -46,7 +46,7 @@ SingleInstance::SingleInstance(QObject *parent)
     new ApplicationAdaptor(*this); // Found by its parent when the object is registered.
 }
 
-SingleInstance::Claim SingleInstance::claim()
+SingleInstance::Claim SingleInstance::claim(const QString &action)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
@@ -58,9 +58,11 @@ SingleInstance::Claim SingleInstance::claim()
     if (takeName(bus))
         return Claim::granted;
 
-    auto call =
-        QDBusMessage::createMethodCall(QLatin1StringView(busName), QLatin1StringView(objectPath),
-                                       applicationInterface, "Activate"_L1);
+    auto call = QDBusMessage::createMethodCall(
+        QLatin1StringView(busName), QLatin1StringView(objectPath), applicationInterface,
+        action.isEmpty() ? "Activate"_L1 : "ActivateAction"_L1);
+    if (!action.isEmpty())
+        call << action << QVariantList();
     call << m_startupData;
     call.setAutoStartService(false);
     const QDBusMessage answer = bus.call(call, QDBus::Block, longestWait);

@@ -13,6 +13,9 @@ public:
     static constexpr auto busName = "org.quillmark.Quillmark";
     static constexpr auto objectPath = "/org/quillmark/Quillmark";
 
+    /// The action of the desktop entry that opens the list of notes.
+    static constexpr auto showNotes = "show-notes";
+
     /// Construct it before the application object, which takes from the environment what the
     /// desktop says about this start.
     explicit SingleInstance(QObject *parent = nullptr);
@@ -28,7 +31,9 @@ public:
         taken,
     };
 
-    [[nodiscard]] Claim claim();
+    /// The one that runs already is asked for that action of the desktop entry; without a name, to
+    /// show itself.
+    [[nodiscard]] Claim claim(const QString &action = {});
 
 Q_SIGNALS:
     /// A second start, or the desktop, asks for the program.
@@ -36,6 +41,9 @@ Q_SIGNALS:
 
     /// The desktop's menu asks for a new note, even if it had to start the program for it.
     void newNoteRequested();
+
+    /// The desktop's menu or a second start asks for the list of notes.
+    void notesRequested();
 
 private:
     const QVariantMap m_startupData;

@@ -92,6 +92,12 @@ void FloatingPanelController::expand()
     m_editor.makeKey();
 }
 
+void FloatingPanelController::showNotes()
+{
+    if (m_isExpanded && m_workspace)
+        m_workspace->showLibrary();
+}
+
 void FloatingPanelController::collapse()
 {
     if (write())
@@ -186,6 +192,8 @@ void FloatingPanelController::applySystemAppearance()
 
     m_launcher.setCutOut(!m_system.isComposited());
     m_editor.setCutOut(!m_system.isComposited());
+    m_launcher.setBlurred(m_system.blursBehind());
+    m_editor.setBlurred(m_system.blursBehind());
 }
 
 void FloatingPanelController::moveLauncher(LauncherInteraction::Translation translation, bool ended)
@@ -193,8 +201,6 @@ void FloatingPanelController::moveLauncher(LauncherInteraction::Translation tran
     if (!m_dragOrigin) {
         const Rect frame = launcherFrame();
         m_dragOrigin = Point{frame.x, frame.y};
-    m_launcher.setBlurred(m_system.blursBehind());
-    m_editor.setBlurred(m_system.blursBehind());
     }
     const Rect moved =
         launcherAt({m_dragOrigin->x + translation.width, m_dragOrigin->y - translation.height});

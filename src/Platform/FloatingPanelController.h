@@ -46,6 +46,9 @@ public:
     /// forward.
     void expand();
 
+    /// Shows the list of notes in the editor; nothing while that is folded.
+    void showNotes();
+
     /// Writes, and folds the editor back into the launcher when that succeeded; else the editor
     /// says how to leave all the same. A read-only store has nothing to write.
     void collapse();

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void takesTheOverridesInInterfaceTests();
     void passesOverTheOverridesOtherwise();
     void opensTheEditorInEveryMode();
+    void opensTheListOfNotesInEveryMode();
     void comparesWholeArgumentsOnly();
     void knowsThatTheBusStartedIt();
 
@@ -106,6 +107,14 @@ void LaunchOptionsTest::opensTheEditorInEveryMode()
     QVERIFY(from({u"--show-editor"_s}).showsEditor);
     QVERIFY(from({u"--ui-testing"_s, u"--show-editor"_s}).showsEditor);
     QVERIFY(!from({u"--ui-testing"_s}).showsEditor);
+}
+
+void LaunchOptionsTest::opensTheListOfNotesInEveryMode()
+{
+    QVERIFY(from({u"--show-notes"_s}).showsNotes);
+    QVERIFY(!from({u"--show-notes"_s}).showsEditor);
+    QVERIFY(from({u"--ui-testing"_s, u"--show-notes"_s}).showsNotes);
+    QVERIFY(!from({u"--show-notes=now"_s}).showsNotes);
 }
 
 void LaunchOptionsTest::comparesWholeArgumentsOnly()

@@ -16,6 +16,10 @@ using namespace Qt::Literals::StringLiterals;
 
 using Claim = SingleInstance::Claim;
 
+/// What the desktop wants of the program.
+enum class Wish { toBeShown, newNote, notes };
+Q_DECLARE_METATYPE(Wish)
+
 /// Stands for the program that was started first. Lives on a thread of its own, since a second
 /// start waits until it has answered.
 class FirstInstance : public QObject {
@@ -28,6 +32,11 @@ public:
         const QMutexLocker lock(&m_mutex);
         return m_activations;
     }
+    [[nodiscard]] QStringList actions() const
+    {
+        const QMutexLocker lock(&m_mutex);
+        return m_actions;
+    }
 
 public Q_SLOTS:
     void Activate(const QVariantMap &startupData)
@@ -35,10 +44,17 @@ public Q_SLOTS:
         const QMutexLocker lock(&m_mutex);
         m_activations << startupData;
     }
+    void ActivateAction(const QString &action, const QVariantList & /*parameters*/,
+                        const QVariantMap & /*startupData*/)
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_actions << action;
+    }
 
 private:
     mutable QMutex m_mutex;
     QList<QVariantMap> m_activations;
+    QStringList m_actions;
 };
 
 class SingleInstanceTest : public QObject {
@@ -95,33 +111,36 @@ void SingleInstanceTest::ownsTheNameWhenItIsTheOnlyOne()
 void SingleInstanceTest::isActivatedByEveryCallOfTheInterface_data()
 {
     QTest::addColumn<QDBusMessage>("message");
-    QTest::addColumn<bool>("asksForANewNote");
+    QTest::addColumn<Wish>("wish");
 
-    QTest::newRow("Activate") << (call(u"Activate"_s) << QVariantMap()) << false;
+    QTest::newRow("Activate") << (call(u"Activate"_s) << QVariantMap()) << Wish::toBeShown;
     QTest::newRow("Open") << (call(u"Open"_s) << QStringList{u"file:///tmp"_s} << QVariantMap())
-                          << false;
-    QTest::newRow("new note") << (call(u"ActivateAction"_s)
-                                  << u"new-note"_s << QVariantList() << QVariantMap())
-                              << true;
-    QTest::newRow("unknown action")
-        << (call(u"ActivateAction"_s) << u"dance"_s << QVariantList() << QVariantMap()) << false;
+                          << Wish::toBeShown;
+    const auto action = [](const QString &name) {
+        return call(u"ActivateAction"_s) << name << QVariantList() << QVariantMap();
+    };
+    QTest::newRow("new note") << action(u"new-note"_s) << Wish::newNote;
+    QTest::newRow("show notes") << action(u"show-notes"_s) << Wish::notes;
+    QTest::newRow("unknown action") << action(u"dance"_s) << Wish::toBeShown;
 }
 
 void SingleInstanceTest::isActivatedByEveryCallOfTheInterface()
 {
     QFETCH(const QDBusMessage, message);
-    QFETCH(const bool, asksForANewNote);
+    QFETCH(const Wish, wish);
     SingleInstance instance;
     QCOMPARE(instance.claim(), Claim::granted);
     QSignalSpy activated(&instance, &SingleInstance::activated);
     QSignalSpy newNoteRequested(&instance, &SingleInstance::newNoteRequested);
+    QSignalSpy notesRequested(&instance, &SingleInstance::notesRequested);
     const QDBusConnection desktop = m_bus.connectAs(u"desktop"_s);
 
     const QDBusPendingCall answer = desktop.asyncCall(message);
 
     QTRY_VERIFY(answer.isFinished());
-    QCOMPARE(newNoteRequested.count(), asksForANewNote ? 1 : 0);
-    QCOMPARE(activated.count(), asksForANewNote ? 0 : 1);
+    QCOMPARE(newNoteRequested.count(), wish == Wish::newNote ? 1 : 0);
+    QCOMPARE(notesRequested.count(), wish == Wish::notes ? 1 : 0);
+    QCOMPARE(activated.count(), wish == Wish::toBeShown ? 1 : 0);
     QVERIFY2(!answer.isError(), qUtf8Printable(answer.error().message()));
     QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
 }
@@ -142,8 +161,11 @@ void SingleInstanceTest::asksTheFirstInstanceWithTheStartupData()
     qunsetenv("XDG_ACTIVATION_TOKEN");
 
     const Claim claim = second.claim();
+    const Claim actionsClaim = second.claim(u"show-notes"_s);
 
     QCOMPARE(claim, Claim::passedOn);
+    QCOMPARE(actionsClaim, Claim::passedOn);
+    QCOMPARE(first.actions(), QStringList{u"show-notes"_s});
     QCOMPARE(first.activations(), QList<QVariantMap>({{{u"desktop-startup-id"_s, u"start_TIME17"_s},
                                                        {u"activation-token"_s, u"token"_s}}}));
     other.unregisterService(busName);

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void returnsToTheLibraryWithTheKeyboardOnTheNote();
     void forgetsTheOpenNoteWhenATabIsChosen();
     void endsACompositionBeforeItShowsAnotherScreen();
+    void goesToTheListOfNotesFromEveryScreen();
     void forgetsThatTheNoteWasCopiedWhenItIsReopened();
     void reopensTheLibraryWithAnEmptySearch();
     void countsTheNotesInTheFooter_data();
@@ -218,6 +219,26 @@ void NoteWorkspaceViewTest::endsACompositionBeforeItShowsAnotherScreen()
 
     QCOMPARE(workspace.store.draft(), u"xiang"_s);
     QCOMPARE(Views::find<QLineEdit>(*workspace.view, "searchNotes")->text(), QString());
+}
+
+void NoteWorkspaceViewTest::goesToTheListOfNotesFromEveryScreen()
+{
+    Workspace workspace(2);
+    QVERIFY(Views::show(workspace.panel));
+    workspace.view->showLibrary();
+    QVERIFY(workspace.has("searchNotes"));
+    QVERIFY(Views::find<QAbstractButton>(*workspace.view, "libraryTab")->isChecked());
+
+    workspace.openFirstNote();
+    QTest::keyClicks(workspace.editor(), u"more"_s);
+    workspace.click("deleteNote");
+    workspace.view->showLibrary();
+    QVERIFY(workspace.has("searchNotes"));
+    QTRY_VERIFY(!Views::find(workspace.panel, "deleteAlert"));
+    QCOMPARE(workspace.store.snapshot().notes.size(), 2);
+
+    workspace.openFirstNote();
+    QVERIFY(workspace.editor()->toPlainText().contains(u"more"_s));
 }
 
 void NoteWorkspaceViewTest::forgetsThatTheNoteWasCopiedWhenItIsReopened()

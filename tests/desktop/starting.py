@@ -142,6 +142,31 @@ class Starting(DesktopTest):
         self.keyboard.type("from the menu")
         until(lambda: self.data.draft() == "from the menu", "it gets the keys")
 
+    def test_the_bus_starts_it_with_the_list_of_notes(self):
+        quillmark = self.start("--started-by-bus")
+        quillmark.launcher()
+
+        choose_action(self.desktop, "show-notes")
+
+        quillmark.editor()
+        quillmark.element(name="Find a thought…")
+
+    def test_a_second_start_shows_the_list_of_notes(self):
+        first = self.start()
+        first.launcher()
+
+        second = self.start("--show-notes")
+
+        self.assertEqual(second.wait_until_ended(), 0)
+        first.editor()
+        first.element(name="Find a thought…")
+
+    def test_it_starts_with_the_list_of_notes(self):
+        quillmark = self.start("--show-notes")
+
+        quillmark.editor()
+        quillmark.element(name="Find a thought…")
+
     def test_a_failed_write_at_the_end_asks_first(self):
         quillmark = self.start("--show-editor")
         quillmark.editor()

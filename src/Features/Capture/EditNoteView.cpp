@@ -91,6 +91,8 @@ void EditNoteView::confirmDelete()
         render();
     });
     connect(m_alert, &DeleteAlert::confirmed, this, &EditNoteView::deleteNote);
+    // From outside the list of notes may be asked for meanwhile.
+    connect(this, &QObject::destroyed, m_alert, &QObject::deleteLater);
     render();
 }
 

@@ -106,6 +106,11 @@ void NoteWorkspaceView::showWayOut()
     render();
 }
 
+void NoteWorkspaceView::showLibrary()
+{
+    chooseTab(WorkspaceTab::library);
+}
+
 void NoteWorkspaceView::chooseTab(WorkspaceTab tab)
 {
     const bool isShown = tab == m_tab && !m_selectedNote;

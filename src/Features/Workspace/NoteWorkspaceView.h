@@ -30,6 +30,9 @@ public:
     /// names the key that quits, until a save succeeds.
     void showWayOut();
 
+    /// Goes to the list of notes, as by its tab.
+    void showLibrary();
+
 Q_SIGNALS:
     /// By the button, or because the thought is saved.
     void collapseRequested();
