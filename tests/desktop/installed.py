@@ -3,7 +3,9 @@
 
 import pathlib
 import shutil
+import struct
 import subprocess
+from xml.etree import ElementTree
 
 from harness import DesktopTest, main
 from harness.translations import chinese
@@ -32,12 +34,34 @@ class Installed(DesktopTest):
         share = self.prefix / "share"
         entry = (share / "applications/org.quillmark.Quillmark.desktop").read_text()
         service = (share / "dbus-1/services/org.quillmark.Quillmark.service").read_text()
-        icons = list((share / "icons/hicolor").rglob("org.quillmark.Quillmark.*"))
 
         self.assertIn("Name=Quillmark\n", entry)
         self.assertIn("DBusActivatable=true\n", entry)
         self.assertIn("Name=org.quillmark.Quillmark\n", service)
-        self.assertTrue(icons)
+
+    def test_every_size_of_icon_has_a_drawing_of_its_own(self):
+        icons = self.prefix / "share/icons/hicolor"
+        for size in (16, 22, 24, 32, 48):
+            with self.subTest(size=size):
+                icon = icons / f"{size}x{size}/apps/org.quillmark.Quillmark.png"
+                signature, width, height = struct.unpack(">16sII", icon.read_bytes()[:24])
+                self.assertEqual(signature, b"\x89PNG\r\n\x1a\n\0\0\0\rIHDR")
+                self.assertEqual((width, height), (size, size))
+        for drawing in ("scalable/apps/org.quillmark.Quillmark.svg",
+                        "symbolic/apps/org.quillmark.Quillmark-symbolic.svg"):
+            self.assertEqual(ElementTree.parse(icons / drawing).getroot().tag,
+                             "{http://www.w3.org/2000/svg}svg")
+
+    def test_shells_take_the_completions(self):
+        completions = {"bash": "bash-completion/completions/quillmark",
+                       "zsh": "zsh/site-functions/_quillmark",
+                       "fish": "fish/vendor_completions.d/quillmark.fish"}
+        for shell, place in completions.items():
+            with self.subTest(shell=shell):
+                file = self.prefix / "share" / place
+                self.assertTrue(file.exists())
+                if shutil.which(shell):
+                    subprocess.run([shell, "-n", file], check=True)
 
 
 if __name__ == "__main__":
