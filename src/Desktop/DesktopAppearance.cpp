@@ -46,8 +46,6 @@ void DesktopAppearance::followPlatform()
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
     const auto take = [this](Qt::ColorScheme scheme) {
-        if (scheme == Qt::ColorScheme::Unknown)
-            return;
         m_ofPlatform = scheme == Qt::ColorScheme::Dark ? ColorScheme::dark : ColorScheme::light;
         gather();
     };
