@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <sys/types.h>
 
 /// What an entry of a folder is.
@@ -62,6 +63,8 @@ public:
         noReplace, ///< EEXIST when there is something of the new name.
         exchange,  ///< Both entries, which must exist, change their names.
     };
+
+    enum class Lock : std::uint8_t { alone, together };
 
     /// What else is to be known of an entry before it is moved or replaced.
     struct Attributes {
@@ -121,10 +124,11 @@ public:
 
     virtual Result<void> setMode(Handle handle, mode_t mode) noexcept = 0;
 
-    /// Keeps a folder for the one handle until that is closed, also by the end of the program.
-    /// EWOULDBLOCK, at once, when another handle has it, in this program or in another. Nothing in
-    /// the folder changes, and who does not ask for the lock is not kept from anything.
-    virtual Result<void> lock(Handle folder) noexcept = 0;
+    /// Keeps a folder for the one handle until that is closed, also by the end of the program, or
+    /// keeps it together with others from one that wants it alone. EWOULDBLOCK, at once, when
+    /// another handle has it otherwise, in this program or in another. Nothing in the folder
+    /// changes, and who does not ask for the lock is not kept from anything.
+    virtual Result<void> lock(Handle folder, Lock how) noexcept = 0;
 
     /// Gives a copy what the original has beside its content: owner, group, permissions, extended
     /// attributes and times, as far as the user may set them. An owner or group that the user may
@@ -138,4 +142,8 @@ public:
     /// False where the times of a file may lag behind its changes or be made up, as on network file
     /// systems; its content alone tells then whether it changed.
     [[nodiscard]] virtual bool hasReliableTimes(Handle handle) noexcept = 0;
+
+    /// How many entries a folder has at most, as its size tells without a listing; nothing where
+    /// it does not tell.
+    [[nodiscard]] virtual std::optional<std::size_t> mostEntries(Handle folder) noexcept = 0;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "FolderLock.h"
 
-bool FolderLock::take(const Directory &folder)
+bool FolderLock::take(const Directory &folder, Disk::Lock how)
 {
     const Result<FileStatus> status = folder.status();
     if (!status || (m_held && m_held->identity == status->identity))
@@ -15,7 +15,7 @@ bool FolderLock::take(const Directory &folder)
     const Result<FileStatus> opened = disk.status(taken.folder.get());
     if (!opened || opened->identity != status->identity)
         return true;
-    const Result<void> locked = uninterrupted([&] { return disk.lock(taken.folder.get()); });
+    const Result<void> locked = uninterrupted([&] { return disk.lock(taken.folder.get(), how); });
     if (!locked)
         return !locked.failure().is(EWOULDBLOCK);
     m_held.emplace(std::move(taken));

@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <linux/limits.h>
 #include <linux/magic.h>
+#include <span>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -97,6 +98,14 @@ void copyAttributes(int from, int to) noexcept
             static_cast<void>(
                 ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(length), 0));
     }
+}
+
+using FileSystemType = decltype(std::declval<struct statfs>().f_type);
+
+bool isOneOf(int file, std::span<const FileSystemType> types) noexcept
+{
+    struct statfs found {};
+    return ::fstatfs(file, &found) == 0 && std::ranges::count(types, found.f_type) != 0;
 }
 
 } // namespace
@@ -236,9 +245,9 @@ Result<void> SystemDisk::setMode(Handle handle, mode_t mode) noexcept
     return done(::fchmod(handle, mode & ALLPERMS));
 }
 
-Result<void> SystemDisk::lock(Handle folder) noexcept
+Result<void> SystemDisk::lock(Handle folder, Lock how) noexcept
 {
-    return done(::flock(folder, LOCK_EX | LOCK_NB));
+    return done(::flock(folder, (how == Lock::alone ? LOCK_EX : LOCK_SH) | LOCK_NB));
 }
 
 Result<void> SystemDisk::copyMetadata(Handle from, Handle to) noexcept
@@ -269,9 +278,22 @@ std::int64_t SystemDisk::now() noexcept
 bool SystemDisk::hasReliableTimes(Handle handle) noexcept
 {
     // Those that keep the times of a file in the kernel that also sees its changes.
-    constexpr std::array<decltype(std::declval<struct statfs>().f_type), 7> reliable{
+    constexpr std::array<FileSystemType, 7> reliable{
         EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC,       BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC,
         TMPFS_MAGIC,      OVERLAYFS_SUPER_MAGIC, 0x2fc12fc1 /* ZFS */};
-    struct statfs found {};
-    return ::fstatfs(handle, &found) == 0 && std::ranges::count(reliable, found.f_type) != 0;
+    return isOneOf(handle, reliable);
+}
+
+std::optional<std::size_t> SystemDisk::mostEntries(Handle folder) noexcept
+{
+    // Here the size of a folder counts its entries: tmpfs takes 20 bytes for each, btrfs twice the
+    // name's length, the others a record with the name. Names of notes have 39 bytes; only a folder
+    // with names of a few letters could have more entries than this.
+    constexpr std::array<FileSystemType, 5> telling{
+        EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC, TMPFS_MAGIC};
+    constexpr std::size_t leastBytes = 20;
+    struct stat found;
+    if (!isOneOf(folder, telling) || ::fstat(folder, &found) != 0)
+        return std::nullopt;
+    return static_cast<std::size_t>(found.st_size) / leastBytes;
 }

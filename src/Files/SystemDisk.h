@@ -26,8 +26,9 @@ public:
     Result<void> sync(Handle handle) noexcept override;
     Result<void> syncFileSystem(Handle handle) noexcept override;
     Result<void> setMode(Handle handle, mode_t mode) noexcept override;
-    Result<void> lock(Handle folder) noexcept override;
+    Result<void> lock(Handle folder, Lock how) noexcept override;
     Result<void> copyMetadata(Handle from, Handle to) noexcept override;
     [[nodiscard]] std::int64_t now() noexcept override;
     [[nodiscard]] bool hasReliableTimes(Handle handle) noexcept override;
+    [[nodiscard]] std::optional<std::size_t> mostEntries(Handle folder) noexcept override;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "NoteFolder.h"
 
+#include <sys/stat.h>
+
 namespace {
 
 /// There may be a draft for every note, and that of the capture screen.
@@ -107,6 +109,21 @@ bool NoteFolder::holds(Section section) const
 {
     const FileIdentity own = directory(section).orThrow(directory(section).status()).identity;
     return m_markdown.isAt(FileNames::ofSection(section), own).valueOr(true);
+}
+
+void NoteFolder::closeToOthers() const noexcept
+{
+    for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
+        const Result<FileStatus> status = directory(section).status();
+        if (status && (status->mode & ~mode_t{S_IRWXU}) != 0)
+            static_cast<void>(directory(section).setMode(status->mode & S_IRWXU));
+    }
+}
+
+void NoteFolder::sync() const
+{
+    for (const Section section : {Section::marker, Section::notes, Section::drafts})
+        directory(section).orThrow(directory(section).sync());
 }
 
 void NoteFolder::visit(const Visitor &visitor,

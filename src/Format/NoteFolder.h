@@ -61,6 +61,12 @@ public:
     /// False when another folder has taken the place of a section since it was opened.
     [[nodiscard]] bool holds(Section section) const;
 
+    /// Closes its folders to all but their owner. Folders of somebody else stay as they are.
+    void closeToOthers() const noexcept;
+
+    /// Puts what its folders hold on the disk, not the content of the files. Throws a FileError.
+    void sync() const;
+
     /// Gives up one of its folders.
     [[nodiscard]] Directory takeDirectory(Section section) noexcept
     {

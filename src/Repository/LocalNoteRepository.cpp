@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -32,6 +33,9 @@ constexpr auto settlingTime = std::chrono::ceil<std::chrono::milliseconds>(
                                   std::chrono::nanoseconds(FileStamp::settlingTime)) +
                               10ms;
 
+/// How often it is looked whether another program has let go of the folder.
+constexpr auto claimInterval = 5ms;
+
 /// By the XDG rules a relative path is no path at all.
 std::optional<std::filesystem::path> absolutePathIn(const char *variable)
 {
@@ -44,6 +48,16 @@ std::optional<std::filesystem::path> absolutePathIn(const char *variable)
 std::filesystem::path userDataFolder()
 {
     return absolutePathIn("XDG_DATA_HOME").value_or(homeFolder() / ".local/share");
+}
+
+SnapshotReader readWhole(const NoteFolder &folder, const Directory &data)
+{
+    SnapshotReader reader;
+    reader.read(folder);
+    // Another program may have put a whole new folder in its place and removed this one.
+    if (!folder.isIn(data))
+        throw RepositoryError::externalChange();
+    return reader;
 }
 
 std::filesystem::path userStateFolder()
@@ -95,10 +109,16 @@ std::optional<QUrl> LocalNoteRepository::notesFolderURL() const
     return fileUrl(folder);
 }
 
-bool LocalNoteRepository::claim()
+bool LocalNoteRepository::claim(std::chrono::milliseconds most)
 {
+    const auto deadline = std::chrono::steady_clock::now() + most;
     const Result<Directory> data = Directory::open(m_disk, dataURL());
-    return !data || m_lock.take(*data);
+    bool isFree = !data || m_lock.take(*data);
+    while (!isFree && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(claimInterval);
+        isFree = m_lock.take(*data);
+    }
+    return isFree;
 }
 
 /// For writing: makes the data folder when there is none.
@@ -118,6 +138,27 @@ NoteSnapshot LocalNoteRepository::load()
     return snapshot;
 }
 
+/// Nothing when there is no data folder.
+std::optional<Directory> LocalNoteRepository::openToRead() const
+{
+    Result<Directory> data = Directory::open(m_disk, dataURL());
+    if (!data && data.failure().is(ENOENT))
+        return std::nullopt;
+    if (!data)
+        throw FileError(dataURL(), data.failure());
+    MarkdownTransaction::checkRecovery(*data);
+    return *std::move(data);
+}
+
+NoteSnapshot LocalNoteRepository::read() const
+{
+    const std::optional<Directory> data = openToRead();
+    if (const auto folder = data ? NoteFolder::openIfExists(*data) : std::nullopt)
+        return readWhole(*folder, *data).takeSnapshot();
+    const auto legacy = data ? readLegacySnapshot(*data) : std::nullopt;
+    return legacy.value_or(NoteSnapshot());
+}
+
 NoteSnapshot LocalNoteRepository::reload(const NoteSnapshot &typed)
 {
     const NoteSnapshot last = m_saved;
@@ -127,11 +168,7 @@ NoteSnapshot LocalNoteRepository::reload(const NoteSnapshot &typed)
 
 bool LocalNoteRepository::isChangedOutside()
 {
-    const Result<Directory> data = Directory::open(m_disk, dataURL());
-    if (!data && !data.failure().is(ENOENT))
-        throw FileError(dataURL(), data.failure());
-    if (data)
-        MarkdownTransaction::checkRecovery(*data);
+    const std::optional<Directory> data = openToRead();
     const auto folder = data ? NoteFolder::openIfExists(*data) : std::nullopt;
     if (!folder || !m_known)
         return folder.has_value() != m_known.has_value();
@@ -140,19 +177,11 @@ bool LocalNoteRepository::isChangedOutside()
 
 void LocalNoteRepository::loadNotes()
 {
-    const Result<Directory> data = Directory::open(m_disk, dataURL());
-    if (!data && !data.failure().is(ENOENT))
-        throw FileError(dataURL(), data.failure());
-    if (data)
-        MarkdownTransaction::checkRecovery(*data);
+    const std::optional<Directory> data = openToRead();
     m_isOnDisk = false;
     m_unread.reset();
     if (const auto folder = data ? NoteFolder::openIfExists(*data) : std::nullopt) {
-        SnapshotReader reader;
-        reader.read(*folder);
-        // Another program may have put a whole new folder in its place and removed this one.
-        if (!folder->isIn(*data))
-            throw RepositoryError::externalChange();
+        SnapshotReader reader = readWhole(*folder, *data);
         m_saved = reader.takeSnapshot();
         m_known.emplace(reader.takeFiles());
     } else {

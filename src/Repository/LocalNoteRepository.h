@@ -39,10 +39,11 @@ public:
     /// absolute), and in that for the time of the session (XDG_RUNTIME_DIR), where there is one.
     [[nodiscard]] static Folders defaultJournalFolders();
 
-    /// Keeps the data folder, when there is one, for this program alone. False when another has it.
-    /// A save does so itself, and throws a FileError of Reason::inUse then; a load does not, since
-    /// it needs no more than to read.
-    [[nodiscard]] bool claim();
+    /// Keeps the data folder, when there is one, for this program alone. False when another has it
+    /// all that time: who adds a single note does so for some milliseconds. A save does so itself,
+    /// and throws a FileError of Reason::inUse then; a load does not, since it needs no more than
+    /// to read.
+    [[nodiscard]] bool claim(std::chrono::milliseconds most = {});
 
     [[nodiscard]] std::optional<QUrl> notesFolderURL() const override;
 
@@ -53,6 +54,11 @@ public:
     [[nodiscard]] bool isChangedOutside() override;
     [[nodiscard]] NoteSnapshot reload(const NoteSnapshot &typed) override;
     void save(const NoteSnapshot &snapshot) override;
+
+    /// What load() would answer of stored notes, for who only looks: older notes are not moved,
+    /// typed text is left where it is, and nothing is remembered. Beside another program that saves
+    /// it may throw for a state that is over at once.
+    [[nodiscard]] NoteSnapshot read() const;
 
     /// Removes the folder that a save replaced; then reads again the files whose times changed with
     /// their links, so that the next save need not.
@@ -70,6 +76,7 @@ public:
 
 private:
     [[nodiscard]] Directory openClaimed();
+    [[nodiscard]] std::optional<Directory> openToRead() const;
     void loadNotes();
     [[nodiscard]] std::optional<NoteSnapshot> readLegacySnapshot(const Directory &data) const;
     void write(const NoteSnapshot &snapshot, const NoteSnapshot &last, KnownFolder *known);

@@ -4,7 +4,6 @@
 #include "RepositoryError.h"
 
 #include <algorithm>
-#include <sys/stat.h>
 #include <utility>
 
 namespace {
@@ -156,24 +155,10 @@ void MarkdownTransaction::beginFolder()
                            sectionFolders);
 }
 
-void MarkdownTransaction::closeToOthers() const noexcept
-{
-    for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
-        const Directory &folder = m_folder->directory(section);
-        const Result<FileStatus> status = folder.status();
-        // Folders of somebody else stay as they are.
-        if (status && (status->mode & ~mode_t{S_IRWXU}) != 0)
-            static_cast<void>(folder.setMode(status->mode & S_IRWXU));
-    }
-}
-
 void MarkdownTransaction::syncLoaded() const
 {
     m_data.orThrow(m_data.sync());
-    for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
-        const Directory &folder = m_folder->directory(section);
-        folder.orThrow(folder.sync());
-    }
+    m_folder->sync();
 }
 
 bool MarkdownTransaction::commit()
@@ -191,7 +176,7 @@ bool MarkdownTransaction::commit()
     }
     // What a whole new folder is made of was closed while it was made.
     if (isDone && m_place && &m_place->parent != &m_data)
-        closeToOthers();
+        m_folder->closeToOthers();
     return isDone;
 }
 

@@ -46,7 +46,6 @@ private:
     void placeAt(const Directory &parent, const char *name);
     void check(Section section);
     void check(Section section, const FolderTree *tree);
-    void closeToOthers() const noexcept;
     [[nodiscard]] bool areOldFilesSame();
     [[nodiscard]] bool areDraftedNotesThere() const;
     [[nodiscard]] bool isOldFileSame(const NoteFilePlace &place, const Directory &folder,

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "LocalNoteRepository.h"
+#include "NoteAddition.h"
 #include "NoteFolder.h"
 #include "RepositoryError.h"
+#include "SystemDisk.h"
 
 #include "DataFolder.h"
 #include "Notes.h"
@@ -137,6 +139,11 @@ void LimitsTest::keepsTheMostNotesAndRefusesMore()
     QVERIFY(onSave.has_value());
     QCOMPARE(onSave->reason(), Reason::tooManyNotes);
     QCOMPARE(onSave->path(), data.path("Markdown/Notes"));
+    SystemDisk disk;
+    const auto onAddition = thrown<FileError>([&] {
+        static_cast<void>(addNote(Directory::openOrMake(disk, data.path()), more.notes.last()));
+    });
+    QCOMPARE(onAddition.has_value() ? onAddition->reason() : Reason::system, Reason::tooManyNotes);
     QVERIFY(!data.holds(noteFile(numberedId(1))));
     QCOMPARE(data.count(".quillmark-"), 0);
 

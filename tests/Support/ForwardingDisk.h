@@ -71,7 +71,10 @@ public:
     {
         return m_disk.setMode(handle, mode);
     }
-    Result<void> lock(Handle folder) noexcept override { return m_disk.lock(folder); }
+    Result<void> lock(Handle folder, Lock how) noexcept override
+    {
+        return m_disk.lock(folder, how);
+    }
     Result<void> copyMetadata(Handle from, Handle to) noexcept override
     {
         return m_disk.copyMetadata(from, to);
@@ -80,6 +83,10 @@ public:
     [[nodiscard]] bool hasReliableTimes(Handle handle) noexcept override
     {
         return m_disk.hasReliableTimes(handle);
+    }
+    [[nodiscard]] std::optional<std::size_t> mostEntries(Handle folder) noexcept override
+    {
+        return m_disk.mostEntries(folder);
     }
 
 private:

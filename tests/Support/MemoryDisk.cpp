@@ -225,7 +225,8 @@ Result<Disk::Handle> MemoryDisk::open(Number inode, bool isWritable)
              .generation = generation,
              .offset = 0,
              .isOpen = true,
-             .isWritable = isWritable};
+             .isWritable = isWritable,
+             .lock = {}};
     return static_cast<Handle>(generation * slotCount) +
            static_cast<Handle>(slot - m_handles.begin());
 }

@@ -224,10 +224,11 @@ public:
     Result<void> sync(Handle handle) noexcept override;
     Result<void> syncFileSystem(Handle handle) noexcept override;
     Result<void> setMode(Handle handle, mode_t mode) noexcept override;
-    Result<void> lock(Handle folder) noexcept override;
+    Result<void> lock(Handle folder, Lock how) noexcept override;
     Result<void> copyMetadata(Handle from, Handle to) noexcept override;
     [[nodiscard]] std::int64_t now() noexcept override;
     [[nodiscard]] bool hasReliableTimes(Handle handle) noexcept override;
+    [[nodiscard]] std::optional<std::size_t> mostEntries(Handle folder) noexcept override;
 
 private:
     struct Entry;
@@ -238,7 +239,7 @@ private:
         std::size_t offset = 0;
         bool isOpen = false;
         bool isWritable = false;
-        bool isLocked = false;
+        std::optional<Lock> lock;
     };
 
     template <typename Action>

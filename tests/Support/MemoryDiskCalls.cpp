@@ -414,7 +414,7 @@ Result<void> MemoryDisk::setMode(Handle handle, mode_t mode) noexcept
     });
 }
 
-Result<void> MemoryDisk::lock(Handle folder) noexcept
+Result<void> MemoryDisk::lock(Handle folder, Lock how) noexcept
 {
     const Number in = folderOf(folder);
     return perform({.kind = DiskCall::Kind::lock, .inode = in}, [&]() -> Result<void> {
@@ -422,11 +422,12 @@ Result<void> MemoryDisk::lock(Handle folder) noexcept
             return Failure::system(m_image.m_abilities.lockError);
         Open &own = opened(folder);
         const bool isTaken = std::ranges::any_of(m_handles, [&](const Open &open) {
-            return &open != &own && open.isOpen && open.isLocked && open.inode == in;
+            return &open != &own && open.isOpen && open.lock && open.inode == in &&
+                   (how == Lock::alone || *open.lock == Lock::alone);
         });
         if (isTaken)
             return Failure::system(EWOULDBLOCK);
-        own.isLocked = true;
+        own.lock = how;
         return {};
     });
 }
@@ -452,6 +453,11 @@ Result<void> MemoryDisk::copyMetadata(Handle from, Handle to) noexcept
 std::int64_t MemoryDisk::now() noexcept
 {
     return m_image.m_clock - m_image.m_clock % tick;
+}
+
+std::optional<std::size_t> MemoryDisk::mostEntries(Handle folder) noexcept
+{
+    return inode(folderOf(folder)).entries.size();
 }
 
 bool MemoryDisk::hasReliableTimes(Handle handle) noexcept

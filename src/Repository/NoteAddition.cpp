@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "NoteAddition.h"
+
+#include "FileNames.h"
+#include "FileTransaction.h"
+#include "MarkdownTransaction.h"
+#include "NoteFile.h"
+#include "NoteFolder.h"
+#include "RepositoryError.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Listing and looking at so many files costs a millisecond.
+constexpr std::size_t mostListed = 2'000;
+constexpr std::size_t mostLookedAt = 500;
+
+void checkMarker(const NoteFolder &folder)
+{
+    const Directory &markdown = folder.directory();
+    std::string bytes;
+    markdown.orThrow(markdown.readFile(FileNames::marker, NoteFolder::largestFile, bytes),
+                     FileNames::marker);
+    if (bytes != FileNames::markerContent)
+        throw RepositoryError::invalidMarkdown().about(markdown.path() / FileNames::marker);
+}
+
+DirectoryListing markdownFiles(const Directory &notes)
+{
+    DirectoryListing listing = notes.orThrow(notes.list());
+    listing.keepIf([&](const DirectoryListing::Entry &entry) {
+        return FileNames::isMarkdown(listing.name(entry));
+    });
+    return listing;
+}
+
+/// More notes than there may be would all be refused by the next load.
+void checkRoom(const NoteFolder &folder, std::size_t added)
+{
+    const Directory &notes = folder.directory(Section::notes);
+    const std::optional<std::size_t> most = notes.disk().mostEntries(notes.handle());
+    if (most && *most > mostListed && *most < NoteFolder::mostNotes)
+        return;
+    const DirectoryListing files = markdownFiles(notes);
+    if (files.entries().size() >= NoteFolder::mostNotes)
+        throw notes.error(Failure::because(Reason::tooManyNotes));
+    if (files.entries().size() > mostLookedAt)
+        return;
+    std::size_t total = added;
+    for (const DirectoryListing::Entry &file : files.entries()) {
+        const Result<FileStatus> status = notes.status(files.name(file));
+        total += status ? static_cast<std::size_t>(status->size) : 0;
+    }
+    if (total > NoteFolder::mostBytes)
+        throw folder.directory().error(Failure::because(Reason::tooMuchText));
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> addNote(const Directory &data, const Note &note)
+{
+    MarkdownTransaction::checkRecovery(data);
+    const std::optional<NoteFolder> folder = NoteFolder::openIfExists(data);
+    if (!folder)
+        return std::nullopt;
+    checkMarker(*folder);
+    NoteFile file;
+    file.place = {Section::notes, NoteFileName::ofNote(note.id)};
+    file.note = note;
+    const std::string bytes = encodedFile(file, folder->directory().path());
+    checkRoom(*folder, bytes.size());
+
+    const Directory &notes = folder->directory(Section::notes);
+    const SwapPlace place{.parent = notes,
+                          .hidden = data,
+                          .live = file.place.name.c_str(),
+                          .stage = FileNames::fresh(FileNames::stagePrefix),
+                          .recovery = FileNames::fresh(FileNames::recoveryPrefix)};
+    // A program that ended in the middle of a save may have left the folders to memory alone.
+    data.orThrow(data.sync());
+    folder->sync();
+    FileTransaction transaction(place, bytes, std::nullopt);
+    const bool isDone =
+        transaction.commit([&] { return folder->isIn(data) && folder->holds(Section::notes); });
+    if (!isDone)
+        throw RepositoryError::externalChange();
+    folder->closeToOthers();
+    return notes.path() / place.live;
+}
