@@ -10,6 +10,7 @@
 #include "MemoryNoteRepository.h"
 #include "NoteStore.h"
 #include "NoteTheme.h"
+#include "NotesService.h"
 #include "PanelHints.h"
 #include "Screens.h"
 #include "StandardDefaults.h"
@@ -24,20 +25,28 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+/// The command line has the notes for milliseconds; another instance has them for good.
+constexpr std::chrono::milliseconds longestClaim{500};
+
 /// Null when another program has the notes for itself.
 std::unique_ptr<NoteRepository> makeRepository(bool isInterfaceTest)
 {
     if (isInterfaceTest)
         return std::make_unique<MemoryNoteRepository>();
     auto repository = std::make_unique<LocalNoteRepository>();
-    if (!repository->claim())
+    if (!repository->claim(longestClaim))
         return nullptr;
     return repository;
 }
 
+std::filesystem::path dataFolder()
+{
+    return LocalNoteRepository::defaultFileURL().parent_path();
+}
+
 Message notesInUse()
 {
-    return FileError(LocalNoteRepository::defaultFileURL().parent_path(), Reason::inUse).message();
+    return FileError(dataFolder(), Reason::inUse).message();
 }
 
 } // namespace
@@ -71,6 +80,10 @@ std::optional<Message> AppDelegate::applicationDidFinishLaunching(const LaunchOp
         *m_store, *m_preferences, *m_defaults, !isInterfaceTest, *m_system, *m_screens, *m_focus);
     connect(m_panels.get(), &FloatingPanelController::quitRequested, this,
             &AppDelegate::quitRequested);
+
+    if (!isInterfaceTest)
+        m_notes = std::make_unique<NotesService>(
+            dataFolder(), [this](const QList<Note> &notes) { return m_store->addNotes(notes); });
 
     m_panels->launcher().show();
     if (options.showsNotes)

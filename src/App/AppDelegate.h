@@ -13,6 +13,7 @@ class AppPreferences;
 class ApplicationFocus;
 class FloatingPanelController;
 class NoteStore;
+class NotesService;
 class QSettings;
 class Screens;
 class SystemAppearance;
@@ -83,4 +84,5 @@ private:
     std::unique_ptr<Screens> m_screens;
     std::unique_ptr<ApplicationFocus> m_focus;
     std::unique_ptr<FloatingPanelController> m_panels;
+    std::unique_ptr<NotesService> m_notes;
 };

@@ -14,8 +14,7 @@ public:
 
     [[nodiscard]] const std::filesystem::path &path() const noexcept { return m_path; }
 
-    /// The errno; 0 when the reason is not the system's.
-    [[nodiscard]] int systemError() const noexcept { return m_systemError; }
+    [[nodiscard]] int systemError() const noexcept override { return m_systemError; }
 
     [[nodiscard]] Message message() const override;
     [[nodiscard]] const std::filesystem::path *place() const noexcept override;

@@ -48,6 +48,9 @@ class StorageError : public std::exception {
 public:
     [[nodiscard]] Reason reason() const noexcept { return m_reason; }
 
+    /// The errno; 0 when the reason is not the system's.
+    [[nodiscard]] virtual int systemError() const noexcept { return 0; }
+
     /// What happened and what to do, for the user.
     [[nodiscard]] virtual Message message() const = 0;
 

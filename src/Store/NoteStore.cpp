@@ -6,6 +6,7 @@
 #include "TextSearch.h"
 #include "WellFormed.h"
 
+#include <QSet>
 #include <algorithm>
 #include <vector>
 
@@ -15,6 +16,7 @@ namespace {
 
 /// Why the operation failed, or nothing when it succeeded. The only place that catches.
 struct Failure {
+    Refusal::Kind kind;
     Message message;
     std::optional<RepositoryError> repositoryError;
     std::optional<std::filesystem::path> place;
@@ -32,12 +34,14 @@ std::optional<Failure> failureOf(const Operation &operation)
         operation();
         return std::nullopt;
     } catch (const RepositoryError &error) {
-        return Failure{error.message(), error, placeOf(error)};
+        return Failure{Refusal::of(error).kind, error.message(), error, placeOf(error)};
     } catch (const StorageError &error) {
-        return Failure{error.message(), std::nullopt, placeOf(error)};
+        return Failure{Refusal::of(error).kind, error.message(), std::nullopt, placeOf(error)};
     } catch (const std::exception &error) {
-        return Failure{
-            {u"%@"_s, {QString::fromLocal8Bit(error.what())}}, std::nullopt, std::nullopt};
+        return Failure{Refusal::Kind::disk,
+                       {u"%@"_s, {QString::fromLocal8Bit(error.what())}},
+                       std::nullopt,
+                       std::nullopt};
     }
 }
 
@@ -102,6 +106,7 @@ bool NoteStore::load()
     const auto failure = failureOf([&] { loaded = m_repository->load(); });
     m_isReadOnly = failure.has_value();
     if (failure) {
+        m_loadRefusal = {failure->kind, failure->message};
         setErrorContext(u"Could not read your notes. Original files were protected."_s);
         setFailure(failure->message, failure->repositoryError, failure->place);
         return false;
@@ -265,6 +270,32 @@ bool NoteStore::deleteNote(const Note &note)
     return commit(next);
 }
 
+std::optional<Refusal> NoteStore::addNotes(const QList<Note> &notes)
+{
+    takeInChanges();
+    if (m_isReadOnly)
+        return m_loadRefusal;
+    QSet<QUuid> known;
+    for (const Note &note : m_snapshot.notes)
+        known.insert(note.id);
+    NoteSnapshot next = m_snapshot;
+    QList<Note> added;
+    for (const Note &note : notes) {
+        if (!known.contains(note.id))
+            added.append(note);
+    }
+    next.notes = added + next.notes;
+    const auto failure = failureOf([&] { m_repository->save(next); });
+    if (!failure) {
+        hasSaved(next);
+        return std::nullopt;
+    }
+    // What the save was to do was noted with what is typed; it must not be taken for done.
+    if (m_hasPendingChanges)
+        keepTyped();
+    return Refusal{failure->kind, failure->message};
+}
+
 bool NoteStore::flush()
 {
     if (commit(m_snapshot))
@@ -294,13 +325,19 @@ bool NoteStore::commit(const NoteSnapshot &snapshot)
         setFailure(failure->message, failure->repositoryError, failure->place);
         return false;
     }
+    hasSaved(snapshot);
+    return true;
+}
+
+void NoteStore::hasSaved(const NoteSnapshot &snapshot)
+{
+    m_saveTimer.stop();
     m_keepTimer.stop();
     m_syncTimer.stop();
     m_tidyTimer.start(0);
     setSnapshot(snapshot);
     setFailure(std::nullopt, std::nullopt, std::nullopt);
     setHasPendingChanges(false);
-    return true;
 }
 
 void NoteStore::scheduleSave()

@@ -3,6 +3,7 @@
 
 #include "Message.h"
 #include "NoteRepository.h"
+#include "Refusal.h"
 #include "RepositoryError.h"
 
 #include <QObject>
@@ -116,6 +117,12 @@ public:
     bool saveEdit(const Note &note);
     bool deleteNote(const Note &note);
 
+    /// Adds notes that another program made, all or none, in front of the others. Nothing when they
+    /// are on the disk, with what is typed, which stays as it is; else why not: nothing was written
+    /// then, and the screen tells nothing of it, since nobody before it asked. Notes whose
+    /// identifiers are there already are passed over.
+    std::optional<Refusal> addNotes(const QList<Note> &notes);
+
     /// Writes the current state now. With nothing to be written, what another program changed
     /// meanwhile is taken in instead of being a reason to fail.
     bool flush();
@@ -143,6 +150,7 @@ Q_SIGNALS:
 private:
     bool load();
     bool commit(const NoteSnapshot &snapshot);
+    void hasSaved(const NoteSnapshot &snapshot);
     void scheduleSave();
     void keepTyped();
     bool syncTyped();
@@ -163,6 +171,9 @@ private:
     std::optional<std::filesystem::path> m_errorPlace;
     bool m_isReadOnly = false;
     bool m_hasFailedToReload = false;
+
+    /// Why it is read-only.
+    Refusal m_loadRefusal;
 
     /// Of the note that the text of the capture screen will become.
     QUuid m_captureId = QUuid::createUuid();
