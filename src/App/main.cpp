@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "HomeFolder.h"
 #include "PenwickApp.h"
+#include "ProcessStart.h"
 
 #include "SessionBus.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <string>
 #include <string_view>
-#include <sys/resource.h>
-#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -40,35 +37,12 @@ void doWithoutMissingHome()
         std::fputs("Quillmark cannot set HOME.\n", stderr);
 }
 
-/// A crash must not leave a copy of the notes behind, neither in a core file nor with a crash
-/// reporter. One byte is too little for a file, and to the kernel it means that no reporter is
-/// started either, which 0 does not (core(5)). A debugger may raise the limit again.
-void leaveNoCoreFile()
-{
-    rlimit limit{};
-    if (::getrlimit(RLIMIT_CORE, &limit) == 0) {
-        limit.rlim_cur = std::min<rlim_t>(1, limit.rlim_max);
-        ::setrlimit(RLIMIT_CORE, &limit);
-    }
-}
-
 /// A file that may not grow and a reader that has gone away are errors of a call (EFBIG, EPIPE) and
 /// no reason to end.
 void takeSignalsAsErrors()
 {
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
-}
-
-/// Where input, output or errors are closed, the next file that is opened would take their place:
-/// a message would then be written into a note.
-void occupyStandardFiles()
-{
-    int descriptor = ::open("/dev/null", O_RDWR);
-    while (descriptor != -1 && descriptor <= STDERR_FILENO)
-        descriptor = ::open("/dev/null", O_RDWR);
-    if (descriptor != -1)
-        ::close(descriptor);
 }
 
 } // namespace

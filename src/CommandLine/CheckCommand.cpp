@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "Commands.h"
+
+#include "Console.h"
+#include "FileError.h"
+#include "FolderCheck.h"
+#include "ProgressLine.h"
+#include "StoredNotes.h"
+
+#include <QFile>
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+using Finding = FolderCheck::Finding;
+
+/// So long a save may have its stage in the folder.
+constexpr auto longestSave = 1s;
+
+/// For scripts, the same in every language.
+QLatin1StringView wordFor(Finding::Kind kind)
+{
+    switch (kind) {
+    case Finding::Kind::refused:
+        return "refused"_L1;
+    case Finding::Kind::recoveryCopy:
+        return "recovery"_L1;
+    case Finding::Kind::stage:
+        return "stage"_L1;
+    case Finding::Kind::difference:
+        return "difference"_L1;
+    case Finding::Kind::editorLock:
+        return "lock"_L1;
+    case Finding::Kind::conflictCopy:
+        return "conflict"_L1;
+    case Finding::Kind::backup:
+        return "backup"_L1;
+    case Finding::Kind::other:
+        return "other"_L1;
+    }
+    Q_UNREACHABLE();
+}
+
+QString shown(const std::filesystem::path &path)
+{
+    return harmless(QFile::decodeName(path.c_str()), false);
+}
+
+void print(Console &console, const Finding &finding)
+{
+    const QString sentence = harmless(console.text(finding.message), false);
+    if (!console.isTerminal()) {
+        console.write(wordFor(finding.kind) + u'\t' + shown(finding.path) + u'\t' + sentence +
+                      u'\n');
+        return;
+    }
+    const bool isWrong = FolderCheck::isWrong(finding.kind);
+    console.write(shown(finding.path), isWrong ? Console::Look::strong : Console::Look::plain);
+    console.write(u"\n    "_s + sentence + u'\n');
+}
+
+/// Why the notes cannot be loaded, if so, and whether a recovery copy is all the reason.
+std::optional<Finding> refusalOf(const FolderCheck &check, const StoredNotes &notes,
+                                 std::optional<Complaint> &complaint)
+{
+    NoteSnapshot snapshot;
+    complaint = notes.read(snapshot);
+    if (!complaint || complaint->status == ExitStatus::recoveryCopy)
+        return std::nullopt;
+    const std::filesystem::path place = complaint->place.value_or(notes.dataFolder());
+    Finding finding{Finding::Kind::refused, place, complaint->message};
+    // The one sentence that does not say what is wrong is that of metadata.
+    if (const auto why = complaint->place ? check.whyInvalid(place) : std::nullopt)
+        finding.message = *why;
+    return finding;
+}
+
+void waitForSave(const FolderCheck &check, const StoredNotes &notes)
+{
+    const auto deadline = std::chrono::steady_clock::now() + longestSave;
+    while (check.hasHidden() && !notes.isFree() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(20ms);
+}
+
+} // namespace
+
+ExitStatus Commands::check(Console &console, StoredNotes &notes, const Words &words)
+{
+    if (!words.empty())
+        return refuseUsage(console);
+    std::vector<Finding> findings;
+    std::error_code ignored;
+    const bool isThere = std::filesystem::exists(notes.dataFolder(), ignored);
+    std::optional<Complaint> complaint;
+    const auto failure = attempt([&] {
+        if (!isThere)
+            return;
+        const ProgressLine progress(console.text(u"Looking through the notes…"_s));
+        SystemDisk disk;
+        const Result<Directory> opened = Directory::open(disk, notes.dataFolder());
+        if (!opened) {
+            findings.push_back({Finding::Kind::refused, notes.dataFolder(),
+                                FileError(notes.dataFolder(), opened.failure()).message()});
+            return;
+        }
+        const FolderCheck check(*opened);
+        waitForSave(check, notes);
+        if (const auto refusal = refusalOf(check, notes, complaint))
+            findings.push_back(*refusal);
+        for (const auto &more : {check.hidden(), check.neighbours()})
+            findings.insert(findings.end(), more.begin(), more.end());
+    });
+    if (failure) {
+        console.complain(*failure);
+        return failure->status;
+    }
+    for (const Finding &finding : findings)
+        print(console, finding);
+    const bool isWrong = std::ranges::any_of(
+        findings, [](const Finding &finding) { return FolderCheck::isWrong(finding.kind); });
+    if (findings.empty() && console.isTerminal())
+        console.write(console.text(u"Nothing is wrong with the notes."_s) + u'\n');
+    return isWrong ? ExitStatus::wrong : ExitStatus::done;
+}
