@@ -448,5 +448,216 @@ with a quick note.</translation>
         <source>The older notes file “notes.json” has version %d and cannot be read: “%@” is not as in version 1. Mend it or move the file away, then reopen the app.</source>
         <translation>The older notes file “notes.json” has version %d and cannot be read: “%@” is not as in version 1. Mend it or move the file away, then reopen the app.</translation>
     </message>
+    <!-- The command line -->
+    <message>
+        <source>Usage: quillmark-notes COMMAND [ARGUMENT]…
+
+Adds to Quillmark’s notes, finds and copies them, beside its window or without.
+
+  add [TEXT]…          saves a note, without TEXT from the standard input
+  list                 lists the notes, newest first
+  search WORD…         lists the notes that hold the words
+  show ID              prints one note; the beginning of ID is enough
+  export FOLDER        copies every note into FOLDER
+  import FILE…         saves each text file as a note
+  check                says what is wrong with the notes; changes nothing
+
+  --json               with list, search and show: as JSON
+  --version            prints the version and ends
+  --help               prints this and ends
+</source>
+        <translation>Usage: quillmark-notes COMMAND [ARGUMENT]…
+
+Adds to Quillmark’s notes, finds and copies them, beside its window or without.
+
+  add [TEXT]…          saves a note, without TEXT from the standard input
+  list                 lists the notes, newest first
+  search WORD…         lists the notes that hold the words
+  show ID              prints one note; the beginning of ID is enough
+  export FOLDER        copies every note into FOLDER
+  import FILE…         saves each text file as a note
+  check                says what is wrong with the notes; changes nothing
+
+  --json               with list, search and show: as JSON
+  --version            prints the version and ends
+  --help               prints this and ends
+</translation>
+    </message>
+    <message>
+        <source>That is not how it is called. See: quillmark-notes --help</source>
+        <translation>That is not how it is called. See: quillmark-notes --help</translation>
+    </message>
+    <message>
+        <source>Type the note, then press Ctrl+D.</source>
+        <translation>Type the note, then press Ctrl+D.</translation>
+    </message>
+    <message>
+        <source>The standard input could not be read.</source>
+        <translation>The standard input could not be read.</translation>
+    </message>
+    <message>
+        <source>The text is too large for a note.</source>
+        <translation>The text is too large for a note.</translation>
+    </message>
+    <message>
+        <source>The text is not UTF-8.</source>
+        <translation>The text is not UTF-8.</translation>
+    </message>
+    <message>
+        <source>There is no text to save.</source>
+        <translation>There is no text to save.</translation>
+    </message>
+    <message>
+        <source>The output could not be written: %@</source>
+        <translation>The output could not be written: %@</translation>
+    </message>
+    <message>
+        <source>Reading notes…</source>
+        <translation>Reading notes…</translation>
+    </message>
+    <message>
+        <source>There is no note “%@”.</source>
+        <translation>There is no note “%@”.</translation>
+    </message>
+    <message>
+        <source>“%@” is the beginning of more than one note.</source>
+        <translation>“%@” is the beginning of more than one note.</translation>
+    </message>
+    <message>
+        <source>Exporting notes…</source>
+        <translation>Exporting notes…</translation>
+    </message>
+    <message>
+        <source>Importing notes…</source>
+        <translation>Importing notes…</translation>
+    </message>
+    <message>
+        <source>“%@” is too large for a note.</source>
+        <translation>“%@” is too large for a note.</translation>
+    </message>
+    <message>
+        <source>“%@” is not an ordinary file.</source>
+        <translation>“%@” is not an ordinary file.</translation>
+    </message>
+    <message>
+        <source>“%@” cannot be read: %@</source>
+        <translation>“%@” cannot be read: %@</translation>
+    </message>
+    <message>
+        <source>“%@” is not UTF-8 text.</source>
+        <translation>“%@” is not UTF-8 text.</translation>
+    </message>
+    <message>
+        <source>“%@” holds no text.</source>
+        <translation>“%@” holds no text.</translation>
+    </message>
+    <message>
+        <source>“%@” has a time that no note can have.</source>
+        <translation>“%@” has a time that no note can have.</translation>
+    </message>
+    <message>
+        <source>These files are more than the notes may hold.</source>
+        <translation>These files are more than the notes may hold.</translation>
+    </message>
+    <message>
+        <source>“%@” is in use by another Quillmark that cannot be asked to add notes. Quit that one, then try again.</source>
+        <translation>“%@” is in use by another Quillmark that cannot be asked to add notes. Quit that one, then try again.</translation>
+    </message>
+    <message>
+        <source>Quillmark runs but does not answer. Look whether it has saved the text before you try again.</source>
+        <translation>Quillmark runs but does not answer. Look whether it has saved the text before you try again.</translation>
+    </message>
+    <message>
+        <source>Looking through the notes…</source>
+        <translation>Looking through the notes…</translation>
+    </message>
+    <message>
+        <source>Nothing is wrong with the notes.</source>
+        <translation>Nothing is wrong with the notes.</translation>
+    </message>
+    <message>
+        <source>A file of another program. Quillmark leaves it alone.</source>
+        <translation>A file of another program. Quillmark leaves it alone.</translation>
+    </message>
+    <message>
+        <source>The lock of an editor that has a note open, or ended while it had.</source>
+        <translation>The lock of an editor that has a note open, or ended while it had.</translation>
+    </message>
+    <message>
+        <source>A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away.</source>
+        <translation>A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away.</translation>
+    </message>
+    <message>
+        <source>A backup file, as editors make them.</source>
+        <translation>A backup file, as editors make them.</translation>
+    </message>
+    <message>
+        <source>A copy of the folder “Markdown”.</source>
+        <translation>A copy of the folder “Markdown”.</translation>
+    </message>
+    <message>
+        <source>A copy of the folder “Drafts”.</source>
+        <translation>A copy of the folder “Drafts”.</translation>
+    </message>
+    <message>
+        <source>A copy of one note.</source>
+        <translation>A copy of one note.</translation>
+    </message>
+    <message>
+        <source>A copy of a draft, most often “capture.md”.</source>
+        <translation>A copy of a draft, most often “capture.md”.</translation>
+    </message>
+    <message>
+        <source>It cannot be read.</source>
+        <translation>It cannot be read.</translation>
+    </message>
+    <message>
+        <source>Only in the copy.</source>
+        <translation>Only in the copy.</translation>
+    </message>
+    <message>
+        <source>Not in the copy.</source>
+        <translation>Not in the copy.</translation>
+    </message>
+    <message>
+        <source>Different from that in the notes.</source>
+        <translation>Different from that in the notes.</translation>
+    </message>
+    <message>
+        <source>Not in the notes.</source>
+        <translation>Not in the notes.</translation>
+    </message>
+    <message>
+        <source>The same as the copy.</source>
+        <translation>The same as the copy.</translation>
+    </message>
+    <message>
+        <source>Different from the copy.</source>
+        <translation>Different from the copy.</translation>
+    </message>
+    <message>
+        <source>It names another format.</source>
+        <translation>It names another format.</translation>
+    </message>
+    <message>
+        <source>It is a draft of a note that is not there.</source>
+        <translation>It is a draft of a note that is not there.</translation>
+    </message>
+    <message>
+        <source>Its name is that of no draft.</source>
+        <translation>Its name is that of no draft.</translation>
+    </message>
+    <message>
+        <source>Its header is not that of a note.</source>
+        <translation>Its header is not that of a note.</translation>
+    </message>
+    <message>
+        <source>Its name is not the identifier in its header.</source>
+        <translation>Its name is not the identifier in its header.</translation>
+    </message>
+    <message>
+        <source>Another file is the same note.</source>
+        <translation>Another file is the same note.</translation>
+    </message>
 </context>
 </TS>

@@ -448,5 +448,216 @@ with a quick note.</source>
         <source>The older notes file “notes.json” has version %d and cannot be read: “%@” is not as in version 1. Mend it or move the file away, then reopen the app.</source>
         <translation>旧版笔记文件“notes.json”的版本为 %d，无法读取：“%@”与版本 1 不符。请修复或移走该文件，然后重新打开应用。</translation>
     </message>
+    <!-- The command line -->
+    <message>
+        <source>Usage: quillmark-notes COMMAND [ARGUMENT]…
+
+Adds to Quillmark’s notes, finds and copies them, beside its window or without.
+
+  add [TEXT]…          saves a note, without TEXT from the standard input
+  list                 lists the notes, newest first
+  search WORD…         lists the notes that hold the words
+  show ID              prints one note; the beginning of ID is enough
+  export FOLDER        copies every note into FOLDER
+  import FILE…         saves each text file as a note
+  check                says what is wrong with the notes; changes nothing
+
+  --json               with list, search and show: as JSON
+  --version            prints the version and ends
+  --help               prints this and ends
+</source>
+        <translation>用法：quillmark-notes COMMAND [ARGUMENT]…
+
+添加、查找和复制 Quillmark 的笔记，窗口开着与否都可以。
+
+  add [TEXT]…          保存一条笔记；没有 TEXT 时读取标准输入
+  list                 列出笔记，最新的在前
+  search WORD…         列出含有这些文字的笔记
+  show ID              输出一条笔记；ID 的开头几位即可
+  export FOLDER        把每条笔记复制到 FOLDER
+  import FILE…         把每个文本文件保存为一条笔记
+  check                指出笔记有什么问题；不作任何更改
+
+  --json               用于 list、search 和 show：以 JSON 输出
+  --version            输出版本后结束
+  --help               输出本说明后结束
+</translation>
+    </message>
+    <message>
+        <source>That is not how it is called. See: quillmark-notes --help</source>
+        <translation>用法不对。请看：quillmark-notes --help</translation>
+    </message>
+    <message>
+        <source>Type the note, then press Ctrl+D.</source>
+        <translation>输入笔记，然后按 Ctrl+D。</translation>
+    </message>
+    <message>
+        <source>The standard input could not be read.</source>
+        <translation>无法读取标准输入。</translation>
+    </message>
+    <message>
+        <source>The text is too large for a note.</source>
+        <translation>文字太长，一条笔记放不下。</translation>
+    </message>
+    <message>
+        <source>The text is not UTF-8.</source>
+        <translation>文字不是 UTF-8。</translation>
+    </message>
+    <message>
+        <source>There is no text to save.</source>
+        <translation>没有可保存的文字。</translation>
+    </message>
+    <message>
+        <source>The output could not be written: %@</source>
+        <translation>无法写出结果：%@</translation>
+    </message>
+    <message>
+        <source>Reading notes…</source>
+        <translation>正在读取笔记…</translation>
+    </message>
+    <message>
+        <source>There is no note “%@”.</source>
+        <translation>没有笔记“%@”。</translation>
+    </message>
+    <message>
+        <source>“%@” is the beginning of more than one note.</source>
+        <translation>不止一条笔记以“%@”开头。</translation>
+    </message>
+    <message>
+        <source>Exporting notes…</source>
+        <translation>正在导出笔记…</translation>
+    </message>
+    <message>
+        <source>Importing notes…</source>
+        <translation>正在导入笔记…</translation>
+    </message>
+    <message>
+        <source>“%@” is too large for a note.</source>
+        <translation>“%@”太大，一条笔记放不下。</translation>
+    </message>
+    <message>
+        <source>“%@” is not an ordinary file.</source>
+        <translation>“%@”不是普通文件。</translation>
+    </message>
+    <message>
+        <source>“%@” cannot be read: %@</source>
+        <translation>无法读取“%@”：%@</translation>
+    </message>
+    <message>
+        <source>“%@” is not UTF-8 text.</source>
+        <translation>“%@”不是 UTF-8 文本。</translation>
+    </message>
+    <message>
+        <source>“%@” holds no text.</source>
+        <translation>“%@”里没有文字。</translation>
+    </message>
+    <message>
+        <source>“%@” has a time that no note can have.</source>
+        <translation>“%@”的时间超出了笔记可用的范围。</translation>
+    </message>
+    <message>
+        <source>These files are more than the notes may hold.</source>
+        <translation>这些文件超出了笔记的总容量。</translation>
+    </message>
+    <message>
+        <source>“%@” is in use by another Quillmark that cannot be asked to add notes. Quit that one, then try again.</source>
+        <translation>“%@”正被另一个 Quillmark 使用，而又无法请它添加笔记。请先退出它，然后重试。</translation>
+    </message>
+    <message>
+        <source>Quillmark runs but does not answer. Look whether it has saved the text before you try again.</source>
+        <translation>Quillmark 正在运行，但没有回应。重试之前，请先看看文字是否已经保存。</translation>
+    </message>
+    <message>
+        <source>Looking through the notes…</source>
+        <translation>正在检查笔记…</translation>
+    </message>
+    <message>
+        <source>Nothing is wrong with the notes.</source>
+        <translation>笔记没有问题。</translation>
+    </message>
+    <message>
+        <source>A file of another program. Quillmark leaves it alone.</source>
+        <translation>其他程序的文件。Quillmark 不会动它。</translation>
+    </message>
+    <message>
+        <source>The lock of an editor that has a note open, or ended while it had.</source>
+        <translation>编辑器的锁：有笔记正在其中打开，或者它在打开时意外结束了。</translation>
+    </message>
+    <message>
+        <source>A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away.</source>
+        <translation>冲突副本：同步文件夹的程序发现一个文件有两个版本。请比较它们，留下需要的，再把副本移走。</translation>
+    </message>
+    <message>
+        <source>A backup file, as editors make them.</source>
+        <translation>编辑器留下的备份文件。</translation>
+    </message>
+    <message>
+        <source>A copy of the folder “Markdown”.</source>
+        <translation>文件夹“Markdown”的副本。</translation>
+    </message>
+    <message>
+        <source>A copy of the folder “Drafts”.</source>
+        <translation>文件夹“Drafts”的副本。</translation>
+    </message>
+    <message>
+        <source>A copy of one note.</source>
+        <translation>一条笔记的副本。</translation>
+    </message>
+    <message>
+        <source>A copy of a draft, most often “capture.md”.</source>
+        <translation>一份草稿的副本，多半是“capture.md”。</translation>
+    </message>
+    <message>
+        <source>It cannot be read.</source>
+        <translation>无法读取。</translation>
+    </message>
+    <message>
+        <source>Only in the copy.</source>
+        <translation>只在副本中。</translation>
+    </message>
+    <message>
+        <source>Not in the copy.</source>
+        <translation>副本中没有。</translation>
+    </message>
+    <message>
+        <source>Different from that in the notes.</source>
+        <translation>与笔记中的不同。</translation>
+    </message>
+    <message>
+        <source>Not in the notes.</source>
+        <translation>笔记中没有。</translation>
+    </message>
+    <message>
+        <source>The same as the copy.</source>
+        <translation>与副本相同。</translation>
+    </message>
+    <message>
+        <source>Different from the copy.</source>
+        <translation>与副本不同。</translation>
+    </message>
+    <message>
+        <source>It names another format.</source>
+        <translation>它写明的是另一种格式。</translation>
+    </message>
+    <message>
+        <source>It is a draft of a note that is not there.</source>
+        <translation>它是一份草稿，但所属的笔记不存在。</translation>
+    </message>
+    <message>
+        <source>Its name is that of no draft.</source>
+        <translation>它的名称不是草稿的名称。</translation>
+    </message>
+    <message>
+        <source>Its header is not that of a note.</source>
+        <translation>它的开头不是笔记应有的格式。</translation>
+    </message>
+    <message>
+        <source>Its name is not the identifier in its header.</source>
+        <translation>它的名称与开头写明的标识不同。</translation>
+    </message>
+    <message>
+        <source>Another file is the same note.</source>
+        <translation>另有一个文件是同一条笔记。</translation>
+    </message>
 </context>
 </TS>

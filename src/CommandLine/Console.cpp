@@ -29,9 +29,16 @@ QString resourcesFolder()
 } // namespace
 
 Console::Console()
-    : m_language(resolvedLanguage(AppLanguage::system, QLocale::system().uiLanguages()))
-    , m_isTerminal(::isatty(STDOUT_FILENO) == 1)
+    : m_isTerminal(::isatty(STDOUT_FILENO) == 1)
 {
+}
+
+const QString &Console::language() const
+{
+    // Not asked for by an addition that succeeds.
+    if (m_language.isEmpty())
+        m_language = resolvedLanguage(AppLanguage::system, QLocale::system().uiLanguages());
+    return m_language;
 }
 
 QString Console::text(const QString &key) const
@@ -39,7 +46,7 @@ QString Console::text(const QString &key) const
     if (!std::exchange(m_isLoaded, true)) {
         // A missing table stays empty, and every text is then shown as written.
         [[maybe_unused]] const bool isRead =
-            m_translations.load(resourcesFolder() + u'/' + m_language + u".lproj/Localizable.qm"_s);
+            m_translations.load(resourcesFolder() + u'/' + language() + u".lproj/Localizable.qm"_s);
     }
     const QString translation = m_translations.translate("Localizable", key.toUtf8().constData());
     return translation.isNull() ? key : translation;

@@ -17,7 +17,7 @@ public:
     Console();
 
     /// "en" or "zh-Hans".
-    [[nodiscard]] const QString &language() const noexcept { return m_language; }
+    [[nodiscard]] const QString &language() const;
     [[nodiscard]] QString text(const QString &key) const;
     [[nodiscard]] QString text(const Message &message) const;
 
@@ -47,7 +47,7 @@ public:
     [[nodiscard]] std::optional<Complaint> finish();
 
 private:
-    QString m_language;
+    mutable QString m_language;
     mutable QTranslator m_translations;
     mutable bool m_isLoaded = false;
     const bool m_isTerminal;
