@@ -72,5 +72,6 @@ ExitStatus Commands::add(Console &console, StoredNotes &notes, const Words &word
         return complaint->status;
     }
     console.writePath(notes.pathOf(note));
+    console.flush();
     return ExitStatus::done;
 }

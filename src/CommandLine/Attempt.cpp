@@ -5,6 +5,18 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+Complaint complaintAbout(const StorageError &error)
+{
+    Complaint complaint = complaintOf(Refusal::of(error));
+    if (error.place())
+        complaint.place = *error.place();
+    return complaint;
+}
+
+} // namespace
+
 Complaint complaintOf(const Refusal &refusal)
 {
     const auto status = [&] {
@@ -33,13 +45,11 @@ std::optional<Complaint> attempt(const std::function<void()> &action)
         action();
         return std::nullopt;
     } catch (const RepositoryError &error) {
-        // Its sentences name no file.
-        Complaint complaint = complaintOf(Refusal::of(error));
-        if (error.place())
-            complaint.place = *error.place();
+        Complaint complaint = complaintAbout(error);
+        complaint.isPlaceNamed = false;
         return complaint;
     } catch (const StorageError &error) {
-        return complaintOf(Refusal::of(error));
+        return complaintAbout(error);
     } catch (const std::exception &error) {
         return Complaint{
             ExitStatus::disk, {u"%@"_s, {QString::fromLocal8Bit(error.what())}}, std::nullopt};

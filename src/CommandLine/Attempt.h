@@ -14,8 +14,11 @@ struct Complaint {
     ExitStatus status = ExitStatus::disk;
     Message message;
 
-    /// The file or folder that a person should look at, when the sentence does not name it.
+    /// The file or folder that a person should look at.
     std::optional<std::filesystem::path> place;
+
+    /// Whether the sentence names it.
+    bool isPlaceNamed = true;
 };
 
 [[nodiscard]] Complaint complaintOf(const Refusal &refusal);

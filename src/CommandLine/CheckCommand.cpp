@@ -74,8 +74,9 @@ std::optional<Finding> refusalOf(const FolderCheck &check, const StoredNotes &no
         return std::nullopt;
     const std::filesystem::path place = complaint->place.value_or(notes.dataFolder());
     Finding finding{Finding::Kind::refused, place, complaint->message};
-    // The one sentence that does not say what is wrong is that of metadata.
-    if (const auto why = complaint->place ? check.whyInvalid(place) : std::nullopt)
+    // Sentences that name a file say what is wrong with it, too.
+    const auto why = complaint->isPlaceNamed ? std::nullopt : check.whyInvalid(place);
+    if (why)
         finding.message = *why;
     return finding;
 }

@@ -72,7 +72,8 @@ void Console::write(QStringView text)
 
 void Console::write(std::string_view bytes)
 {
-    m_hasFailed |= std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size();
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() && m_error == 0)
+        m_error = errno;
 }
 
 void Console::writePath(const std::filesystem::path &path)
@@ -95,7 +96,7 @@ void Console::write(QStringView text, Look look)
 void Console::complain(const Complaint &complaint) const
 {
     QString sentence = text(complaint.message);
-    if (complaint.place)
+    if (complaint.place && !complaint.isPlaceNamed)
         sentence += u" ("_s + QFile::decodeName(complaint.place->c_str()) + u')';
     tell(sentence);
 }
@@ -105,15 +106,20 @@ void Console::tell(const QString &sentence) const
     std::fprintf(stderr, "quillmark-notes: %s\n", harmless(sentence, true).toUtf8().constData());
 }
 
+void Console::flush()
+{
+    if (std::fflush(stdout) != 0 && m_error == 0)
+        m_error = errno;
+}
+
 std::optional<Complaint> Console::finish()
 {
-    errno = 0;
-    const bool isFlushed = std::fflush(stdout) == 0;
-    if (isFlushed && !m_hasFailed)
+    flush();
+    if (m_error == 0)
         return std::nullopt;
     return Complaint{ExitStatus::file,
                      {u"The output could not be written: %@"_s,
-                      {QString::fromLocal8Bit(std::strerror(errno != 0 ? errno : EIO))}},
+                      {QString::fromLocal8Bit(std::strerror(m_error))}},
                      std::nullopt};
 }
 

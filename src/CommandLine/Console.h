@@ -43,7 +43,10 @@ public:
     void complain(const Complaint &complaint) const;
     void tell(const QString &sentence) const;
 
-    /// Hands over what was written. A complaint where the output could not take it.
+    /// Hands over what was written so far.
+    void flush();
+
+    /// The same, at the end. A complaint where the output could not take it.
     [[nodiscard]] std::optional<Complaint> finish();
 
 private:
@@ -51,7 +54,7 @@ private:
     mutable QTranslator m_translations;
     mutable bool m_isLoaded = false;
     const bool m_isTerminal;
-    bool m_hasFailed = false;
+    int m_error = 0;
 };
 
 /// The text without what would steer a terminal: control characters become spaces, or, where lines

@@ -1,0 +1,277 @@
+# SPDX-License-Identifier: MIT
+"""What each command does, and what it answers to bad input."""
+
+import fcntl
+import json
+import os
+import pty
+import resource
+import signal
+import subprocess
+
+from harness import (AMBIGUOUS, BLANK, CommandLineTest, DISK, DONE, FILE, IN_USE, LIMITS,
+                     NOT_UTF8, UNKNOWN, USAGE, main)
+
+
+class Commands(CommandLineTest):
+    def test_add_saves_a_note_and_prints_its_path(self):
+        printed = self.ok("add", "buy milk")
+
+        note, = self.data.read_notes()
+        self.assertEqual(printed, f"{self.data.notes}/{note.id}.md\n")
+        self.assertEqual((note.body, note.created), ("buy milk", note.updated))
+        self.assertEqual(self.hidden(), [])
+
+    def test_add_reads_the_standard_input_and_trims_as_the_window_does(self):
+        self.ok("add", text="  two\nlines é 漢\n\n".encode())
+        self.ok("add", "--", "--help")
+
+        self.assertEqual(self.bodies(), ["--help", "two\nlines é 漢"])
+
+    def test_add_keeps_what_is_there(self):
+        self.data.create()
+        self.data.add_note("by hand")
+        self.data.capture.write_text("a draft")
+        (self.data.notes / "picture.png").write_bytes(b"other")
+        before = self.data.state()
+
+        self.ok("add", "one more")
+
+        after = self.data.state()
+        files = {name for name in before if b"Penwick" != name and before[name] == after.get(name)}
+        self.assertLessEqual({b"Markdown/Drafts/capture.md", b"Markdown/Notes/picture.png",
+                              b"Markdown/.format"}, files)
+        self.assertEqual(self.bodies(), ["by hand", "one more"])
+
+    def test_add_moves_older_notes_along(self):
+        self.data.path.mkdir(parents=True)
+        older = {"version": 1, "captureDraft": "draft", "editingDrafts": {}, "notes": [
+            {"id": "8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F", "body": "old", "createdAt": 7e8,
+             "updatedAt": 7e8}]}
+        (self.data.path / "notes.json").write_text(json.dumps(older))
+        before = self.data.state()
+
+        self.assertIn("old", self.ok("list"))
+        self.assertEqual(self.data.state(), before)
+        self.ok("add", "new")
+
+        self.assertEqual(self.bodies(), ["new", "old"])
+        self.assertEqual(self.data.draft(), "draft")
+
+    def test_list_and_search_as_the_window_does(self):
+        self.data.create()
+        for number, body in enumerate(["Café\tau lait\nmore", "strasse", "other"]):
+            file = self.data.add_note(body, number)
+            text = file.read_text().replace("updated: 2025-03-01", f"updated: 2025-03-0{number + 1}")
+            file.write_text(text)
+
+        lines = self.ok("list").splitlines()
+
+        self.assertEqual([line.split("\t")[2] for line in lines], ["other", "strasse", "Café au lait"])
+        self.assertEqual(lines[1].split("\t")[:2], ["00000000-0000-0000-0000-000000000001",
+                                                    "2025-03-02T08:15:30.250Z"])
+        self.assertEqual(self.ok("search", "STRASSE"), lines[1] + "\n")
+        self.assertEqual(self.ok("search", "cafe"), lines[2] + "\n")
+        self.assertEqual(self.ok("search", "nowhere"), "")
+        found = json.loads(self.ok("search", "--json", "straße"))
+        self.assertEqual(found, [{"id": "00000000-0000-0000-0000-000000000001", "body": "strasse",
+                                  "title": "strasse", "created": "2025-03-01T08:15:30.250Z",
+                                  "updated": "2025-03-02T08:15:30.250Z"}])
+        self.assertEqual(len(json.loads(self.ok("list", "--json"))), 3)
+
+    def test_show_takes_the_beginning_of_an_identifier(self):
+        self.data.create()
+        self.data.add_note("first\n---\nlast\n", 0xA << 124)
+        self.data.add_note("second", 0xAB << 120)
+
+        self.assertEqual(self.ok("show", "ab"), "second")
+        self.assertEqual(self.ok("show", "A0000000-0000"), "first\n---\nlast\n")
+        self.assertEqual(json.loads(self.ok("show", "--json", "AB"))["body"], "second")
+        self.refused(AMBIGUOUS, "show", "a")
+        self.refused(UNKNOWN, "show", "c")
+
+    def test_export_gives_every_note_a_readable_name_and_its_time(self):
+        self.data.create()
+        long = "漢" * 400
+        for number, body in enumerate(["a/b", "Same", "same", "..", long, " \n\t", "-dash", "a\\b"]):
+            self.data.add_note(body, number)
+        folder = self.home / "out"
+
+        self.ok("export", str(folder))
+
+        names = {path.name: path.read_text() for path in folder.iterdir()}
+        self.assertEqual(names, {"a-b.md": "a/b", "Same.md": "Same", "same (2).md": "same",
+                                 "_...md": "..", "漢" * 60 + "….md": long, "Untitled.md": " \n\t",
+                                 "-dash.md": "-dash", "a-b (2).md": "a\\b"})
+        for path in folder.iterdir():
+            self.assertEqual(path.stat().st_mtime_ns, 1740816930250000000)
+
+    def test_export_overwrites_nothing(self):
+        self.data.create()
+        self.data.add_note("title")
+        folder = self.home / "out"
+        folder.mkdir()
+        (folder / "title.md").write_text("mine")
+        (folder / "title (2).md").symlink_to("nowhere")
+
+        self.ok("export", str(folder))
+
+        self.assertEqual((folder / "title.md").read_text(), "mine")
+        self.assertEqual(os.readlink(folder / "title (2).md"), "nowhere")
+        self.assertEqual((folder / "title (3).md").read_text(), "title")
+
+    def test_import_makes_a_note_of_each_file_with_its_time(self):
+        one, two = self.home / "one.txt", self.home / "two"
+        one.write_bytes("eins\r\nzwei\n".encode())
+        two.write_text("drei")
+        os.utime(one, ns=(0, 1740816930250999999))
+
+        printed = self.ok("import", str(one), str(two))
+
+        notes = {note.body: note for note in self.data.read_notes()}
+        self.assertEqual(set(notes), {"eins\r\nzwei\n", "drei"})
+        self.assertEqual(notes["eins\r\nzwei\n"].created, "2025-03-01T08:15:30.250Z")
+        self.assertEqual(notes["eins\r\nzwei\n"].updated, "2025-03-01T08:15:30.250Z")
+        self.assertEqual(len(printed.splitlines()), 2)
+
+    def test_import_takes_all_or_none(self):
+        good, pipe = self.home / "good", self.home / "pipe"
+        good.write_text("good")
+        os.mkfifo(pipe)
+        bad, blank = self.home / "bad", self.home / "blank"
+        bad.write_bytes(b"\xc3")
+        blank.write_text(" \n")
+        large = self.home / "large"
+        large.touch()
+        os.truncate(large, 64 * 1024 * 1024 + 1)
+        for status, path in ((FILE, self.home / "missing"), (FILE, pipe), (FILE, self.home),
+                             (NOT_UTF8, bad), (BLANK, blank), (LIMITS, large)):
+            with self.subTest(path=path.name):
+                self.assertIn(str(path), self.refused(status, "import", str(good), str(path)))
+
+        self.assertFalse(self.data.path.exists())
+
+    def test_bad_input_has_a_status_of_its_own_and_changes_nothing(self):
+        self.ok("add", "there")
+        before = self.data.state()
+
+        self.refused(BLANK, "add", " \n\u3000")
+        self.refused(BLANK, "add")
+        self.refused(NOT_UTF8, "add", text=b"caf\xe9")
+        self.refused(NOT_UTF8, "add", b"caf\xe9")
+        self.refused(LIMITS, "add", text=b"x" * (64 * 1024 * 1024))
+        self.refused(USAGE)
+        self.refused(USAGE, "rm")
+        self.refused(USAGE, "list", "more")
+        self.refused(USAGE, "show")
+
+        self.assertEqual(self.data.state(), before)
+
+    def test_a_file_that_may_not_grow_and_a_full_output_are_told(self):
+        self.ok("add", "there")
+        before = self.data.state()
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096))
+
+        self.refused(DISK, "add", text=b"x" * 8192, preexec_fn=limit)
+        done = subprocess.run(["sh", "-c", 'exec "$0" list > /dev/full', self.program],
+                              env=self.environment(), stderr=subprocess.PIPE, check=False)
+
+        self.assertEqual(done.returncode, FILE)
+        self.assertIn(b"No space left", done.stderr)
+        self.assertEqual({name: facts[4] for name, facts in self.data.state().items()},
+                         {name: facts[4] for name, facts in before.items()})
+
+    def test_a_folder_that_another_program_has_is_left_alone(self):
+        self.ok("add", "there")
+        before = self.data.state()
+        folder = os.open(self.data.path, os.O_RDONLY)
+        fcntl.flock(folder, fcntl.LOCK_EX)
+
+        sentence = self.refused(IN_USE, "add", "text")
+        listed = self.ok("list")
+
+        self.assertIn(str(self.data.path), sentence)
+        self.assertIn("there", listed)
+        self.assertEqual(self.data.state(), before)
+        os.close(folder)
+        self.ok("add", "text")
+
+    def test_a_folder_that_another_program_has_for_a_moment_is_waited_for(self):
+        self.ok("add", "there")
+        holder = subprocess.Popen(
+            ["python3", "-c", "import fcntl, os, sys, time\n"
+             f"folder = os.open({str(self.data.path)!r}, os.O_RDONLY)\n"
+             "fcntl.flock(folder, fcntl.LOCK_EX)\nprint(flush=True)\ntime.sleep(0.2)\n"],
+            stdout=subprocess.PIPE)
+        holder.stdout.readline()
+
+        self.ok("add", "later")
+
+        holder.wait()
+        holder.stdout.close()
+        self.assertEqual(self.bodies(), ["later", "there"])
+
+    def test_many_at_once_on_an_empty_home(self):
+        started = [subprocess.Popen(self.command("add", f"note {number}"), env=self.environment(),
+                                    stdout=subprocess.DEVNULL) for number in range(50)]
+
+        self.assertEqual({one.wait() for one in started}, {DONE})
+
+        self.assertEqual(self.bodies(), sorted(f"note {number}" for number in range(50)))
+        self.assertEqual(self.hidden(), [])
+
+    def test_it_speaks_the_language_of_the_locale(self):
+        chinese = self.environment(LC_ALL="zh_CN.UTF-8", LANGUAGE="zh_CN")
+
+        self.assertIn("没有可保存的文字", self.refused(BLANK, "add", " ", env=chinese))
+        self.assertIn("用法", self.ok("--help", env=chinese))
+        self.assertIn("Usage", self.ok("--help"))
+        self.assertIn("Usage", self.ok("add", "--help"))
+        self.assertRegex(self.ok("--version"), r"\Aquillmark-notes \d+\.\d+\.\d+\n\Z")
+
+    def on_terminal(self, *arguments):
+        """What a terminal shows."""
+        own, terminal = pty.openpty()
+        process = subprocess.Popen(self.command(*arguments), env=self.environment(TERM="xterm"),
+                                   stdin=terminal, stdout=terminal, stderr=terminal)
+        os.close(terminal)
+        shown = b""
+        try:
+            while chunk := os.read(own, 65536):
+                shown += chunk
+        except OSError:  # The other end is closed.
+            pass
+        os.close(own)
+        self.assertEqual(process.wait(), DONE)
+        return shown.decode()
+
+    def test_colours_are_for_a_terminal_and_nothing_steers_it(self):
+        self.data.create()
+        self.data.add_note("evil \x1b[2J\x07 title " + "long " * 40, 1)
+
+        listed = self.on_terminal("list")
+
+        self.assertIn("\x1b[2m00000000", listed)
+        self.assertNotIn("\x1b[2J", listed)
+        self.assertNotIn("\x07", listed)
+        self.assertIn("…", listed)
+        self.assertNotIn("\x1b", self.on_terminal("show", "0"))
+        self.assertNotIn("\x1b", self.ok("list"))
+        self.assertIn("\x1b[2J", self.ok("show", "0"))
+
+    def test_an_interrupt_while_it_waits_for_text_leaves_nothing(self):
+        process = subprocess.Popen(self.command("add"), env=self.environment(),
+                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        process.stdin.write(b"half a thou")
+        process.stdin.flush()
+        process.send_signal(signal.SIGINT)
+
+        self.assertEqual(process.wait(), -signal.SIGINT)
+
+        process.stdin.close()
+        process.stdout.close()
+        self.assertFalse(self.data.path.exists())
+
+
+if __name__ == "__main__":
+    main()
