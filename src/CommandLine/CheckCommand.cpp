@@ -81,11 +81,18 @@ std::optional<Finding> refusalOf(const FolderCheck &check, const StoredNotes &no
     return finding;
 }
 
-void waitForSave(const FolderCheck &check, const StoredNotes &notes)
+/// Recovery copies and stages that are none of a save under way: those are gone soon.
+std::vector<std::string> lastingNames(const FolderCheck &check, const StoredNotes &notes)
 {
     const auto deadline = std::chrono::steady_clock::now() + longestSave;
-    while (check.hasHidden() && !notes.isFree() && std::chrono::steady_clock::now() < deadline)
+    std::vector<std::string> names = check.hiddenNames();
+    while (!names.empty() && !notes.isFree() && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(20ms);
+        const std::vector<std::string> now = check.hiddenNames();
+        std::erase_if(
+            names, [&](const std::string &name) { return !std::ranges::binary_search(now, name); });
+    }
+    return names;
 }
 
 } // namespace
@@ -110,10 +117,9 @@ ExitStatus Commands::check(Console &console, StoredNotes &notes, const Words &wo
             return;
         }
         const FolderCheck check(*opened);
-        waitForSave(check, notes);
         if (const auto refusal = refusalOf(check, notes, complaint))
             findings.push_back(*refusal);
-        for (const auto &more : {check.hidden(), check.neighbours()})
+        for (const auto &more : {check.hidden(lastingNames(check, notes)), check.neighbours()})
             findings.insert(findings.end(), more.begin(), more.end());
     });
     if (failure) {

@@ -103,15 +103,10 @@ std::vector<std::string> FolderCheck::hiddenNames() const
     return names;
 }
 
-bool FolderCheck::hasHidden() const
-{
-    return !hiddenNames().empty();
-}
-
-std::vector<Finding> FolderCheck::hidden() const
+std::vector<Finding> FolderCheck::hidden(const std::vector<std::string> &names) const
 {
     std::vector<Finding> findings;
-    for (const std::string &name : hiddenNames())
+    for (const std::string &name : names)
         describe(name, findings);
     return findings;
 }

@@ -37,11 +37,11 @@ public:
     {
     }
 
-    /// Whether a save is under way, or was interrupted.
-    [[nodiscard]] bool hasHidden() const;
+    /// The names of recovery copies and stages, those of a save under way among them, in order.
+    [[nodiscard]] std::vector<std::string> hiddenNames() const;
 
-    /// Recovery copies and stages, and how they differ from the notes.
-    [[nodiscard]] std::vector<Finding> hidden() const;
+    /// What they are, and how they differ from the notes.
+    [[nodiscard]] std::vector<Finding> hidden(const std::vector<std::string> &names) const;
 
     /// What lies among the notes and is none of them.
     [[nodiscard]] std::vector<Finding> neighbours() const;
@@ -50,7 +50,6 @@ public:
     [[nodiscard]] std::optional<Message> whyInvalid(const std::filesystem::path &path) const;
 
 private:
-    [[nodiscard]] std::vector<std::string> hiddenNames() const;
     void describe(const std::string &name, std::vector<Finding> &findings) const;
     void describeFile(const std::string &name, Finding::Kind kind,
                       std::vector<Finding> &findings) const;

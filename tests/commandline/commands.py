@@ -7,7 +7,9 @@ import os
 import pty
 import resource
 import signal
+import socket
 import subprocess
+import time
 
 from harness import (AMBIGUOUS, BLANK, CommandLineTest, DISK, DONE, FILE, IN_USE, LIMITS,
                      NOT_UTF8, UNKNOWN, USAGE, main)
@@ -219,6 +221,46 @@ class Commands(CommandLineTest):
 
         self.assertEqual(self.bodies(), sorted(f"note {number}" for number in range(50)))
         self.assertEqual(self.hidden(), [])
+
+    def test_it_never_starts_the_window(self):
+        services, started = self.home / "services", self.home / "started"
+        services.mkdir()
+        (services / "org.quillmark.Quillmark.service").write_text(
+            f"[D-BUS Service]\nName=org.quillmark.Quillmark\nExec=/usr/bin/touch {started}\n")
+        bus = self.start_bus(f"<servicedir>{services}</servicedir>")
+
+        # Nothing there to be locked: the window, if there were one, would have to be asked.
+        self.ok("add", "text", env=self.environment(DBUS_SESSION_BUS_ADDRESS=bus))
+
+        self.assertEqual(self.bodies(), ["text"])
+        self.assertFalse(started.exists())
+
+    def test_a_bus_that_does_not_answer_is_not_waited_for_long(self):
+        silent = socket.socket(socket.AF_UNIX)
+        silent.bind(str(self.home / "bus"))
+        silent.listen(8)
+        address = f"unix:path={self.home}/bus"
+        self.addCleanup(silent.close)
+
+        began = time.monotonic()
+        done = self.run_it("add", "text", env=self.environment(DBUS_SESSION_BUS_ADDRESS=address))
+
+        self.assertEqual(done.returncode, DONE)
+        self.assertLess(time.monotonic() - began, 10)
+        self.assertEqual(self.bodies(), ["text"])
+
+    def start_bus(self, configuration):
+        """A session bus of its own; its address."""
+        file = self.home / "bus.conf"
+        file.write_text(f"<busconfig><type>session</type><listen>unix:dir={self.home}</listen>"
+                        f"{configuration}<policy context='default'><allow send_destination='*'/>"
+                        "<allow receive_sender='*'/><allow own='*'/></policy></busconfig>")
+        daemon = subprocess.Popen(["dbus-daemon", "--nofork", "--print-address",
+                                   f"--config-file={file}"], stdout=subprocess.PIPE, text=True)
+        self.addCleanup(daemon.stdout.close)
+        self.addCleanup(daemon.wait)
+        self.addCleanup(daemon.kill)
+        return daemon.stdout.readline().strip()
 
     def test_it_speaks_the_language_of_the_locale(self):
         chinese = self.environment(LC_ALL="zh_CN.UTF-8", LANGUAGE="zh_CN")
