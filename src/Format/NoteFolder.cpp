@@ -114,6 +114,8 @@ bool NoteFolder::holds(Section section) const
 void NoteFolder::closeToOthers() const noexcept
 {
     for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
+        if (!has(section))
+            continue;
         const Result<FileStatus> status = directory(section).status();
         if (status && (status->mode & ~mode_t{S_IRWXU}) != 0)
             static_cast<void>(directory(section).setMode(status->mode & S_IRWXU));
@@ -122,8 +124,10 @@ void NoteFolder::closeToOthers() const noexcept
 
 void NoteFolder::sync() const
 {
-    for (const Section section : {Section::marker, Section::notes, Section::drafts})
-        directory(section).orThrow(directory(section).sync());
+    for (const Section section : {Section::marker, Section::notes, Section::drafts}) {
+        if (has(section))
+            directory(section).orThrow(directory(section).sync());
+    }
 }
 
 void NoteFolder::visit(const Visitor &visitor,

@@ -113,6 +113,7 @@ class NoteAdditionTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void needsNoFolderOfDrafts();
     void addsOneFileAndTouchesNoOther();
     void looksAtNoOtherNoteOfMany();
     void leavesAFolderWithoutNotesToASave();
@@ -131,6 +132,16 @@ private Q_SLOTS:
     void sharesTheFolderWithOthersThatAdd();
     void keepsAProgramThatOwnsTheFolderWaiting();
 };
+
+void NoteAdditionTest::needsNoFolderOfDrafts()
+{
+    MemoryDisk disk = diskWithNotes();
+    OtherProgram(disk).removeAll("/data/Penwick/Markdown/Drafts");
+
+    QVERIFY(addTo(disk));
+
+    QCOMPARE(loaded(disk.image()).notes, newNotes().notes);
+}
 
 void NoteAdditionTest::addsOneFileAndTouchesNoOther()
 {
