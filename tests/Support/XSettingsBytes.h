@@ -33,7 +33,7 @@ public:
         m_settings.append(8, '\x7f');
         return *this;
     }
-    /// Of a kind that the specification may have one day.
+    /// Of a kind that XSETTINGS may have one day.
     XSettingsBytes &unknown(const QByteArray &name)
     {
         begin(3, name);

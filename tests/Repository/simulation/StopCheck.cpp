@@ -36,7 +36,7 @@ bool isComposed(const QString &text, const QStringList &parts)
     return std::ranges::any_of(parts, [&](const QString &part) {
         if (text == part)
             return true;
-        const QString above = joined(part, u"."_s).chopped(1);
+        const QString above = bothTexts(part, u"."_s).chopped(1);
         return !above.isEmpty() && text.startsWith(above) &&
                isComposed(text.sliced(above.size()), parts);
     });
@@ -188,7 +188,8 @@ std::vector<StopCheck::Found> StopCheck::findParts(const MemoryDisk::Image &imag
     for (const std::string &copy : copies)
         OtherProgram(without).removeAll(std::string(SimulatedFolder::path) + '/' + copy);
     std::optional<Found> live;
-    if (without.statusAt(SimulatedFolder::markdown))
+    // Where the drafts were exchanged in two steps, there may be none of them that are live.
+    if (without.statusAt((std::string(SimulatedFolder::markdown) + "/Drafts").c_str()))
         live = findPart(without, expectation);
     if (live)
         parts.push_back(*std::move(live));

@@ -91,6 +91,7 @@ private:
     static void add(Expectation &expected, const std::vector<StoredState> &states);
     [[nodiscard]] std::vector<StoredState> statesOf(const Subject &subject) const;
     void judgeStops(const Subject &subject, const Outcome &outcome);
+    [[nodiscard]] bool makesOneFile(const NoteSnapshot &saved) const;
     void judgeFault(const Subject &subject, const Outcome &outcome);
     void judgeEdit(const Subject &subject, const Outcome &outcome);
     void repeat(const Subject &subject);

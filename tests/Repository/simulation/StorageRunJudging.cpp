@@ -30,19 +30,6 @@ bool isSave(Operation operation)
            operation != Operation::typing;
 }
 
-/// Whether all that a save does is to make one file that there was not.
-bool makesOneFile(const NoteSnapshot &before, const NoteSnapshot &after)
-{
-    const auto isOld = [&](const Note &note) { return before.notes.contains(note); };
-    NoteSnapshot rest = after;
-    qsizetype made = rest.notes.removeIf([&](const Note &note) { return !isOld(note); });
-    for (const QString &key : after.editingDrafts.keys()) {
-        if (!before.editingDrafts.contains(key))
-            made += rest.editingDrafts.remove(key);
-    }
-    return made == 1 && rest == before;
-}
-
 } // namespace
 
 StorageRun::Outcome StorageRun::attempt(const std::function<void()> &action)
@@ -251,6 +238,13 @@ void StorageRun::takeAsSaved()
     m_screen = m_state.shown();
 }
 
+/// Whether all that a save does is to make one file that there was not.
+bool StorageRun::makesOneFile(const NoteSnapshot &saved) const
+{
+    const std::vector<std::string> changed = filesThatDiffer(m_state.saved, saved);
+    return changed.size() == 1 && !m_files.contains(changed.front());
+}
+
 /// A call failed, or answered otherwise than it should.
 void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
 {
@@ -269,7 +263,7 @@ void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
     expected.stagesBefore = m_namesBefore;
     // There may be nothing to take back the very first notes with, or a file that is new.
     const bool isFirst = (!m_hasFolder && (isLasting || operation == Operation::load)) ||
-                         (isLasting && makesOneFile(m_state.saved, subject.after.saved));
+                         (isLasting && makesOneFile(subject.after.saved));
     if (outcome.isDone)
         expected.required = 1;
     else if (!isFirst && operation != Operation::typing)

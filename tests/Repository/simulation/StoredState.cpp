@@ -24,7 +24,7 @@ std::string quoted(const QString &text)
 
 } // namespace
 
-QString joined(const QString &first, const QString &second)
+QString bothTexts(const QString &first, const QString &second)
 {
     if (first.trimmed().isEmpty() || second.trimmed().isEmpty())
         return first.trimmed().isEmpty() ? second : first;
@@ -40,9 +40,9 @@ NoteSnapshot StoredState::shown() const
     const auto show = [&](const QString &key, const Kept &draft) {
         const std::optional<QString> text = savedText(saved, key);
         if (!text)
-            snapshot.captureDraft = joined(snapshot.captureDraft, draft.text);
+            snapshot.captureDraft = bothTexts(snapshot.captureDraft, draft.text);
         else if (text != draft.text && (text == draft.base || !text->startsWith(draft.text)))
-            setText(snapshot, key, text == draft.base ? draft.text : joined(draft.text, *text));
+            setText(snapshot, key, text == draft.base ? draft.text : bothTexts(draft.text, *text));
     };
     // That of the capture screen comes first, and the texts of notes that are gone below it.
     if (const auto capture = kept.find(captureKey()); capture != kept.end())

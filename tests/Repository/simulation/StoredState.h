@@ -38,7 +38,7 @@ struct StoredState {
 
 /// Two texts with an empty line between them, as a load shows what was typed above what another
 /// program wrote.
-[[nodiscard]] QString joined(const QString &first, const QString &second);
+[[nodiscard]] QString bothTexts(const QString &first, const QString &second);
 
 /// By its identifier.
 [[nodiscard]] NoteSnapshot inOrder(NoteSnapshot snapshot);
