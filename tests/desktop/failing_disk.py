@@ -52,8 +52,8 @@ class FailingDisk(DesktopTest):
         self.expect_failure(quillmark)
         return quillmark
 
-    def expect_failure(self, quillmark):
-        quillmark.element(name=f"{NOT_SAVED}\n{RECOVERY}\n{self.obstacle}")
+    def expect_failure(self, quillmark, way_out=""):
+        quillmark.element(name=f"{NOT_SAVED}\n{RECOVERY}\n{self.obstacle}{way_out}")
         quillmark.element(name="Not saved · Retry")
         self.assertEqual(quillmark.element("text", "Note text").text(), "one!")
         self.assertEqual(self.data.draft(), "one")
@@ -86,7 +86,7 @@ class FailingDisk(DesktopTest):
     def test_it_is_tried_again_when_the_editor_folds(self):
         quillmark = self.fail_to_save()
         self.keyboard.press("Escape")
-        self.expect_failure(quillmark)
+        self.expect_failure(quillmark, "\nTo quit all the same, press Ctrl+Q.")
         self.assertIsNotNone(quillmark.shows_editor())
         self.obstacle.rmdir()
 
