@@ -277,6 +277,14 @@ with a quick note.</translation>
         <translation>What was typed could not be saved, and is kept in “%@” for the next start.</translation>
     </message>
     <message>
+        <source>Not kept: what was dropped is no UTF-8 text.</source>
+        <translation>Not kept: what was dropped is no UTF-8 text.</translation>
+    </message>
+    <message>
+        <source>Not kept: there is no text in what was dropped.</source>
+        <translation>Not kept: there is no text in what was dropped.</translation>
+    </message>
+    <message>
         <source>Not inserted: a note has room for %@ characters and %@ lines.</source>
         <translation>Not inserted: a note has room for %@ characters and %@ lines.</translation>
     </message>
@@ -302,6 +310,10 @@ with a quick note.</translation>
         <translation>Quit anyway</translation>
     </message>
     <!-- A start that comes to nothing -->
+    <message>
+        <source>Quillmark is running on another display already. Go on there, or quit it first.</source>
+        <translation>Quillmark is running on another display already. Go on there, or quit it first.</translation>
+    </message>
     <message>
         <source>Quillmark is running already but does not answer. End it, then start it again.</source>
         <translation>Quillmark is running already but does not answer. End it, then start it again.</translation>

@@ -277,6 +277,14 @@ with a quick note.</source>
         <translation>输入的内容未能保存，已保留在“%@”中，供下次启动时恢复。</translation>
     </message>
     <message>
+        <source>Not kept: what was dropped is no UTF-8 text.</source>
+        <translation>未保留：拖入的内容不是 UTF-8 文本。</translation>
+    </message>
+    <message>
+        <source>Not kept: there is no text in what was dropped.</source>
+        <translation>未保留：拖入的内容中没有文字。</translation>
+    </message>
+    <message>
         <source>Not inserted: a note has room for %@ characters and %@ lines.</source>
         <translation>未插入：一条笔记最多容纳 %@ 个字符、%@ 行。</translation>
     </message>
@@ -302,6 +310,10 @@ with a quick note.</source>
         <translation>仍要退出</translation>
     </message>
     <!-- A start that comes to nothing -->
+    <message>
+        <source>Quillmark is running on another display already. Go on there, or quit it first.</source>
+        <translation>Quillmark 已在另一个显示器会话上运行。请在那里继续，或先退出它。</translation>
+    </message>
     <message>
         <source>Quillmark is running already but does not answer. End it, then start it again.</source>
         <translation>Quillmark 已在运行，但没有响应。请先结束它，然后重新启动。</translation>

@@ -114,6 +114,12 @@ void AppDelegate::showNotes()
         m_panels->showNotes();
 }
 
+void AppDelegate::open(const QStringList &addresses)
+{
+    if (m_panels)
+        m_panels->take(DroppedText::fromAddresses(addresses));
+}
+
 AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
 {
     if (applicationWillTerminate())

@@ -48,6 +48,9 @@ public:
     /// Opens the editor with the list of notes.
     void showNotes();
 
+    /// Makes one note of these addresses, as if they had been dropped on the launcher.
+    void open(const QStringList &addresses);
+
     /// The program lives on without a window.
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
 

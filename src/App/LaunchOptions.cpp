@@ -6,6 +6,15 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+/// The toolkit has taken its own out before.
+const QStringList knownArguments{u"--show-editor"_s,      u"--started-by-bus"_s,  u"--ui-testing"_s,
+                                 u"--language=zh-Hans"_s, u"--appearance=dark"_s, u"-session"_s,
+                                 u"--show-notes"_s};
+
+} // namespace
+
 LaunchOptions LaunchOptions::from(const QStringList &arguments,
                                   const QProcessEnvironment &environment, bool hostsUnitTests)
 {
@@ -13,6 +22,10 @@ LaunchOptions LaunchOptions::from(const QStringList &arguments,
     options.showsEditor = arguments.contains("--show-editor"_L1);
     options.showsNotes = arguments.contains("--show-notes"_L1);
     options.isStartedByBus = arguments.contains("--started-by-bus"_L1);
+    for (const QString &argument : arguments.mid(1)) {
+        if (!knownArguments.contains(argument))
+            options.unknown.append(argument);
+    }
     if (hostsUnitTests || environment.value("XCODE_RUNNING_FOR_PREVIEWS"_L1) == "1"_L1) {
         options.mode = Mode::hostOnly;
     } else if (arguments.contains("--ui-testing"_L1)) {

@@ -10,7 +10,7 @@
 
 /// What one start of the program is to do, read from its arguments and its environment.
 ///
-/// Arguments count only as a whole; unknown ones are passed over.
+/// Arguments count only as a whole; unknown ones change nothing.
 struct LaunchOptions {
     enum class Mode {
         /// With the user's notes and preferences.
@@ -34,9 +34,12 @@ struct LaunchOptions {
     /// "--show-notes": the same, with the list of notes.
     bool showsNotes = false;
 
-    /// "--started-by-bus": the session bus started the program in order to activate it, so its
-    /// first activation is this start and not a second one.
+    /// "--started-by-bus": the session bus started the program for a call, so that to be activated
+    /// by that call is this start and not a second one.
     bool isStartedByBus = false;
+
+    /// The arguments that mean nothing here, in their order.
+    QStringList unknown;
 
     /// XCODE_RUNNING_FOR_PREVIEWS=1 in the environment says that the program hosts previews.
     [[nodiscard]] static LaunchOptions

@@ -11,7 +11,6 @@
 #include <QSessionManager>
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -37,6 +36,8 @@ QString whyRefused(SingleInstance::Claim claim)
     case SingleInstance::Claim::granted:
     case SingleInstance::Claim::passedOn:
         return {};
+    case SingleInstance::Claim::onOtherDisplay:
+        return u"Quillmark is running on another display already. Go on there, or quit it first."_s;
     case SingleInstance::Claim::unanswered:
         return u"Quillmark is running already but does not answer. End it, then start it again."_s;
     case SingleInstance::Claim::taken:
@@ -59,6 +60,7 @@ PenwickApp::PenwickApp(int &argc, char **argv)
     connect(&m_instance, &SingleInstance::activated, this, &PenwickApp::reopen);
     connect(&m_instance, &SingleInstance::newNoteRequested, this, &PenwickApp::showEditor);
     connect(&m_instance, &SingleInstance::notesRequested, this, &PenwickApp::showNotes);
+    connect(&m_instance, &SingleInstance::addressesOpened, &m_delegate, &AppDelegate::open);
     connect(&m_delegate, &AppDelegate::quitRequested, this, &PenwickApp::quit);
     // Direct: the session waits for this to return, and may yet go on afterwards.
     connect(m_application.get(), &QGuiApplication::commitDataRequest, this,
@@ -71,11 +73,16 @@ int PenwickApp::run()
 {
     const LaunchOptions options = LaunchOptions::ofThisProcess();
     m_isStartedByBus = options.isStartedByBus;
+    if (!options.unknown.isEmpty())
+        std::fprintf(stderr, "quillmark: unknown: %s (see quillmark --help)\n",
+                     qUtf8Printable(options.unknown.join(u' ')));
     // Interface tests and hosts of other code run beside the user's own program.
     if (options.mode == LaunchOptions::Mode::normal) {
+        // Who restores a session beside what starts by itself wants nothing opened.
         const SingleInstance::Claim claim =
-            m_instance.claim(options.showsNotes ? QLatin1StringView(SingleInstance::showNotes)
-                                                : QLatin1StringView());
+            m_instance.claim(m_application->isSessionRestored() ? SingleInstance::Wish::none
+                             : options.showsNotes               ? SingleInstance::Wish::showNotes
+                                                                : SingleInstance::Wish::open);
         if (claim == SingleInstance::Claim::passedOn)
             return EXIT_SUCCESS;
         if (const QString why = whyRefused(claim); !why.isEmpty()) {
@@ -104,13 +111,12 @@ bool PenwickApp::eventFilter(QObject *receiver, QEvent *event)
 
 void PenwickApp::reopen()
 {
-    if (!std::exchange(m_isStartedByBus, false))
+    if (!m_isStartedByBus || !m_instance.isHearingWhoStartedIt())
         showEditor();
 }
 
 void PenwickApp::showEditor()
 {
-    m_isStartedByBus = false;
     m_delegate.applicationShouldHandleReopen(true);
 }
 

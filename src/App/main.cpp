@@ -26,8 +26,10 @@ constexpr auto help =
     "  --ui-testing         keeps notes in memory and nothing else, in English and light\n"
     "  --language=zh-Hans   with --ui-testing: in Chinese\n"
     "  --appearance=dark    with --ui-testing: dark\n"
-    "  --version            prints the version and ends\n"
-    "  --help               prints this and ends\n";
+    "  --version, -v        prints the version and ends\n"
+    "  --help, -h           prints this and ends\n"
+    "\n"
+    "The options of Qt are known, too. Others are told on the standard error and passed over.\n";
 
 /// Settings, fonts and what else the toolkit keeps for the user are found by this variable alone.
 void doWithoutMissingHome()
@@ -55,11 +57,11 @@ int main(int argc, char **argv)
     // Answered without a display.
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument(argv[i]);
-        if (argument == "--help") {
+        if (argument == "--help" || argument == "-h") {
             std::fputs(help, stdout);
             return EXIT_SUCCESS;
         }
-        if (argument == "--version") {
+        if (argument == "--version" || argument == "-v") {
             std::puts("Quillmark " QUILLMARK_VERSION);
             return EXIT_SUCCESS;
         }

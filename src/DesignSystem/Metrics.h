@@ -12,6 +12,8 @@ inline constexpr QSize launcherSize{64, 64};
 inline constexpr int launcherDisc = 54;
 inline constexpr double launcherHoverScale = 1.04;
 inline constexpr int launcherHoverMilliseconds = 160;
+inline constexpr int launcherKeptMilliseconds = 1600;
+inline constexpr int launcherRefusalMilliseconds = 8000;
 
 // The panel: header, banner, footer.
 inline constexpr QSize panelSize{424, 560};

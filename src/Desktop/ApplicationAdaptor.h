@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDBusAbstractAdaptor>
+#include <QDBusMessage>
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
@@ -9,9 +10,8 @@
 class SingleInstance;
 
 /// org.freedesktop.Application as the Desktop Entry Specification gives it: how a desktop starts a
-/// program through the bus. There is no document to open, so that two of the calls ask for the
-/// same; the actions are those of the desktop entry, "new-note" and "show-notes". Internal to
-/// Desktop.
+/// program through the bus. What is opened becomes a note; the actions are those of the desktop
+/// entry, "new-note" and "show-notes". Internal to Desktop.
 class ApplicationAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -20,11 +20,13 @@ public:
     explicit ApplicationAdaptor(SingleInstance &instance);
 
 public Q_SLOTS:
-    void Activate(const QVariantMap &startupData);
+    void Activate(const QVariantMap &startupData, const QDBusMessage &call);
     void Open(const QStringList &files, const QVariantMap &startupData);
     void ActivateAction(const QString &action, const QVariantList &parameters,
-                        const QVariantMap &startupData);
+                        const QVariantMap &startupData, const QDBusMessage &call);
 
 private:
+    static void refuse(const QDBusMessage &call, const QString &error, const QString &reason);
+
     SingleInstance &m_instance;
 };

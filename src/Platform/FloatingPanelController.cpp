@@ -106,6 +106,17 @@ void FloatingPanelController::collapse()
         m_workspace->showWayOut();
 }
 
+void FloatingPanelController::take(const DroppedText &dropped)
+{
+    if (!dropped.refusal && m_store.add(dropped.text)) {
+        m_launcherView->showKept();
+        return;
+    }
+    const std::optional<Message> &reason = dropped.refusal ? dropped.refusal : m_store.failure();
+    if (reason)
+        m_launcherView->showRefusal(m_preferences.text(*reason));
+}
+
 bool FloatingPanelController::write()
 {
     // What an input method is still composing belongs to the text.
@@ -146,6 +157,7 @@ QWidget *FloatingPanelController::makeLauncherContent()
     connect(view, &LauncherView::approached, this, &FloatingPanelController::warmUp,
             Qt::QueuedConnection);
     connect(view, &LauncherView::openRequested, this, &FloatingPanelController::expand);
+    connect(view, &LauncherView::dropped, this, &FloatingPanelController::take);
     connect(view, &LauncherView::moved, this, &FloatingPanelController::moveLauncher);
     connect(view, &LauncherView::quitRequested, this, &FloatingPanelController::quitRequested);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ApplicationFocus.h"
+#include "DroppedText.h"
 #include "FloatingPanel.h"
 #include "Geometry.h"
 #include "LauncherInteraction.h"
@@ -52,6 +53,10 @@ public:
     /// Writes, and folds the editor back into the launcher when that succeeded; else the editor
     /// says how to leave all the same. A read-only store has nothing to write.
     void collapse();
+
+    /// Makes a note of it at once and shows so for a moment; says why not when that fails. The text
+    /// of the capture screen stays as it is.
+    void take(const DroppedText &dropped);
 
 Q_SIGNALS:
     void quitRequested();

@@ -9,6 +9,8 @@
 #include <QAccessibleWidget>
 #include <QAction>
 #include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QTimer>
 #include <chrono>
@@ -66,6 +68,7 @@ LauncherHitView::LauncherHitView(const Screens &screens, const AppPreferences *p
     setObjectName(u"floatingLauncher"_s);
     // A move without a button ends a drag whose release was never told.
     setMouseTracking(true);
+    setAcceptDrops(true);
 
     m_interaction.onOpen = [this] { Q_EMIT openRequested(); };
     m_interaction.onMove = [this](LauncherInteraction::Translation translation, bool ended) {
@@ -147,6 +150,22 @@ void LauncherHitView::mouseReleaseEvent(QMouseEvent *event)
 void LauncherHitView::contextMenuEvent(QContextMenuEvent *event)
 {
     openMenu(event->globalPos());
+}
+
+void LauncherHitView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (DroppedText::isOffered(*event->mimeData())) {
+        // What is elsewhere stays there.
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    }
+}
+
+void LauncherHitView::dropEvent(QDropEvent *event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    Q_EMIT dropped(DroppedText::from(*event->mimeData()));
 }
 
 void LauncherHitView::openMenu(QPoint place)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "DroppedText.h"
 #include "LauncherInteraction.h"
 
 #include <QPointF>
@@ -10,7 +11,8 @@ class AppPreferences;
 class QMenu;
 class Screens;
 
-/// The transparent view over the whole launcher that takes every press, drag and right click. To
+/// The transparent view over the whole launcher that takes every press, drag, right click
+/// and drop. To
 /// assistive tools it is the button "New note" and the launcher's only element.
 class LauncherHitView final : public QWidget {
     Q_OBJECT
@@ -34,12 +36,15 @@ Q_SIGNALS:
     void openRequested();
     void moved(LauncherInteraction::Translation translation, bool ended);
     void quitRequested();
+    void dropped(const DroppedText &dropped);
 
 protected:
     bool eventFilter(QObject *receiver, QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 

@@ -13,6 +13,7 @@
 #include <QEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QToolTip>
 #include <array>
 
 using namespace Qt::Literals::StringLiterals;
@@ -80,11 +81,15 @@ LauncherView::LauncherView(const AppPreferences &preferences, const Screens &scr
 {
     m_hover.setDuration(Metrics::launcherHoverMilliseconds);
     m_hover.setEasingCurve(easeOut());
+    m_keptSign.setSingleShot(true);
+    m_keptSign.setInterval(Metrics::launcherKeptMilliseconds);
     setFixedSize(Metrics::launcherSize);
 
     connect(m_hitView, &LauncherHitView::openRequested, this, &LauncherView::openRequested);
     connect(m_hitView, &LauncherHitView::moved, this, &LauncherView::moved);
     connect(m_hitView, &LauncherHitView::quitRequested, this, &LauncherView::quitRequested);
+    connect(m_hitView, &LauncherHitView::dropped, this, &LauncherView::dropped);
+    connect(&m_keptSign, &QTimer::timeout, this, qOverload<>(&QWidget::update));
     connect(&m_hover, &QVariantAnimation::valueChanged, this,
             [this](const QVariant &emphasis) { setEmphasis(emphasis.toDouble()); });
     connect(&m_preferences, &AppPreferences::languageChanged, this, &LauncherView::render);
@@ -99,6 +104,23 @@ QRectF LauncherView::disc() const
     QRectF disc(0, 0, side, side);
     disc.moveCenter(QRectF(rect()).center());
     return disc;
+}
+
+void LauncherView::showKept()
+{
+    m_keptSign.start();
+    update();
+}
+
+void LauncherView::showRefusal(const QString &sentence)
+{
+    QToolTip::showText(mapToGlobal(rect().center()), sentence, this, {},
+                       Metrics::launcherRefusalMilliseconds);
+}
+
+QString LauncherView::symbol() const
+{
+    return m_keptSign.isActive() ? u"checkmark"_s : u"plus"_s;
 }
 
 void LauncherView::endDrag()
@@ -147,7 +169,7 @@ void LauncherView::paintEvent(QPaintEvent * /*event*/)
         !environment || !environment->reduceTransparency())
         paintShadow(painter);
     GlassSurface::paint(painter, atRest, this);
-    Symbol::paint(painter, atRest, u"plus"_s, TextStyles::launcherPlus.pixelSize,
+    Symbol::paint(painter, atRest, symbol(), TextStyles::launcherPlus.pixelSize,
                   mixed(NoteTheme::color(palette(), TextStyles::launcherPlus.tone),
                         NoteTheme::color(palette(), Tone::accent), m_emphasis),
                   TextStyles::launcherPlus.weight);

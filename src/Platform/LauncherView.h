@@ -3,10 +3,12 @@
 
 #include "LauncherInteraction.h"
 
+#include <QTimer>
 #include <QVariantAnimation>
 #include <QWidget>
 
 class AppPreferences;
+struct DroppedText;
 class LauncherHitView;
 class Screens;
 
@@ -22,6 +24,15 @@ public:
     /// What is drawn at this moment: the disc in the middle of the view.
     [[nodiscard]] QRectF disc() const;
 
+    /// Shows for a moment that what was dropped has become a note.
+    void showKept();
+
+    /// Says beside the launcher why it has not; already translated.
+    void showRefusal(const QString &sentence);
+
+    /// The symbol that is shown now.
+    [[nodiscard]] QString symbol() const;
+
     /// Ends a drag that is still going on, where it is.
     void endDrag();
 
@@ -31,6 +42,7 @@ Q_SIGNALS:
     void openRequested();
     void moved(LauncherInteraction::Translation translation, bool ended);
     void quitRequested();
+    void dropped(const DroppedText &dropped);
 
 protected:
     bool event(QEvent *event) override;
@@ -48,4 +60,5 @@ private:
     QVariantAnimation m_hover;
     /// From 0, the pointer is elsewhere, to 1, it is over the launcher.
     double m_emphasis = 0;
+    QTimer m_keptSign;
 };

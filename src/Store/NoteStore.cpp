@@ -245,6 +245,18 @@ bool NoteStore::saveCapture()
     return true;
 }
 
+bool NoteStore::add(const QString &text)
+{
+    const QString body = wellFormed(text).trimmed();
+    if (body.isEmpty())
+        return false;
+
+    const Timestamp now = m_clock();
+    NoteSnapshot next = m_snapshot;
+    next.notes.prepend({QUuid::createUuid(), body, now, now});
+    return commit(next);
+}
+
 bool NoteStore::saveEdit(const Note &note)
 {
     const QString body = text(note).trimmed();

@@ -113,6 +113,10 @@ public:
     /// on the disk, and false that nothing was written and nothing typed was lost.
     bool saveCapture();
 
+    /// Makes a note of the trimmed text, and leaves what is on the capture screen alone. False also
+    /// for a blank text.
+    bool add(const QString &text);
+
     /// Puts the trimmed edit into the note. False also for a blank text and for an unknown note.
     bool saveEdit(const Note &note);
     bool deleteNote(const Note &note);

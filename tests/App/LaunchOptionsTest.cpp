@@ -21,6 +21,7 @@ private Q_SLOTS:
     void opensTheListOfNotesInEveryMode();
     void comparesWholeArgumentsOnly();
     void knowsThatTheBusStartedIt();
+    void namesWhatItDoesNotKnow();
 
 private:
     static LaunchOptions from(const QStringList &arguments)
@@ -121,8 +122,11 @@ void LaunchOptionsTest::comparesWholeArgumentsOnly()
 {
     for (const QString &argument :
          {u"--ui-testing=1"_s, u"-ui-testing"_s, u"--UI-testing"_s, u"--show-editors"_s,
-          u"--show-editor --ui-testing"_s, u"show-editor"_s})
-        QCOMPARE(from({argument}), LaunchOptions());
+          u"--show-editor --ui-testing"_s, u"show-editor"_s}) {
+        LaunchOptions expected;
+        expected.unknown = {argument};
+        QCOMPARE(from({argument}), expected);
+    }
 
     const LaunchOptions options =
         from({u"--ui-testing"_s, u"--language=zh"_s, u"--appearance=darker"_s});
@@ -134,6 +138,16 @@ void LaunchOptionsTest::knowsThatTheBusStartedIt()
 {
     QVERIFY(from({u"--started-by-bus"_s}).isStartedByBus);
     QVERIFY(!from({}).isStartedByBus);
+}
+
+void LaunchOptionsTest::namesWhatItDoesNotKnow()
+{
+    const LaunchOptions options =
+        from({u"--dance"_s, u"--show-editor"_s, u"-session"_s, u"file.md"_s});
+
+    QVERIFY(options.showsEditor);
+    QCOMPARE(options.unknown, (QStringList{u"--dance"_s, u"file.md"_s}));
+    QVERIFY(from({u"--ui-testing"_s, u"--language=zh-Hans"_s}).unknown.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(LaunchOptionsTest)

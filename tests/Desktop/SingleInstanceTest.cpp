@@ -66,7 +66,12 @@ private Q_SLOTS:
     void ownsTheNameWhenItIsTheOnlyOne();
     void isActivatedByEveryCallOfTheInterface_data();
     void isActivatedByEveryCallOfTheInterface();
+    void opensAddresses();
+    void refusesAnActionThatItDoesNotKnow();
+    void refusesAStartOnAnotherDisplay();
+    void hearsOnlyWhatCameBeforeItsNameAsTheReasonOfItsStart();
     void asksTheFirstInstanceWithTheStartupData();
+    void asksNothingOfTheFirstInstanceWhenNothingIsWished();
     void doesNotWaitLongForAnInstanceThatIsSilent();
     void tellsAnotherProgramWithItsName();
     void takesTheNameOfAnInstanceThatEnds();
@@ -91,6 +96,7 @@ QDBusMessage call(const QString &method)
 
 void SingleInstanceTest::initTestCase()
 {
+    qunsetenv("DISPLAY");
     if (qEnvironmentVariableIsSet("QUILLMARK_TEST_WITHOUT_BUS"))
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     else
@@ -114,14 +120,13 @@ void SingleInstanceTest::isActivatedByEveryCallOfTheInterface_data()
     QTest::addColumn<Wish>("wish");
 
     QTest::newRow("Activate") << (call(u"Activate"_s) << QVariantMap()) << Wish::toBeShown;
-    QTest::newRow("Open") << (call(u"Open"_s) << QStringList{u"file:///tmp"_s} << QVariantMap())
-                          << Wish::toBeShown;
+    QTest::newRow("Open nothing") << (call(u"Open"_s) << QStringList() << QVariantMap())
+                                  << Wish::toBeShown;
     const auto action = [](const QString &name) {
         return call(u"ActivateAction"_s) << name << QVariantList() << QVariantMap();
     };
     QTest::newRow("new note") << action(u"new-note"_s) << Wish::newNote;
     QTest::newRow("show notes") << action(u"show-notes"_s) << Wish::notes;
-    QTest::newRow("unknown action") << action(u"dance"_s) << Wish::toBeShown;
 }
 
 void SingleInstanceTest::isActivatedByEveryCallOfTheInterface()
@@ -145,6 +150,73 @@ void SingleInstanceTest::isActivatedByEveryCallOfTheInterface()
     QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
 }
 
+void SingleInstanceTest::opensAddresses()
+{
+    SingleInstance instance;
+    QCOMPARE(instance.claim(), Claim::granted);
+    QSignalSpy opened(&instance, &SingleInstance::addressesOpened);
+    const QDBusConnection desktop = m_bus.connectAs(u"desktop"_s);
+    const QStringList addresses{u"file:///tmp/a"_s, u"https://example.org"_s};
+
+    const QDBusPendingCall answer =
+        desktop.asyncCall(call(u"Open"_s) << addresses << QVariantMap());
+
+    QTRY_VERIFY(answer.isFinished());
+    QCOMPARE(opened.count(), 1);
+    QCOMPARE(opened.first().first().toStringList(), addresses);
+    QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
+}
+
+void SingleInstanceTest::refusesAnActionThatItDoesNotKnow()
+{
+    SingleInstance instance;
+    QCOMPARE(instance.claim(), Claim::granted);
+    QSignalSpy activated(&instance, &SingleInstance::activated);
+    const QDBusConnection desktop = m_bus.connectAs(u"desktop"_s);
+
+    const QDBusPendingCall answer = desktop.asyncCall(
+        call(u"ActivateAction"_s) << u"dance"_s << QVariantList() << QVariantMap());
+
+    QTRY_VERIFY(answer.isFinished());
+    QVERIFY(answer.isError());
+    QCOMPARE(activated.count(), 0);
+    QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
+}
+
+void SingleInstanceTest::refusesAStartOnAnotherDisplay()
+{
+    qputenv("DISPLAY", ":4711.0");
+    SingleInstance instance;
+    qunsetenv("DISPLAY");
+    QCOMPARE(instance.claim(), Claim::granted);
+    QSignalSpy activated(&instance, &SingleInstance::activated);
+    const QDBusConnection desktop = m_bus.connectAs(u"desktop"_s);
+    const auto startOn = [&desktop](const QString &display) {
+        return desktop.asyncCall(call(u"Activate"_s)
+                                 << QVariantMap{{u"org.quillmark.display"_s, display}});
+    };
+
+    const QDBusPendingCall elsewhere = startOn(u":4712"_s);
+    const QDBusPendingCall here = startOn(u":4711"_s);
+
+    QTRY_VERIFY(elsewhere.isFinished() && here.isFinished());
+    QCOMPARE(elsewhere.error().name(), QLatin1StringView(SingleInstance::otherDisplayError));
+    QVERIFY2(!here.isError(), qUtf8Printable(here.error().message()));
+    QCOMPARE(activated.count(), 1);
+    QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
+}
+
+void SingleInstanceTest::hearsOnlyWhatCameBeforeItsNameAsTheReasonOfItsStart()
+{
+    SingleInstance instance;
+    QCOMPARE(instance.claim(), Claim::granted);
+    QVERIFY(instance.isHearingWhoStartedIt());
+
+    QTRY_VERIFY(!instance.isHearingWhoStartedIt());
+
+    QVERIFY(QDBusConnection::sessionBus().interface()->unregisterService(busName).isValid());
+}
+
 void SingleInstanceTest::asksTheFirstInstanceWithTheStartupData()
 {
     QThread thread;
@@ -161,13 +233,31 @@ void SingleInstanceTest::asksTheFirstInstanceWithTheStartupData()
     qunsetenv("XDG_ACTIVATION_TOKEN");
 
     const Claim claim = second.claim();
-    const Claim actionsClaim = second.claim(u"show-notes"_s);
+    const Claim actionsClaim = second.claim(SingleInstance::Wish::showNotes);
 
     QCOMPARE(claim, Claim::passedOn);
     QCOMPARE(actionsClaim, Claim::passedOn);
     QCOMPARE(first.actions(), QStringList{u"show-notes"_s});
     QCOMPARE(first.activations(), QList<QVariantMap>({{{u"desktop-startup-id"_s, u"start_TIME17"_s},
                                                        {u"activation-token"_s, u"token"_s}}}));
+    other.unregisterService(busName);
+    thread.quit();
+    thread.wait();
+}
+
+void SingleInstanceTest::asksNothingOfTheFirstInstanceWhenNothingIsWished()
+{
+    QThread thread;
+    FirstInstance first;
+    first.moveToThread(&thread);
+    thread.start();
+    QDBusConnection other = m_bus.connectAs(u"first"_s);
+    QVERIFY(other.registerObject(objectPath, &first, QDBusConnection::ExportAllSlots));
+    QVERIFY(other.registerService(busName));
+
+    QCOMPARE(SingleInstance().claim(SingleInstance::Wish::none), Claim::passedOn);
+
+    QVERIFY(first.activations().isEmpty());
     other.unregisterService(busName);
     thread.quit();
     thread.wait();

@@ -21,6 +21,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolTip>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -72,6 +73,13 @@ private Q_SLOTS:
     void foldsAReadOnlyStoreWithoutWriting();
     void writesAgainWhenItIsFoldedAlready();
     void staysFoldedWhenThatWriteFails();
+
+    void makesANoteOfWhatIsDropped();
+    void keepsNothingThatIsRefused();
+    void leavesTheCaptureAloneWhenADropCannotBeSaved();
+    void foldsALostEditorWithoutActivatingAnybody();
+    void bringsALostEditorBackWhenNothingCanBeSaved();
+    void tellsTheWayOutWhenItCannotFold();
 
     void givesTheKeyboardBack();
     void givesTheKeyboardBackToNobodyWhenNobodyHadIt();
@@ -524,6 +532,95 @@ void FloatingPanelControllerTest::staysFoldedWhenThatWriteFails()
     QVERIFY(!m_controller->isExpanded());
     QVERIFY(!m_controller->editor().isVisible());
     QVERIFY(m_controller->launcher().isVisible());
+}
+
+void FloatingPanelControllerTest::makesANoteOfWhatIsDropped()
+{
+    make();
+    m_store->setDraft(u"unfinished"_s);
+    auto *const view = m_controller->launcher().findChild<LauncherView *>();
+
+    m_controller->take({u"dropped\ntext"_s, std::nullopt});
+
+    QCOMPARE(m_repository->stored().notes.size(), 1);
+    QCOMPARE(m_repository->stored().notes.first().body, u"dropped\ntext"_s);
+    QCOMPARE(m_store->draft(), u"unfinished"_s);
+    QCOMPARE(view->symbol(), u"checkmark"_s);
+    QTRY_COMPARE(view->symbol(), u"plus"_s);
+}
+
+void FloatingPanelControllerTest::keepsNothingThatIsRefused()
+{
+    make();
+    m_controller->launcher().show();
+
+    m_controller->take({{}, Message{u"Not kept: there is no text in what was dropped."_s, {}}});
+
+    QCOMPARE(m_repository->saves(), 0);
+    QTRY_COMPARE(QToolTip::text(), u"Not kept: there is no text in what was dropped."_s);
+}
+
+void FloatingPanelControllerTest::leavesTheCaptureAloneWhenADropCannotBeSaved()
+{
+    make();
+    m_controller->launcher().show();
+    m_store->setDraft(u"unfinished"_s);
+    m_repository->failWith(FileError("/notes", Reason::inUse));
+
+    m_controller->take({u"dropped"_s, std::nullopt});
+
+    QVERIFY(m_store->snapshot().notes.isEmpty());
+    QCOMPARE(m_store->draft(), u"unfinished"_s);
+    QTRY_COMPARE(QToolTip::text(), m_store->errorMessage().value_or(QString()));
+}
+
+void FloatingPanelControllerTest::foldsALostEditorWithoutActivatingAnybody()
+{
+    make();
+    m_focus->current = otherProgram;
+    m_controller->expand();
+    m_store->setDraft(u"typed"_s);
+
+    Q_EMIT m_controller->editor().lost();
+
+    QVERIFY(!m_controller->isExpanded());
+    QVERIFY(m_controller->launcher().isVisible());
+    QVERIFY(m_focus->activated.isEmpty());
+    QCOMPARE(m_repository->stored().captureDraft, u"typed"_s);
+}
+
+void FloatingPanelControllerTest::bringsALostEditorBackWhenNothingCanBeSaved()
+{
+    make();
+    m_controller->expand();
+    QTRY_VERIFY(m_controller->editor().wasActive());
+    m_repository->failWith(FileError("/notes", Reason::inUse));
+    m_controller->editor().hide();
+
+    Q_EMIT m_controller->editor().lost();
+
+    QVERIFY(m_controller->isExpanded());
+    QVERIFY(m_controller->editor().isVisible());
+}
+
+void FloatingPanelControllerTest::tellsTheWayOutWhenItCannotFold()
+{
+    make();
+    m_controller->expand();
+    m_repository->failWith(FileError("/notes", Reason::inUse));
+    const auto saysIt = [this] {
+        const auto *banner = workspace()->findChild<QWidget *>(u"errorBanner"_s);
+        return banner->accessibleName().contains(u"Ctrl+Q"_s);
+    };
+    m_store->flush();
+    QVERIFY(!saysIt());
+
+    m_controller->collapse();
+    QVERIFY(saysIt());
+
+    m_repository->recover();
+    m_store->flush();
+    QVERIFY(!saysIt());
 }
 
 void FloatingPanelControllerTest::givesTheKeyboardBack()

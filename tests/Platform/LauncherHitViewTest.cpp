@@ -7,10 +7,14 @@
 
 #include <QAccessible>
 #include <QContextMenuEvent>
+#include <QDragEnterEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
+#include <QUrl>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -45,6 +49,22 @@ void drag(QWidget &view)
     send(view, QEvent::MouseMove, middle + QPoint(30, 10), Qt::LeftButton);
 }
 
+/// What a view makes of a drop; nothing when it does not take it.
+std::optional<DroppedText> drop(const Screens &screens, const QMimeData &data)
+{
+    LauncherHitView view(screens, nullptr);
+    std::optional<DroppedText> result;
+    QObject::connect(&view, &LauncherHitView::dropped, &view,
+                     [&result](const DroppedText &dropped) { result = dropped; });
+    QDragEnterEvent enter(middle, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&view, &enter);
+    if (!enter.isAccepted() || enter.dropAction() != Qt::CopyAction)
+        return std::nullopt;
+    QDropEvent event(middle, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&view, &event);
+    return result;
+}
+
 } // namespace
 
 class LauncherHitViewTest final : public QObject {
@@ -62,6 +82,11 @@ private Q_SLOTS:
     void endsADragAtAMoveWithoutTheButton();
     void endsADragWhenItIsHidden();
     void endsADragWhenItsMenuOpens();
+
+    void takesTextThatIsDropped();
+    void takesAddressesThatAreDroppedALineEach();
+    void refusesWhatIsNoText_data();
+    void refusesWhatIsNoText();
 
     void hasAMenuOfTwoItemsAndASeparator();
     void opensItsMenuOnARightClickAndDoesNothingElse();
@@ -236,6 +261,55 @@ void LauncherHitViewTest::endsADragWhenItsMenuOpens()
 
     QCOMPARE(moved.size(), 2);
     QCOMPARE(moved.at(1).at(1).toBool(), true);
+}
+
+void LauncherHitViewTest::takesTextThatIsDropped()
+{
+    QMimeData data;
+    data.setText(u"a quote"_s);
+
+    const std::optional<DroppedText> dropped = drop(m_screens, data);
+
+    QVERIFY(dropped && !dropped->refusal);
+    QCOMPARE(dropped->text, u"a quote"_s);
+}
+
+void LauncherHitViewTest::takesAddressesThatAreDroppedALineEach()
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(u"/tmp/a file.txt"_s), QUrl(u"https://example.org/#1"_s)});
+
+    const std::optional<DroppedText> dropped = drop(m_screens, data);
+
+    QVERIFY(dropped && !dropped->refusal);
+    QCOMPARE(dropped->text, u"file:///tmp/a%20file.txt\nhttps://example.org/#1"_s);
+}
+
+void LauncherHitViewTest::refusesWhatIsNoText_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("refusal");
+
+    QTest::newRow("blank") << " \n"_ba << u"Not kept: there is no text in what was dropped."_s;
+    QTest::newRow("not UTF-8") << "caf\xe9"_ba << u"Not kept: what was dropped is no UTF-8 text."_s;
+    QTest::newRow("too long") << QByteArray(8'000'001, 'x')
+                              << u"Not inserted: a note has room for %@ characters and %@ lines."_s;
+    QTest::newRow("too many lines")
+        << QByteArray(250'000, '\n') + 'x'
+        << u"Not inserted: a note has room for %@ characters and %@ lines."_s;
+}
+
+void LauncherHitViewTest::refusesWhatIsNoText()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QString, refusal);
+    QMimeData data;
+    data.setData(u"text/plain;charset=utf-8"_s, bytes);
+
+    const std::optional<DroppedText> dropped = drop(m_screens, data);
+
+    QVERIFY(dropped && dropped->refusal);
+    QCOMPARE(dropped->refusal->key, refusal);
 }
 
 void LauncherHitViewTest::hasAMenuOfTwoItemsAndASeparator()

@@ -24,6 +24,7 @@ class NoteStoreTest : public QObject {
 
 private Q_SLOTS:
     void startsWithWhatTheRepositoryHolds();
+    void addsANoteBesideTheCapture();
     void isReadOnlyForGoodWhenLoadingFails();
     void keepsTheKindOfAFailureOnlyWhenItIsTheRepositorysOwn();
     void saysWhichFileAFailureIsAbout();
@@ -153,6 +154,24 @@ void NoteStoreTest::startsWithWhatTheRepositoryHolds()
     QVERIFY(!fixture.store.errorContext());
     QVERIFY(!fixture.store.repositoryError());
     QCOMPARE(fixture.repository.saves(), 0);
+}
+
+void NoteStoreTest::addsANoteBesideTheCapture()
+{
+    auto owned = std::make_unique<FailingRepository>();
+    const FailingRepository &repository = *owned;
+    NoteStore store(std::move(owned));
+    store.setDraft(u"unfinished"_s);
+
+    QVERIFY(!store.add(u" \n"_s));
+    QCOMPARE(repository.saves(), 0);
+    QVERIFY(store.add(u" from elsewhere \n"_s));
+
+    QCOMPARE(repository.stored().notes.size(), 1);
+    QCOMPARE(repository.stored().notes.first().body, u"from elsewhere"_s);
+    QCOMPARE(repository.stored().captureDraft, u"unfinished"_s);
+    QVERIFY(store.saveCapture());
+    QVERIFY(repository.stored().notes.at(0).id != repository.stored().notes.at(1).id);
 }
 
 void NoteStoreTest::isReadOnlyForGoodWhenLoadingFails()

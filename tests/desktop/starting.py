@@ -5,7 +5,8 @@ import os
 import subprocess
 
 from harness import DesktopTest, main, processes, until
-from harness.activation import choose_action, choose_entry
+from harness.activation import (GLib, choose_action, choose_entry, open_addresses, owner,
+                                ping)
 from harness.translations import chinese
 from harness.waiting import holds_for
 
@@ -122,31 +123,46 @@ class Starting(DesktopTest):
         self.assertEqual(third.wait_until_ended(), 0)
         self.assertEqual(first.element("text", "Note text").text(), "one program")
 
-    def test_the_bus_starts_it_with_the_bubble(self):
-        quillmark = self.start("--started-by-bus")
-        quillmark.launcher()
+    def start_by_bus(self, send):
+        """Has the bus start the program for what is sent to it."""
+        environment = self.desktop.environment_for(self.home)
+        service = self.desktop.folder / "services/org.quillmark.Quillmark.service"
+        variables = " ".join(f"{key}={value}" for key, value in environment.items()
+                             if " " not in value)
+        service.write_text("[D-BUS Service]\nName=org.quillmark.Quillmark\n"
+                           f"Exec=/usr/bin/env {variables} {self.program} --started-by-bus\n",
+                           encoding="utf-8")
+        self.addCleanup(service.unlink)
+        send(self.desktop)
+        return self.adopt(until(lambda: owner(self.desktop), "the bus has started it"))
 
-        choose_entry(self.desktop)
+    def test_the_bus_starts_it_with_the_bubble(self):
+        quillmark = self.start_by_bus(choose_entry)
+
+        quillmark.launcher()
 
         holds_for(0.5, quillmark.shows_launcher, "the bubble stays")
         choose_entry(self.desktop)
         quillmark.editor()
 
-    def test_the_bus_starts_it_with_the_editor_for_a_new_note(self):
-        quillmark = self.start("--started-by-bus")
+    def test_the_first_start_after_another_message_opens_the_editor(self):
+        quillmark = self.start_by_bus(ping)
         quillmark.launcher()
 
-        choose_action(self.desktop, "new-note")
+        choose_entry(self.desktop)
 
         quillmark.editor()
+
+    def test_the_bus_starts_it_with_the_editor_for_a_new_note(self):
+        quillmark = self.start_by_bus(lambda desktop: choose_action(desktop, "new-note"))
+
+        quillmark.editor()
+
         self.keyboard.type("from the menu")
         until(lambda: self.data.draft() == "from the menu", "it gets the keys")
 
     def test_the_bus_starts_it_with_the_list_of_notes(self):
-        quillmark = self.start("--started-by-bus")
-        quillmark.launcher()
-
-        choose_action(self.desktop, "show-notes")
+        quillmark = self.start_by_bus(lambda desktop: choose_action(desktop, "show-notes"))
 
         quillmark.editor()
         quillmark.element(name="Find a thought…")
@@ -166,6 +182,60 @@ class Starting(DesktopTest):
 
         quillmark.editor()
         quillmark.element(name="Find a thought…")
+
+    def test_the_bus_starts_it_with_what_is_opened(self):
+        quillmark = self.start_by_bus(
+            lambda desktop: open_addresses(desktop, ["https://example.org", "file:///tmp/a"]))
+
+        quillmark.launcher()
+
+        until(lambda: [note.body for note in self.data.read_notes()]
+              == ["https://example.org\nfile:///tmp/a"], "they are a note")
+
+    def test_an_unknown_action_is_refused(self):
+        quillmark = self.start()
+        quillmark.launcher()
+
+        with self.assertRaises(GLib.Error):
+            choose_action(self.desktop, "dance")
+
+        holds_for(0.5, quillmark.shows_launcher, "the bubble stays")
+
+    def test_a_restored_session_opens_nothing(self):
+        first = self.start()
+        first.launcher()
+
+        second = self.start("-session", "10_1_1")
+
+        self.assertEqual(second.wait_until_ended(), 0)
+        holds_for(0.5, first.shows_launcher, "the bubble stays")
+
+    def test_a_start_on_another_display_says_so(self):
+        first = self.start()
+        first.launcher()
+        environment = self.desktop.environment_for(self.home)
+        environment["DISPLAY"] = self.desktop.start_display()
+
+        ended = subprocess.run([self.program], env=environment, text=True, timeout=20,
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+        self.assertEqual(ended.returncode, 1)
+        self.assertEqual(ended.stderr, "Quillmark is running on another display already. "
+                                       "Go on there, or quit it first.\n")
+        holds_for(0.5, first.shows_launcher, "the bubble stays")
+
+    def test_an_unknown_argument_is_told_and_changes_nothing(self):
+        quillmark = self.start("--dance", "-style", "fusion", "--show-editor")
+
+        quillmark.editor()
+
+        self.assertEqual(quillmark.output(), "quillmark: unknown: --dance (see quillmark --help)\n")
+
+    def test_the_short_options_answer(self):
+        for short, long in (("-h", "--help"), ("-v", "--version")):
+            answers = [subprocess.run([self.program, option], text=True, timeout=20, check=True,
+                                      stdout=subprocess.PIPE).stdout for option in (short, long)]
+            self.assertEqual(*answers)
 
     def test_a_failed_write_at_the_end_asks_first(self):
         quillmark = self.start("--show-editor")

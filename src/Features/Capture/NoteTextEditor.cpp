@@ -6,6 +6,7 @@
 #include "ClipboardReader.h"
 #include "Metrics.h"
 #include "Named.h"
+#include "PanelHints.h"
 #include "SlimScrollBar.h"
 #include "TextLabel.h"
 #include "TextStyle.h"
@@ -379,6 +380,14 @@ void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
     menu->popup(isByKeyboard ? viewport()->mapToGlobal(cursorRect().bottomLeft())
                              : event->globalPos());
     event->accept();
+}
+
+void NoteTextEditor::dropEvent(QDropEvent *event)
+{
+    QTextEdit::dropEvent(event);
+    // Whoever drops text here goes on writing here.
+    setFocus(Qt::MouseFocusReason);
+    PanelHints::activate(*window());
 }
 
 QMimeData *NoteTextEditor::createMimeDataFromSelection() const

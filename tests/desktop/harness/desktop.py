@@ -94,7 +94,7 @@ class Desktop:
         self._exits.callback(processes.kill_adopted)
         self._log = self._exits.enter_context(open(self.folder / "services.log", "wb"))
         self.environment = self._make_environment(self.folder / "home")
-        self._start_display()
+        self.environment["DISPLAY"] = self.start_display()
         self._start_bus()
         self.display = Xlib.display.Display(self.environment["DISPLAY"])
         self._exits.callback(self.display.close)
@@ -133,7 +133,8 @@ class Desktop:
         self._exits.callback(processes.stop, process)
         return process
 
-    def _start_display(self):
+    def start_display(self):
+        """A virtual display, whose name is returned; it ends with the desktop."""
         read, write = os.pipe()
         self.spawn(["Xvfb", "-displayfd", str(write), "-screen", "0",
                     f"{self.width}x{self.height}x24", "-nolisten", "tcp", "-noreset"],
@@ -143,7 +144,7 @@ class Desktop:
             number = answer.readline().strip()
         if not number:
             raise RuntimeError("Xvfb did not start:\n" + self.log())
-        self.environment["DISPLAY"] = f":{number}"
+        return f":{number}"
 
     def _start_bus(self):
         services = self.folder / "services"

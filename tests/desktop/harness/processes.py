@@ -27,6 +27,34 @@ def spawn(arguments, environment, **options):
     return subprocess.Popen(arguments, env=environment, preexec_fn=_end_with_parent, **options)
 
 
+class Foreign:
+    """Somebody else's child, as far as one can treat it like one's own."""
+
+    def __init__(self, process):
+        self.pid = process
+        self.returncode = None  # Told to the parent alone.
+
+    def poll(self):
+        try:
+            os.waitpid(self.pid, os.WNOHANG)  # Its parent may have left it to this process.
+        except ChildProcessError:
+            pass
+        return None if os.path.exists(f"/proc/{self.pid}") else 0
+
+    def terminate(self):
+        os.kill(self.pid, signal.SIGTERM)
+
+    def kill(self):
+        os.kill(self.pid, signal.SIGKILL)
+
+    def wait(self, seconds=5.0):
+        end = time.monotonic() + seconds
+        while self.poll() is None:
+            if time.monotonic() > end:
+                raise subprocess.TimeoutExpired(str(self.pid), seconds)
+            time.sleep(0.01)
+
+
 def stop(process, seconds=5.0):
     """Asks a child to end, and kills it when it does not."""
     if process.poll() is None:

@@ -30,6 +30,18 @@ class Quillmark:
             self._process = processes.spawn([program, *arguments], environment,
                                             stdout=output, stderr=subprocess.STDOUT)
 
+    @classmethod
+    def of_process(cls, desktop, process, home):
+        """One that somebody else has started, with everything below the home folder."""
+        self = cls.__new__(cls)
+        self.desktop = desktop
+        self.home = pathlib.Path(home)
+        self.data = DataFolder(self.home / ".local/share/Penwick")
+        self.settings_file = self.home / ".config/Penwick/Penwick.conf"
+        self._output_path = os.devnull
+        self._process = processes.Foreign(process)
+        return self
+
     # What it is doing
 
     @property
@@ -38,7 +50,7 @@ class Quillmark:
 
     def output(self):
         """Everything that it has printed."""
-        return self._output_path.read_text(encoding="utf-8", errors="replace")
+        return pathlib.Path(self._output_path).read_text(encoding="utf-8", errors="replace")
 
     def is_running(self):
         return self._process.poll() is None

@@ -65,6 +65,13 @@ class DesktopTest(unittest.TestCase):
         self.addCleanup(program.stop)
         return program
 
+    def adopt(self, process):
+        """The program as somebody else has started it, with the home folder of the test."""
+        program = quillmark.Quillmark.of_process(self.desktop, process, self.home)
+        self._started.append(program)
+        self.addCleanup(program.stop)
+        return program
+
     def open_text_window(self, *arguments, **options):
         window = self.desktop.open_text_window(*arguments, **options)
         self.addCleanup(window.close)

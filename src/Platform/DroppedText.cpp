@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "DroppedText.h"
+
+#include "NoteTextEditor.h"
+
+#include <QLocale>
+#include <QMimeData>
+#include <QStringDecoder>
+#include <QTextDocumentFragment>
+#include <QUrl>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// The one kind whose bytes are known to be meant as what they are.
+constexpr auto exact = "text/plain;charset=utf-8"_L1;
+
+/// Where a byte would have to be replaced to make text of it, it is no text of ours.
+std::optional<QString> decoded(const QByteArray &bytes)
+{
+    QStringDecoder decode(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decode(bytes);
+    return decode.hasError() ? std::nullopt : std::optional(text);
+}
+
+QString addresses(const QList<QUrl> &urls)
+{
+    QStringList lines;
+    for (const QUrl &url : urls)
+        lines.append(url.toString(QUrl::FullyEncoded));
+    return lines.join(u'\n');
+}
+
+/// Nothing when it is no text.
+std::optional<QString> textOf(const QMimeData &data)
+{
+    if (data.hasUrls())
+        return addresses(data.urls());
+    if (data.hasFormat(exact))
+        return decoded(data.data(exact));
+    if (data.hasText() || !data.hasHtml())
+        return data.text();
+    return QTextDocumentFragment::fromHtml(data.html()).toPlainText();
+}
+
+DroppedText checked(const std::optional<QString> &text)
+{
+    if (!text)
+        return {{}, Message{u"Not kept: what was dropped is no UTF-8 text."_s, {}}};
+    if (text->trimmed().isEmpty())
+        return {{}, Message{u"Not kept: there is no text in what was dropped."_s, {}}};
+    if (text->size() > NoteTextEditor::mostCharacters ||
+        text->count(u'\n') >= NoteTextEditor::mostLines) {
+        const QLocale plain = QLocale::c();
+        return {{},
+                Message{u"Not inserted: a note has room for %@ characters and %@ lines."_s,
+                        {plain.toString(NoteTextEditor::mostCharacters),
+                         plain.toString(NoteTextEditor::mostLines)}}};
+    }
+    return {*text, std::nullopt};
+}
+
+} // namespace
+
+bool DroppedText::isOffered(const QMimeData &data)
+{
+    return data.hasUrls() || data.hasFormat(exact) || data.hasText() || data.hasHtml();
+}
+
+DroppedText DroppedText::from(const QMimeData &data)
+{
+    return checked(textOf(data));
+}
+
+DroppedText DroppedText::fromAddresses(const QStringList &addresses)
+{
+    return checked(addresses.join(u'\n'));
+}
