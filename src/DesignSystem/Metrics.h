@@ -95,6 +95,12 @@ inline constexpr double scrollThumbInset = 2;
 inline constexpr double scrollThumbOpacity = 0.22;
 inline constexpr double scrollThumbHeldOpacity = 0.45;
 
+// Menus.
+inline constexpr int menuRadius = 10;
+inline constexpr int menuPadding = 5;
+inline constexpr int menuItemRadius = 6;
+inline constexpr double menuBorder = 0.12;
+
 // Controls.
 inline constexpr QSize quietIconButton{30, 30};
 inline constexpr QSize preferencesButton{25, 28};

@@ -1,14 +1,125 @@
 // SPDX-License-Identifier: MIT
 #include "ThemedMenu.h"
 
+#include "GlassSurface.h"
+#include "Metrics.h"
 #include "TextStyle.h"
+#include "ViewEnvironment.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QProxyStyle>
+#include <QRegion>
+#include <QStyleOption>
+
+namespace {
+
+/// Draws the surface and the chosen item; the rest is the application's style.
+class MenuStyle final : public QProxyStyle {
+public:
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        if (element == PE_PanelMenu) {
+            painter->save();
+            painter->setRenderHint(QPainter::Antialiasing);
+            const QRectF rect = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+            painter->setBrush(option->palette.window());
+            painter->setPen(NoteTheme::color(option->palette, Tone::primary, Metrics::menuBorder));
+            painter->drawPath(GlassSurface::outline(rect, Metrics::menuRadius));
+            painter->restore();
+        } else if (element != PE_FrameMenu) {
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+        }
+    }
+
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override
+    {
+        if (element == CE_MenuEmptyArea)
+            return;
+        const auto *const item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+        if (element != CE_MenuItem || !item || !item->state.testFlag(State_Selected)) {
+            QProxyStyle::drawControl(element, option, painter, widget);
+            return;
+        }
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->fillPath(GlassSurface::outline(item->rect, Metrics::menuItemRadius),
+                          NoteTheme::accent());
+        painter->restore();
+        // What is written on the accent; the style would fill the whole line itself.
+        QStyleOptionMenuItem written(*item);
+        written.state.setFlag(State_Selected, false);
+        for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+            written.palette.setColor(role, NoteTheme::color(item->palette, Tone::onAccent));
+        QProxyStyle::drawControl(element, &written, painter, widget);
+    }
+
+    int pixelMetric(PixelMetric metric, const QStyleOption *option,
+                    const QWidget *widget) const override
+    {
+        switch (metric) {
+        case PM_MenuPanelWidth:
+            return 0;
+        case PM_MenuHMargin:
+        case PM_MenuVMargin:
+            return Metrics::menuPadding;
+        default:
+            return QProxyStyle::pixelMetric(metric, option, widget);
+        }
+    }
+};
+
+/// One for all menus.
+QStyle *menuStyle()
+{
+    static auto *const style = [] {
+        auto *const made = new MenuStyle;
+        made->setParent(qApp);
+        return made;
+    }();
+    return style;
+}
+
+} // namespace
 
 ThemedMenu::ThemedMenu(QWidget *owner)
     : QMenu(owner)
 {
+    setStyle(menuStyle());
+    setWindowFlags(windowFlags() | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+    setAttribute(Qt::WA_TranslucentBackground);
+    takeLook();
+    connect(this, &QMenu::aboutToShow, this, &ThemedMenu::takeLook);
+    if (owner)
+        owner->installEventFilter(this);
 }
 
-void ThemedMenu::showEvent(QShowEvent *event)
+bool ThemedMenu::eventFilter(QObject *receiver, QEvent *event)
+{
+    if (receiver == parentWidget() && isVisible() &&
+        (event->type() == QEvent::PaletteChange || event->type() == QEvent::LocaleChange))
+        takeLook();
+    return QMenu::eventFilter(receiver, event);
+}
+
+void ThemedMenu::resizeEvent(QResizeEvent *event)
+{
+    QMenu::resizeEvent(event);
+    // Where nothing is composited what is translucent would be black.
+    const ViewEnvironment *const environment = ViewEnvironment::of(parentWidget());
+    if (environment && !environment->reduceTransparency()) {
+        clearMask();
+        return;
+    }
+    setMask(
+        QRegion(GlassSurface::outline(rect(), Metrics::menuRadius).toFillPolygon().toPolygon()));
+}
+
+void ThemedMenu::takeLook()
 {
     if (const QWidget *owner = parentWidget()) {
         // The owner's palette itself would not do: it has inherited its colours, and inherited
@@ -19,5 +130,4 @@ void ThemedMenu::showEvent(QShowEvent *event)
         setLocale(owner->locale());
         setFont(TextStyles::environment.font(owner->locale()));
     }
-    QMenu::showEvent(event);
 }
