@@ -16,9 +16,6 @@
 
 namespace {
 
-/// ICCCM, 4.1.3.1: the first value of WM_STATE.
-constexpr uint32_t iconic = 3;
-
 bool isViewable(const X11Session &session, xcb_window_t window)
 {
     const auto request = xcb_get_window_attributes(session.connection(), window);
@@ -27,38 +24,10 @@ bool isViewable(const X11Session &session, xcb_window_t window)
     return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
-std::optional<uint32_t> firstValue(const X11Session &session, xcb_window_t window, xcb_atom_t name)
-{
-    const auto request =
-        xcb_get_property(session.connection(), 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, 1);
-    const auto reply = owned(xcb_get_property_reply(session.connection(), request, nullptr));
-    if (!reply || reply->format != 32 || reply->value_len == 0)
-        return std::nullopt;
-    return *static_cast<const uint32_t *>(xcb_get_property_value(reply.get()));
-}
-
-bool hasState(X11Session &session, xcb_window_t window, xcb_atom_t state)
-{
-    xcb_ewmh_get_atoms_reply_t states{};
-    const auto request = xcb_ewmh_get_wm_state(&session.ewmh(), window);
-    if (!xcb_ewmh_get_wm_state_reply(&session.ewmh(), request, &states, nullptr))
-        return false;
-    const bool isFound = std::find(states.atoms, states.atoms + states.atoms_len, state) !=
-                         states.atoms + states.atoms_len;
-    xcb_ewmh_get_atoms_reply_wipe(&states);
-    return isFound;
-}
-
-bool isMinimised(X11Session &session, xcb_window_t window)
-{
-    return firstValue(session, window, session.stateProperty()) == iconic ||
-           hasState(session, window, session.ewmh()._NET_WM_STATE_HIDDEN);
-}
-
 bool isOnCurrentWorkspace(X11Session &session, xcb_window_t window)
 {
-    const auto own = firstValue(session, window, session.ewmh()._NET_WM_DESKTOP);
-    const auto current = firstValue(session, session.root(), session.ewmh()._NET_CURRENT_DESKTOP);
+    const auto own = session.value(window, session.ewmh()._NET_WM_DESKTOP);
+    const auto current = session.value(session.root(), session.ewmh()._NET_CURRENT_DESKTOP);
     return !own || !current || *own == PanelHints::onAllDesktops || own == current;
 }
 
@@ -106,7 +75,7 @@ bool holdsManagedWindow(const X11Session &session, xcb_window_t window)
     for (int depth = 0; depth <= mostFrames; ++depth) {
         std::vector<xcb_window_t> next;
         for (const xcb_window_t one : level) {
-            if (firstValue(session, one, session.stateProperty()))
+            if (session.value(one, session.stateProperty()))
                 return true;
             const std::vector<xcb_window_t> inner = children(session, one);
             next.insert(next.end(), inner.begin(), inner.end());
@@ -269,7 +238,7 @@ PresenceWatch::Presence PresenceWatch::presence() const
     const xcb_window_t window = X11Session::window(m_window);
     if (m_care == Care::unmanaged)
         return isViewable(session, window) ? Presence::here : Presence::away;
-    if (isMinimised(session, window))
+    if (session.isMinimised(window))
         return Presence::minimised;
     if (!isViewable(session, window) || !isOnCurrentWorkspace(session, window))
         return Presence::away;

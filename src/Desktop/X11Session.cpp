@@ -7,6 +7,7 @@
 #include <QInputEvent>
 #include <QPointer>
 #include <QWidget>
+#include <algorithm>
 #include <string_view>
 
 namespace {
@@ -55,6 +56,32 @@ xcb_window_t X11Session::root() const noexcept
 xcb_atom_t X11Session::compositorSelection() const noexcept
 {
     return m_ewmh._NET_WM_CM_Sn[screenNumber];
+}
+
+std::optional<uint32_t> X11Session::value(xcb_window_t window, xcb_atom_t property) const
+{
+    const auto request =
+        xcb_get_property(connection(), 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 1);
+    const auto reply = owned(xcb_get_property_reply(connection(), request, nullptr));
+    if (!reply || reply->format != 32 || reply->value_len == 0)
+        return std::nullopt;
+    return *static_cast<const uint32_t *>(xcb_get_property_value(reply.get()));
+}
+
+bool X11Session::isMinimised(xcb_window_t window)
+{
+    constexpr uint32_t iconic = 3; // ICCCM, 4.1.3.1: the first value of WM_STATE.
+    if (value(window, m_stateProperty) == iconic)
+        return true;
+    xcb_ewmh_get_atoms_reply_t states{};
+    const auto request = xcb_ewmh_get_wm_state(&m_ewmh, window);
+    if (!xcb_ewmh_get_wm_state_reply(&m_ewmh, request, &states, nullptr))
+        return false;
+    const bool isHidden =
+        std::any_of(states.atoms, states.atoms + states.atoms_len,
+                    [this](xcb_atom_t state) { return state == m_ewmh._NET_WM_STATE_HIDDEN; });
+    xcb_ewmh_get_atoms_reply_wipe(&states);
+    return isHidden;
 }
 
 xcb_timestamp_t X11Session::userTime() const

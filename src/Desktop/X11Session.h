@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <optional>
 #include <string_view>
 #include <xcb/xcb_ewmh.h>
 
@@ -30,6 +31,11 @@ public:
 
     /// WM_STATE, where a window manager says what it has made of a window.
     [[nodiscard]] xcb_atom_t stateProperty() const noexcept { return m_stateProperty; }
+
+    /// The first number in a property; nothing when there is none.
+    [[nodiscard]] std::optional<uint32_t> value(xcb_window_t window, xcb_atom_t property) const;
+
+    [[nodiscard]] bool isMinimised(xcb_window_t window);
 
     /// The time to give for something that happens now because of the user.
     [[nodiscard]] xcb_timestamp_t userTime() const;

@@ -83,6 +83,7 @@ void FloatingPanelController::expand()
     // The editor comes to where the launcher is left.
     m_launcherView->endDrag();
     m_previousApplication = m_focus.frontmost();
+    m_lastBeforeOpening = m_focus.lastWorkedIn();
     m_isExpanded = true;
     m_isWarm = true;
     m_store.takeInChanges();
@@ -129,12 +130,22 @@ void FloatingPanelController::fold(Handover handover)
     m_isExpanded = false;
     m_editor.hide();
     m_launcher.show();
-    if (handover == Handover::toPreviousApplication && m_previousApplication &&
-        m_previousApplication->processId != QCoreApplication::applicationPid())
-        m_focus.activate(*m_previousApplication);
+    if (handover == Handover::toPreviousApplication)
+        giveKeyboardBack();
 
     // The next expand() makes a fresh workspace: none is kept all day behind the launcher.
     m_editor.setContent(nullptr);
+}
+
+void FloatingPanelController::giveKeyboardBack()
+{
+    // Where the user went on to meanwhile, or else where the user came from. Nobody had the
+    // keyboard where a native Wayland window has: the compositor gives it back by itself.
+    const std::optional<RunningApplication> &last = m_focus.lastWorkedIn();
+    const std::optional<RunningApplication> user =
+        last && last != m_lastBeforeOpening ? last : m_previousApplication;
+    if (user && user->processId != QCoreApplication::applicationPid())
+        m_focus.activate(*user);
 }
 
 void FloatingPanelController::followLostEditor()

@@ -62,11 +62,12 @@ Q_SIGNALS:
     void quitRequested();
 
 private:
-    /// Whom to give the keyboard to when the editor folds.
+    /// Who gets the keyboard when the editor folds.
     enum class Handover { toPreviousApplication, toNobody };
 
     [[nodiscard]] bool write();
     void fold(Handover handover);
+    void giveKeyboardBack();
     void followLostEditor();
 
     [[nodiscard]] QWidget *makeLauncherContent();
@@ -107,6 +108,7 @@ private:
     std::optional<Point> m_dragOrigin;
     /// Who had the keyboard when the editor last opened.
     std::optional<RunningApplication> m_previousApplication;
+    std::optional<RunningApplication> m_lastBeforeOpening;
     bool m_isExpanded = false;
     bool m_isWarm = false;
 };

@@ -82,6 +82,7 @@ private Q_SLOTS:
     void tellsTheWayOutWhenItCannotFold();
 
     void givesTheKeyboardBack();
+    void givesTheKeyboardToTheWindowThatTheUserLastWorkedIn();
     void givesTheKeyboardBackToNobodyWhenNobodyHadIt();
     void doesNotActivateItself();
     void asksForTheFrontmostProgramAtEachOpening();
@@ -633,6 +634,19 @@ void FloatingPanelControllerTest::givesTheKeyboardBack()
     m_controller->collapse();
 
     QCOMPARE(m_focus->activated, QList{otherProgram});
+}
+
+void FloatingPanelControllerTest::givesTheKeyboardToTheWindowThatTheUserLastWorkedIn()
+{
+    constexpr RunningApplication later{0x700001, 4712};
+    make();
+    m_focus->current = otherProgram;
+    m_controller->expand();
+    m_focus->last = later;
+
+    m_controller->collapse();
+
+    QCOMPARE(m_focus->activated, QList{later});
 }
 
 void FloatingPanelControllerTest::givesTheKeyboardBackToNobodyWhenNobodyHadIt()

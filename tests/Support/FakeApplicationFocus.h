@@ -9,8 +9,10 @@
 class FakeApplicationFocus final : public ApplicationFocus {
 public:
     [[nodiscard]] std::optional<RunningApplication> frontmost() const override { return current; }
+    [[nodiscard]] std::optional<RunningApplication> lastWorkedIn() const override { return last; }
     void activate(const RunningApplication &application) override { activated.append(application); }
 
     std::optional<RunningApplication> current;
+    std::optional<RunningApplication> last;
     QList<RunningApplication> activated;
 };

@@ -1,0 +1,62 @@
+# SPDX-License-Identifier: MIT
+"""Who has the keyboard after the editor has folded."""
+
+from harness import DesktopTest, main, until
+from harness.waiting import holds_for
+
+
+class Keyboard(DesktopTest):
+    def setUp(self):
+        super().setUp()
+        self.first = self.open_text_window("First")
+        self.quillmark = self.start()
+
+    def fold(self):
+        self.keyboard.press("Escape")
+        self.quillmark.launcher()
+
+    def open_again(self, editor):
+        """As a click into the editor does."""
+        self.windows.activate(editor.id)
+        until(lambda: self.windows.has_input(editor.id), "the editor has the keyboard")
+
+    def test_it_goes_to_the_window_that_was_last_worked_in(self):
+        second = self.open_text_window("Second", x=200, y=200)
+        self.windows.activate(self.first.id)
+        until(lambda: self.windows.has_input(self.first.id), "the first one has the keyboard")
+        editor = self.quillmark.open_editor()
+        self.windows.activate(second.id)
+        until(lambda: self.windows.has_input(second.id) and self.windows.active() == second.id,
+              "the user works elsewhere")
+        self.open_again(editor)
+
+        self.fold()
+
+        until(lambda: self.windows.has_input(second.id), "it is where the user last was")
+
+    def test_the_workspace_stays(self):
+        self.addCleanup(self.desktop.switch_workspace, 0)
+        editor = self.quillmark.open_editor()
+        self.desktop.switch_workspace(1)
+        self.open_again(editor)
+
+        self.fold()
+
+        holds_for(0.5, lambda: self.windows.workspace() == 1, "the workspace is the same")
+
+    def test_what_is_minimised_stays_so(self):
+        if self.desktop.window_manager == "i3":
+            self.skipTest("this window manager minimises nothing")
+        editor = self.quillmark.open_editor()
+        self.windows.minimise(self.first.id)
+        first = self.windows.find(self.first.id)
+        until(lambda: "_NET_WM_STATE_HIDDEN" in first.states(), "it is minimised")
+        self.open_again(editor)
+
+        self.fold()
+
+        holds_for(0.5, lambda: "_NET_WM_STATE_HIDDEN" in first.states(), "it is still")
+
+
+if __name__ == "__main__":
+    main()
