@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Screens.h"
 
+#include "Struts.h"
+#include "X11Session.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -11,6 +14,20 @@ QPointF origin()
 {
     const QScreen *const primary = QGuiApplication::primaryScreen();
     return primary ? QRectF(primary->geometry()).bottomLeft() : QPointF();
+}
+
+/// Raw X coordinates are device pixels; Qt scales about the top left corner of the screen.
+QRect availablePart(const QScreen &screen, const QList<Strut> &struts)
+{
+    const QRect all = screen.geometry();
+    const double scale = screen.devicePixelRatio();
+    const QRect native(all.topLeft(), (QSizeF(all.size()) * scale).toSize());
+    const QRect rest = Struts::remaining(native, Struts::wholeSize(), struts);
+    if (rest == native)
+        return screen.availableGeometry();
+    const QRectF scaled((rest.topLeft() - native.topLeft()).toPointF() / scale,
+                        rest.size().toSizeF() / scale);
+    return scaled.translated(all.topLeft()).toAlignedRect() & screen.availableGeometry();
 }
 
 } // namespace
@@ -31,24 +48,51 @@ DesktopScreens::DesktopScreens(QObject *parent)
     });
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, &DesktopScreens::announce);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &DesktopScreens::announce);
+    if (X11Session::current())
+        qGuiApp->installNativeEventFilter(this);
+}
+
+DesktopScreens::~DesktopScreens()
+{
+    if (qGuiApp)
+        qGuiApp->removeNativeEventFilter(this);
 }
 
 QList<Screen> DesktopScreens::all() const
 {
-    QList<Screen> result;
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    for (const QScreen *screen : screens) {
-        result.append({fromQt(screen->geometry()), fromQt(screen->availableGeometry())});
-    }
-    return result;
+    return describe(QGuiApplication::screens());
 }
 
 std::optional<Screen> DesktopScreens::main() const
 {
-    const QScreen *const primary = QGuiApplication::primaryScreen();
+    QScreen *const primary = QGuiApplication::primaryScreen();
     if (!primary)
         return std::nullopt;
-    return Screen{fromQt(primary->geometry()), fromQt(primary->availableGeometry())};
+    return describe({primary}).first();
+}
+
+QList<Screen> DesktopScreens::describe(const QList<QScreen *> &screens) const
+{
+    // Of several screens Qt takes all of each for available.
+    const bool areSeveral = QGuiApplication::screens().size() > 1;
+    const QList<Strut> struts = areSeveral ? Struts::all() : QList<Strut>();
+    QList<Screen> result;
+    for (const QScreen *const screen : screens)
+        result.append({fromQt(screen->geometry()), fromQt(availablePart(*screen, struts))});
+    return result;
+}
+
+bool DesktopScreens::nativeEventFilter(const QByteArray & /*eventType*/, void *message,
+                                       qintptr * /*result*/)
+{
+    X11Session *const session = X11Session::current();
+    const auto &event = *static_cast<xcb_generic_event_t *>(message);
+    if (session && X11Session::eventType(event) == XCB_PROPERTY_NOTIFY) {
+        const auto &change = reinterpret_cast<const xcb_property_notify_event_t &>(event);
+        if (change.window == session->root() && change.atom == session->ewmh()._NET_WORKAREA)
+            announce();
+    }
+    return false;
 }
 
 Rect DesktopScreens::fromQt(const QRect &rect) const

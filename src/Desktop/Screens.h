@@ -3,11 +3,14 @@
 
 #include "Geometry.h"
 
+#include <QAbstractNativeEventFilter>
 #include <QList>
 #include <QObject>
 #include <QPointF>
 #include <QRect>
 #include <optional>
+
+class QScreen;
 
 /// One screen: all of it, and what panels and docks leave free.
 struct Screen {
@@ -41,11 +44,14 @@ Q_SIGNALS:
 };
 
 /// The screens of the running desktop. One rearrangement is one changed(), once it is complete.
-class DesktopScreens final : public Screens {
+class DesktopScreens final : public Screens, public QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
     explicit DesktopScreens(QObject *parent = nullptr);
+    ~DesktopScreens() override;
+
+    bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
 
     [[nodiscard]] QList<Screen> all() const override;
     [[nodiscard]] std::optional<Screen> main() const override;
@@ -54,6 +60,7 @@ public:
     [[nodiscard]] QRect toQt(const Rect &rect) const override;
 
 private:
+    [[nodiscard]] QList<Screen> describe(const QList<QScreen *> &screens) const;
     void announce();
 
     bool m_isAnnounced = false;

@@ -57,6 +57,7 @@ void FloatingPanel::setContent(QWidget *content)
 void FloatingPanel::place(const QRect &frame)
 {
     m_place = frame.topLeft();
+    setFixedSize(frame.size());
     setGeometry(frame);
 }
 

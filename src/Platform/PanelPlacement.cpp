@@ -47,8 +47,9 @@ Point PanelPlacement::defaultLauncherOrigin(const Rect &visibleArea)
 
 Rect PanelPlacement::editorFrame(const Rect &launcher, const Rect &visibleArea)
 {
-    constexpr Size editor{Metrics::panelSize.width(), Metrics::panelSize.height()};
-    const Rect over{launcher.maxX() - editor.width, launcher.maxY() - editor.height, editor.width,
-                    editor.height};
+    constexpr double width = Metrics::panelSize.width();
+    const double height =
+        std::min<double>(Metrics::panelSize.height(), visibleArea.height - 2 * screenInset);
+    const Rect over{launcher.maxX() - width, launcher.maxY() - height, width, height};
     return clamped(over, visibleArea, screenInset);
 }

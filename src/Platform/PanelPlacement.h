@@ -31,7 +31,8 @@ inline constexpr Rect fallbackArea{0, 0, 1440, 900};
 /// The launcher's first place: near the top right corner of the main screen's visible area.
 [[nodiscard]] Point defaultLauncherOrigin(const Rect &visibleArea);
 
-/// The editor over the launcher, their top right corners together, clamped into the area.
+/// The editor over the launcher, their top right corners together, clamped into the area. Lower
+/// than usual where the area is, so that its head can be reached.
 [[nodiscard]] Rect editorFrame(const Rect &launcher, const Rect &visibleArea);
 
 } // namespace PanelPlacement

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void keepsTheEditorOnTheScreenForALauncherAtTheLeftEdge();
     void keepsTheEditorOnTheScreenForALauncherAtTheBottom();
 
+    void makesTheEditorLowerOnALowScreen();
     void takesTheScreenThatHoldsTheLaunchersCentre();
     void takesTheFirstOfScreensThatOverlap();
     void fallsBackToTheMainScreenInAGapBetweenScreens();
@@ -103,6 +104,15 @@ void PanelPlacementTest::keepsTheEditorOnTheScreenForALauncherAtTheLeftEdge()
 void PanelPlacementTest::keepsTheEditorOnTheScreenForALauncherAtTheBottom()
 {
     QCOMPARE(PanelPlacement::editorFrame(launcherAt(1300, 12), area), (Rect{940, 12, 424, 560}));
+}
+
+void PanelPlacementTest::makesTheEditorLowerOnALowScreen()
+{
+    const Rect low{0, 40, 960, 500};
+
+    QCOMPARE(PanelPlacement::editorFrame(launcherAt(872, 432), low), (Rect{512, 52, 424, 476}));
+    QCOMPARE(PanelPlacement::editorFrame(launcherAt(872, 432), (Rect{0, 0, 960, 584})),
+             (Rect{512, 12, 424, 560}));
 }
 
 void PanelPlacementTest::takesTheScreenThatHoldsTheLaunchersCentre()

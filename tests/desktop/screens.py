@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """Two monitors side by side, and what happens when one is pulled out."""
 
+from Xlib import Xatom
+
 from harness import DesktopTest, main, until
 
 # Width in pixels and millimetres, height in both, and the place of the left upper corner.
@@ -38,6 +40,20 @@ class Screens(DesktopTest):
         quillmark = self.start()
 
         self.expect_place(quillmark.launcher(), (960 - 88, 44, 64, 64))
+
+    def test_a_panel_is_left_free_on_its_monitor_alone(self):
+        panel = self.open_text_window("Panel", focused=False, x=0, y=0, width=960, height=100)
+        self.windows.find(panel.id)._window.change_property(
+            self.desktop.display.intern_atom("_NET_WM_STRUT_PARTIAL"), Xatom.CARDINAL, 32,
+            [0, 0, 100, 0, 0, 0, 0, 0, 0, 959, 0, 0])
+        self.desktop.display.sync()
+        quillmark = self.start()
+
+        self.expect_place(quillmark.launcher(), (960 - 88, 144, 64, 64))
+        self.mouse.drag(quillmark.launcher().centre(), (400, 20))
+        self.expect_place(quillmark.launcher(), (368, 112, 64, 64))
+        self.mouse.drag(quillmark.launcher().centre(), (1400, 20))
+        self.expect_place(quillmark.launcher(), (1368, 12, 64, 64))
 
     def test_the_editor_opens_on_the_monitor_of_the_bubble(self):
         quillmark = self.start()

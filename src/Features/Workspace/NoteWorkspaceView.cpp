@@ -51,7 +51,11 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     , m_tagline(named(u"tagline"_s, new TextLabel(TextStyles::footer, this)))
 {
     setObjectName(u"noteWorkspace"_s);
-    setFixedSize(Metrics::panelSize);
+    setFixedWidth(Metrics::panelSize.width());
+    // Lower on a screen that is. What is inside gives way.
+    setMinimumHeight(0);
+    setMaximumHeight(Metrics::panelSize.height());
+    resize(Metrics::panelSize);
 
     auto *menu = new PreferencesMenu(
         m_preferences, [this] { return m_store.notesFolderURL(); }, this);
