@@ -7,6 +7,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 /// Qt's global position of the origin of y-up coordinates: the primary screen's bottom left corner.
@@ -69,6 +71,23 @@ std::optional<Screen> DesktopScreens::main() const
     if (!primary)
         return std::nullopt;
     return describe({primary}).first();
+}
+
+QString DesktopScreens::arrangement() const
+{
+    QStringList result;
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (const QScreen *const screen : screens) {
+        const QRect place = screen->geometry();
+        result.append(u"%1 %2,%3 %4x%5 @%6"_s.arg(screen->name())
+                          .arg(place.x())
+                          .arg(place.y())
+                          .arg(place.width())
+                          .arg(place.height())
+                          .arg(screen->devicePixelRatio()));
+    }
+    result.sort();
+    return result.join(u'\n');
 }
 
 QList<Screen> DesktopScreens::describe(const QList<QScreen *> &screens) const

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPointF>
 #include <QRect>
+#include <QString>
 #include <optional>
 
 class QScreen;
@@ -33,6 +34,10 @@ public:
     /// The user's primary screen; nothing while no screen is connected.
     [[nodiscard]] virtual std::optional<Screen> main() const = 0;
 
+    /// The same for the same screens at the same places, at the same scale; whatever panels leave
+    /// free of them.
+    [[nodiscard]] virtual QString arrangement() const = 0;
+
     /// Between y-up points and Qt's y-down global coordinates.
     [[nodiscard]] virtual Rect fromQt(const QRect &rect) const = 0;
     [[nodiscard]] virtual Point fromQt(QPointF point) const = 0;
@@ -55,6 +60,7 @@ public:
 
     [[nodiscard]] QList<Screen> all() const override;
     [[nodiscard]] std::optional<Screen> main() const override;
+    [[nodiscard]] QString arrangement() const override;
     [[nodiscard]] Rect fromQt(const QRect &rect) const override;
     [[nodiscard]] Point fromQt(QPointF point) const override;
     [[nodiscard]] QRect toQt(const Rect &rect) const override;

@@ -43,7 +43,8 @@ Rect launcherAt(Point origin)
 FloatingPanelController::FloatingPanelController(NoteStore &store, AppPreferences &preferences,
                                                  QSettings &defaults, bool remembersPosition,
                                                  SystemAppearance &system, Screens &screens,
-                                                 ApplicationFocus &focus, QObject *parent)
+                                                 ApplicationFocus &focus, const QString &placesFile,
+                                                 QObject *parent)
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
@@ -52,6 +53,8 @@ FloatingPanelController::FloatingPanelController(NoteStore &store, AppPreference
     , m_system(system)
     , m_screens(screens)
     , m_focus(focus)
+    , m_places(placesFile)
+    , m_arrangement(screens.arrangement())
     , m_launcher(FloatingPanel::Kind::launcher, Metrics::launcherSize)
     , m_editor(FloatingPanel::Kind::editor, Metrics::panelSize)
 {
@@ -234,11 +237,18 @@ void FloatingPanelController::moveLauncher(LauncherInteraction::Translation tran
     m_dragOrigin.reset();
     clampLauncher(moved);
     savePosition();
+    if (m_remembersPosition) {
+        const Rect chosen = launcherFrame();
+        m_places.choose(m_arrangement, {chosen.x, chosen.y});
+    }
 }
 
 void FloatingPanelController::followScreens()
 {
-    clampLauncher(launcherFrame());
+    const QString earlier = std::exchange(m_arrangement, m_screens.arrangement());
+    const std::optional<Point> chosen =
+        m_remembersPosition && earlier != m_arrangement ? m_places.in(m_arrangement) : std::nullopt;
+    clampLauncher(chosen ? launcherAt(*chosen) : launcherFrame());
     if (m_isExpanded)
         placeEditor();
     savePosition();
@@ -260,12 +270,18 @@ void FloatingPanelController::savePosition()
     m_defaults.setValue(launcherXKey, frame.minX());
     m_defaults.setValue(launcherYKey, frame.minY());
     m_defaults.sync();
+    m_places.noteStored({frame.minX(), frame.minY()});
 }
 
 Point FloatingPanelController::rememberedOrigin() const
 {
-    if (m_remembersPosition && m_defaults.contains(launcherXKey))
-        return {number(m_defaults.value(launcherXKey)), number(m_defaults.value(launcherYKey))};
+    if (m_remembersPosition && m_defaults.contains(launcherXKey)) {
+        const Point stored{number(m_defaults.value(launcherXKey)),
+                           number(m_defaults.value(launcherYKey))};
+        // Unless another hand has changed it since.
+        return m_places.lastStored() == stored ? m_places.in(m_arrangement).value_or(stored)
+                                               : stored;
+    }
     return PanelPlacement::defaultLauncherOrigin(PanelPlacement::visibleArea(m_screens.main()));
 }
 

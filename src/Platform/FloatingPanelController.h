@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ApplicationFocus.h"
+#include "ChosenPlaces.h"
 #include "DroppedText.h"
 #include "FloatingPanel.h"
 #include "Geometry.h"
@@ -34,9 +35,12 @@ public:
     static constexpr auto launcherYKey = "launcher.y";
 
     /// Shows nothing yet. Everything given must outlive the controller.
+    /// The file of places is that of ChosenPlaces.
     FloatingPanelController(NoteStore &store, AppPreferences &preferences, QSettings &defaults,
                             bool remembersPosition, SystemAppearance &system, Screens &screens,
-                            ApplicationFocus &focus, QObject *parent = nullptr);
+                            ApplicationFocus &focus,
+                            const QString &placesFile = ChosenPlaces::defaultPath(),
+                            QObject *parent = nullptr);
     ~FloatingPanelController() override;
 
     [[nodiscard]] FloatingPanel &launcher() noexcept { return m_launcher; }
@@ -97,6 +101,9 @@ private:
     Screens &m_screens;
     ApplicationFocus &m_focus;
 
+    ChosenPlaces m_places;
+    /// What m_places was last asked for.
+    QString m_arrangement;
     const StrayPressFilter m_strayPresses;
     FloatingPanel m_launcher;
     FloatingPanel m_editor;

@@ -91,6 +91,9 @@ private Q_SLOTS:
     void followsTheSystemsScheme();
     void retitlesOnlyTheLauncher();
     void bringsBothPanelsToTheMainScreenWhenTheirsIsPulledOut();
+    void returnsToTheChosenPlaceWithItsScreens();
+    void startsAtTheChosenPlaceOfItsScreens();
+    void startsWhereAnotherHandPutIt();
     void staysFoldedWhenTheScreensChange();
     void rehomesOnAFixedAreaWithoutAnyScreen();
     void asksToQuit();
@@ -139,7 +142,8 @@ void FloatingPanelControllerTest::cleanup()
 void FloatingPanelControllerTest::make(bool remembersPosition)
 {
     m_controller = std::make_unique<FloatingPanelController>(
-        *m_store, *m_preferences, *m_defaults, remembersPosition, *m_system, *m_screens, *m_focus);
+        *m_store, *m_preferences, *m_defaults, remembersPosition, *m_system, *m_screens, *m_focus,
+        m_folder->filePath(u"places"_s));
 }
 
 void FloatingPanelControllerTest::remember(const QVariant &x, const QVariant &y)
@@ -740,6 +744,48 @@ void FloatingPanelControllerTest::bringsBothPanelsToTheMainScreenWhenTheirsIsPul
     QCOMPARE(launcherFrame(), (Rect{1364, 300, 64, 64}));
     QCOMPARE(editorFrame(), (Rect{1004, 12, 424, 560}));
     QCOMPARE(remembered(), QPointF(1364, 300));
+}
+
+void FloatingPanelControllerTest::returnsToTheChosenPlaceWithItsScreens()
+{
+    m_screens->set({bareScreen, secondScreen});
+    make();
+    drag({400, 100}, true);
+    const Rect chosen = launcherFrame();
+
+    m_screens->set({bareScreen});
+    QVERIFY(launcherFrame() != chosen);
+    m_screens->set({bareScreen, secondScreen});
+
+    QCOMPARE(launcherFrame(), chosen);
+    QCOMPARE(remembered(), QPointF(chosen.x, chosen.y));
+}
+
+void FloatingPanelControllerTest::startsAtTheChosenPlaceOfItsScreens()
+{
+    m_screens->set({bareScreen, secondScreen});
+    make();
+    drag({400, 100}, true);
+    const Rect chosen = launcherFrame();
+    m_screens->set({bareScreen});
+    m_controller.reset();
+    m_screens->set({bareScreen, secondScreen});
+
+    make();
+
+    QCOMPARE(launcherFrame(), chosen);
+}
+
+void FloatingPanelControllerTest::startsWhereAnotherHandPutIt()
+{
+    make();
+    drag({-400, 100}, true);
+    m_controller.reset();
+    remember(300.0, 200.0);
+
+    make();
+
+    QCOMPARE(launcherFrame(), (Rect{300, 200, 64, 64}));
 }
 
 void FloatingPanelControllerTest::staysFoldedWhenTheScreensChange()

@@ -21,6 +21,15 @@ public:
         return m_screens.isEmpty() ? std::nullopt : std::optional(m_screens.first());
     }
 
+    [[nodiscard]] QString arrangement() const override
+    {
+        QString result;
+        for (const Screen &screen : m_screens)
+            result +=
+                QString::number(screen.frame.x) + u' ' + QString::number(screen.frame.width) + u';';
+        return result;
+    }
+
     [[nodiscard]] Rect fromQt(const QRect &rect) const override
     {
         return {double(rect.x()), top() - rect.y() - rect.height(), double(rect.width()),

@@ -63,6 +63,18 @@ class Screens(DesktopTest):
 
         self.expect_place(editor, (972, 268, 424, 560))
 
+    def test_the_chosen_place_returns_with_the_monitor(self):
+        quillmark = self.start()
+        launcher = self.drag_to_right_monitor(quillmark)
+        self.pull_out_right()
+        self.expect_place(launcher, (960 - 64 - 12, 268, 64, 64))
+
+        self.desktop.run(["xrandr", "--setmonitor", "Right", RIGHT, "none"])
+        self.right_is_there = True
+
+        self.expect_place(launcher, (972, 268, 64, 64))
+        until(lambda: quillmark.settings().get("launcher.x") == "972", "the settings follow")
+
     def test_a_monitor_pulled_out_takes_nothing_with_it(self):
         quillmark = self.start()
         launcher = self.drag_to_right_monitor(quillmark)
