@@ -219,6 +219,10 @@ with a quick note.</translation>
         <translation>Copy</translation>
     </message>
     <message>
+        <source>Copied</source>
+        <translation>Copied</translation>
+    </message>
+    <message>
         <source>Paste</source>
         <translation>Paste</translation>
     </message>

@@ -219,6 +219,10 @@ with a quick note.</source>
         <translation>复制</translation>
     </message>
     <message>
+        <source>Copied</source>
+        <translation>已复制</translation>
+    </message>
+    <message>
         <source>Paste</source>
         <translation>粘贴</translation>
     </message>

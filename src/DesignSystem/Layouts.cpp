@@ -77,13 +77,17 @@ void column(QWidget *widget, std::initializer_list<LayoutItem> items, LayoutSpac
     fill(new QVBoxLayout(widget), items, spacing, {});
 }
 
-void replace(QLayout *layout, QWidget *earlier, QWidget *widget)
+void replace(QLayout *layout, QWidget *earlier, QWidget *widget,
+             const std::function<void()> &between)
 {
-    if (earlier) {
-        earlier->hide();
+    if (earlier)
         layout->removeWidget(earlier);
-        earlier->deleteLater();
-    }
     if (widget)
         layout->addWidget(widget);
+    if (between)
+        between();
+    if (earlier) {
+        earlier->hide();
+        earlier->deleteLater();
+    }
 }

@@ -3,6 +3,7 @@
 
 #include <QMargins>
 #include <Qt>
+#include <functional>
 #include <initializer_list>
 
 class QBoxLayout;
@@ -65,5 +66,7 @@ void row(QWidget *widget, std::initializer_list<LayoutItem> items, LayoutSpacing
 void column(QWidget *widget, std::initializer_list<LayoutItem> items, LayoutSpacing spacing = {});
 
 /// Puts a widget into the layout in place of an earlier one; either may be none. The earlier one is
-/// deleted once its own code has returned, since it may be what asks.
-void replace(QLayout *layout, QWidget *earlier, QWidget *widget);
+/// deleted once its own code has returned, since it may be what asks. What is to be done while both
+/// are there is for giving the keyboard from one to the other.
+void replace(QLayout *layout, QWidget *earlier, QWidget *widget,
+             const std::function<void()> &between = {});

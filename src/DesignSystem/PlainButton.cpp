@@ -6,8 +6,60 @@
 #include "Symbol.h"
 #include "TextLine.h"
 
+#include <QAccessibleWidget>
 #include <QPainter>
 #include <QStyle>
+
+namespace {
+
+/// Qt's own interface of a button would do nothing when the checked one of several is to be
+/// checked.
+class TabInterface final : public QAccessibleWidget {
+public:
+    explicit TabInterface(PlainButton *tab)
+        : QAccessibleWidget(tab, QAccessible::RadioButton)
+        , m_tab(tab)
+    {
+    }
+
+    [[nodiscard]] QString text(QAccessible::Text kind) const override
+    {
+        return kind == QAccessible::Name ? m_tab->text() : QAccessibleWidget::text(kind);
+    }
+
+    [[nodiscard]] QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = true;
+        state.checked = m_tab->isChecked();
+        state.pressed = m_tab->isDown();
+        return state;
+    }
+
+    [[nodiscard]] QStringList actionNames() const override
+    {
+        return QStringList{toggleAction(), pressAction()} + QAccessibleWidget::actionNames();
+    }
+
+    void doAction(const QString &name) override
+    {
+        if (name == toggleAction() || name == pressAction())
+            m_tab->click();
+        else
+            QAccessibleWidget::doAction(name);
+    }
+
+private:
+    PlainButton *const m_tab;
+};
+
+QAccessibleInterface *makeInterface(const QString & /*className*/, QObject *object)
+{
+    auto *const button = qobject_cast<PlainButton *>(object);
+    return button && button->isCheckable() ? new TabInterface(button) : nullptr;
+}
+
+} // namespace
 
 PlainButton::PlainButton(const TextStyle &style, const QString &symbol, QWidget *parent)
     : ThemedButton(style, parent)
@@ -17,6 +69,8 @@ PlainButton::PlainButton(const TextStyle &style, const QString &symbol, QWidget 
 
 PlainButton *PlainButton::makeTab(QWidget *parent)
 {
+    // Qt keeps each factory once, however often it is installed.
+    QAccessible::installFactory(makeInterface);
     auto *tab = new PlainButton(TextStyles::tab, {}, parent);
     tab->setCheckable(true);
     tab->setAutoExclusive(true);
@@ -34,6 +88,13 @@ QSize PlainButton::sizeHint() const
         label.setHeight(std::max(label.height(), symbol.height()));
     }
     return label.grownBy(m_padding);
+}
+
+void PlainButton::focusInEvent(QFocusEvent *event)
+{
+    // Not QAbstractButton's, which takes the other tabs out of the order of Tab, so that it would
+    // stop at the one that had the keyboard last and not at the one that is checked.
+    QWidget::focusInEvent(event);
 }
 
 void PlainButton::paintEvent(QPaintEvent *)
@@ -61,5 +122,6 @@ void PlainButton::paintEvent(QPaintEvent *)
     painter.setFont(font());
     painter.setPen(color);
     TextLine::paint(painter, QStyle::visualRect(layoutDirection(), rect(), label), text());
-    FocusRing::paint(painter, this, rect(), std::min(radius, Metrics::focusRingRadius));
+    FocusRing::paint(painter, this, rect(),
+                     isCheckable() ? radius : std::min(radius, Metrics::focusRingRadius));
 }

@@ -14,12 +14,14 @@ public:
     explicit PlainButton(const TextStyle &style, const QString &symbol = {},
                          QWidget *parent = nullptr);
 
-    /// A tab of a row of tabs: checkable and padded.
+    /// A tab of a row of tabs: checkable and padded. Tab stops at each of them. To check it with
+    /// assistive tools is to click it, also when it is checked.
     [[nodiscard]] static PlainButton *makeTab(QWidget *parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
+    void focusInEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

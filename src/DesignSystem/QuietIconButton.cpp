@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "QuietIconButton.h"
 
+#include "AccessibleRole.h"
 #include "FocusRing.h"
 #include "Metrics.h"
 #include "Symbol.h"
@@ -29,7 +30,7 @@ void QuietIconButton::setSymbol(const QString &symbol)
 void QuietIconButton::setLabel(const QString &label)
 {
     setToolTip(label);
-    setAccessibleName(label);
+    setAccessibleText(this, label);
 }
 
 QSize QuietIconButton::sizeHint() const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserText.h"
 
+#include <QTextBoundaryFinder>
 #include <algorithm>
 #include <memory>
 #include <unicode/brkiter.h>
@@ -57,6 +58,25 @@ qsizetype characterCount(QStringView text)
         count += at - begin == 1 ? 1 : countByRules(text.sliced(begin, at - begin));
     }
     return count;
+}
+
+QString beginning(const QString &text, qsizetype mostCodePoints)
+{
+    qsizetype end = 0;
+    for (qsizetype count = 0; count < mostCodePoints && end < text.size(); ++count)
+        end +=
+            text[end].isHighSurrogate() && end + 1 < text.size() && text[end + 1].isLowSurrogate()
+                ? 2
+                : 1;
+    if (end == text.size())
+        return text;
+    // What follows decides whether a character ends there.
+    constexpr qsizetype following = 2;
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text.left(end + following));
+    characters.setPosition(end);
+    if (!characters.isAtBoundary())
+        end = characters.toPreviousBoundary();
+    return text.left(end);
 }
 
 bool isBlank(QStringView text) noexcept

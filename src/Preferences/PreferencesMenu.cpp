@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PreferencesMenu.h"
 
+#include "AccessibleRole.h"
 #include "AppPreferences.h"
 #include "FocusRing.h"
 #include "Keys.h"
@@ -92,7 +93,7 @@ void PreferencesMenu::requestFolder()
 void PreferencesMenu::render()
 {
     setToolTip(m_preferences.text(u"Preferences"_s));
-    setAccessibleName(m_preferences.text(u"Preferences"_s));
+    setAccessibleText(this, m_preferences.text(u"Preferences"_s));
     m_languages->setTitle(m_preferences.text(u"Language"_s));
     m_appearances->setTitle(m_preferences.text(u"Appearance"_s));
     renderChoices(m_languages, allAppLanguages, m_preferences.language(), m_preferences);

@@ -45,7 +45,8 @@ private Q_SLOTS:
     void keepsThePlaceWhenNotesChange();
     void putsTheKeyboardOnANote();
     void leavesEscapeToThePanel();
-    void isAListOfButtonsForAReader();
+    void isAListOfItemsForAReader();
+    void readsTheBeginningOfAnEndlessTitleAndExcerpt();
     void opensTheNoteThatAReaderPresses();
     void changesItsTextsWithTheLanguage();
 };
@@ -418,7 +419,7 @@ void NoteLibraryViewTest::leavesEscapeToThePanel()
     screen.view.setParent(nullptr);
 }
 
-void NoteLibraryViewTest::isAListOfButtonsForAReader()
+void NoteLibraryViewTest::isAListOfItemsForAReader()
 {
     Screen screen(withManyNotes(120));
     QVERIFY(Views::show(screen.view));
@@ -430,17 +431,40 @@ void NoteLibraryViewTest::isAListOfButtonsForAReader()
     QCOMPARE(list->role(), QAccessible::List);
     QCOMPARE(list->childCount(), 120);
     QAccessibleInterface *const row = list->child(1);
-    QCOMPARE(row->role(), QAccessible::Button);
+    QCOMPARE(row->role(), QAccessible::ListItem);
     QCOMPARE(row->text(QAccessible::Name), u"Open note: note 1"_s);
+    QVERIFY(row->text(QAccessible::Description).startsWith(u"with more\n"_s));
     QCOMPARE(row->parent(), list);
     QCOMPARE(list->indexOfChild(row), 1);
     QCOMPARE(list->focusChild(), row);
     QVERIFY(row->state().focused);
+    QVERIFY(!list->state().focused);
     QVERIFY(!row->state().offscreen);
     QVERIFY(list->child(119)->state().offscreen);
     const QPoint centre = row->rect().center();
     QCOMPARE(list->childAt(centre.x(), centre.y()), row);
     QVERIFY(!list->child(120));
+}
+
+void NoteLibraryViewTest::readsTheBeginningOfAnEndlessTitleAndExcerpt()
+{
+    const QString thousand(1000, u'x');
+    Screen screen(withNotes({thousand, thousand + u"y\n"_s + thousand + u'y',
+                             QString(u"\U0001F600"_s).repeated(1001), u"e\u0301"_s.repeated(501)}));
+    const auto *const model = screen.model();
+    const auto name = [model](int row) {
+        return model->index(row, 0).data(Qt::AccessibleTextRole).toString();
+    };
+    const auto description = [model](int row) {
+        return model->index(row, 0).data(Qt::AccessibleDescriptionRole).toString();
+    };
+
+    QCOMPARE(name(0), u"Open note: "_s + thousand);
+    QCOMPARE(name(1), u"Open note: "_s + thousand);
+    QVERIFY(description(1).startsWith(thousand + u'\n'));
+    // No character is cut in two.
+    QCOMPARE(name(2), u"Open note: "_s + QString(u"\U0001F600"_s).repeated(1000));
+    QCOMPARE(name(3), u"Open note: "_s + u"e\u0301"_s.repeated(500));
 }
 
 void NoteLibraryViewTest::opensTheNoteThatAReaderPresses()

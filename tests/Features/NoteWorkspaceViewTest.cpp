@@ -590,14 +590,14 @@ void NoteWorkspaceViewTest::reachesEveryControlWithTab()
     QTRY_VERIFY(workspace.editor()->hasFocus());
 
     QStringList names;
-    for (int i = 0; i < 7; ++i) {
+    for (int i = 0; i < 8; ++i) {
         names.append(workspace.panel.focusWidget()->objectName());
         QTest::keyClick(workspace.panel.focusWidget(), Qt::Key_Tab);
     }
 
     QCOMPARE(names,
-             (QStringList{u"noteEditor"_s, u"saveNote"_s, u"captureTab"_s, u"preferencesMenu"_s,
-                          u"collapse"_s, u"retry"_s, u"noteEditor"_s}));
+             (QStringList{u"noteEditor"_s, u"saveNote"_s, u"captureTab"_s, u"libraryTab"_s,
+                          u"preferencesMenu"_s, u"collapse"_s, u"retry"_s, u"noteEditor"_s}));
 }
 
 void NoteWorkspaceViewTest::changesItsTextsAndKeepsTheNoteWhenTheLanguageChanges()

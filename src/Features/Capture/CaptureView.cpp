@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CaptureView.h"
 
+#include "AccessibleRole.h"
 #include "AppPreferences.h"
 #include "DateText.h"
 #include "Dot.h"
@@ -40,6 +41,7 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
     , m_store(store)
     , m_preferences(preferences)
     , m_clock(std::move(clock))
+    , m_dot(new Dot(Metrics::captureDot, Tone::accent, this))
     , m_date(named(u"captureDate"_s, new TextLabel(TextStyles::captureDate, this)))
     , m_title(named(u"captureTitle"_s, new TextLabel(TextStyles::screenTitle, this)))
     , m_subtitle(named(u"captureSubtitle"_s, new TextLabel(TextStyles::subtitle, this)))
@@ -55,9 +57,8 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
 {
     m_midnight.setSingleShot(true);
 
-    auto *dot = new Dot(Metrics::captureDot, Tone::accent, this);
     column(this,
-           {row({dot, m_date, stretch()}, {Metrics::captureDateSpacing, {}}),
+           {row({m_dot, m_date, stretch()}, {Metrics::captureDateSpacing, {}}),
             gap(Metrics::belowCaptureDate), m_title, gap(Metrics::aboveSubtitle), m_subtitle,
             gap(Metrics::belowSubtitle), filling(m_editor), gap(Metrics::aboveStatus),
             row({m_statusSymbol, m_status, stretch(), m_count}, {Metrics::statusSpacing, {}}),
@@ -66,6 +67,7 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
            {0, Metrics::screenPadding});
 
     setFocusProxy(m_editor);
+    setAccessibleRole(this, QAccessible::Client);
 
     connect(&m_store, &NoteStore::snapshotChanged, this, &CaptureView::render);
     connect(&m_store, &NoteStore::errorMessageChanged, this, &CaptureView::render);

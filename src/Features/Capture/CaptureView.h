@@ -7,6 +7,7 @@
 #include <QWidget>
 
 class AppPreferences;
+class Dot;
 class NotePrimaryButton;
 class NoteTextEditor;
 class SaveKeys;
@@ -37,6 +38,8 @@ private:
     NoteStore::Clock m_clock;
     QTimer m_midnight;
 
+    // In the order in which they are seen, which is that in which assistive tools read them.
+    Dot *const m_dot;
     TextLabel *const m_date;
     TextLabel *const m_title;
     TextLabel *const m_subtitle;

@@ -41,6 +41,7 @@ DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
 {
     setObjectName(u"deleteAlert"_s);
     setAccessibleRole(this, QAccessible::AlertMessage);
+    setAccessiblyModal(this);
 
     column(m_card,
            {m_title, gap(Metrics::belowAlertTitle), m_message, gap(Metrics::aboveAlertButtons),
@@ -50,8 +51,10 @@ DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
     connect(&m_preferences, &AppPreferences::languageChanged, this, &DeleteAlert::render);
     connect(m_cancel, &QAbstractButton::clicked, this, &DeleteAlert::dismiss);
     connect(m_delete, &QAbstractButton::clicked, this, [this] {
-        dismiss();
+        // What follows may have the keyboard go elsewhere, which dismiss() leaves alone.
+        setWindowEnabled(true);
         Q_EMIT confirmed();
+        dismiss();
     });
     window->installEventFilter(this);
 
@@ -59,6 +62,7 @@ DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
     render();
     show();
     m_cancel->setFocus(Qt::TabFocusReason);
+    setWindowEnabled(false);
     QAccessibleEvent announcement(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
 }
@@ -129,11 +133,24 @@ void DeleteAlert::paintEvent(QPaintEvent *)
 void DeleteAlert::dismiss()
 {
     parentWidget()->removeEventFilter(this);
-    hide();
-    if (m_hadFocus)
+    setWindowEnabled(true);
+    // Before it is hidden: the keyboard would come by the other button on its way.
+    if (m_hadFocus && isAncestorOf(window()->focusWidget()))
         m_hadFocus->setFocus(Qt::PopupFocusReason);
+    hide();
     deleteLater();
     Q_EMIT dismissed();
+}
+
+/// Assistive tools press what they find; they do not see what lies above it.
+void DeleteAlert::setWindowEnabled(bool isEnabled)
+{
+    const auto parts =
+        parentWidget()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWidget *const part : parts) {
+        if (part != this)
+            part->setEnabled(isEnabled);
+    }
 }
 
 void DeleteAlert::placeCard()
@@ -151,7 +168,6 @@ void DeleteAlert::render()
         u"This removes the note and its editing draft from this Mac. You cannot undo this in the app."_s));
     m_cancel->setText(m_preferences.text(u"Cancel"_s));
     m_delete->setText(m_preferences.text(u"Delete"_s));
-    setAccessibleName(m_title->text());
-    setAccessibleDescription(m_message->text());
+    setAccessibleText(this, m_title->text(), m_message->text());
     placeCard();
 }

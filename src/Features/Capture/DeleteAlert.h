@@ -25,7 +25,7 @@ Q_SIGNALS:
     /// Answered, either way; the alert is on its way out.
     void dismissed();
 
-    /// "Delete" was the answer. After dismissed().
+    /// "Delete" was the answer. Before dismissed(), while the alert still has the keyboard.
     void confirmed();
 
 protected:
@@ -38,6 +38,7 @@ protected:
 
 private:
     void dismiss();
+    void setWindowEnabled(bool isEnabled);
     void placeCard();
     void render();
 

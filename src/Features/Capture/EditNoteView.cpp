@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "EditNoteView.h"
 
+#include "AccessibleRole.h"
+#include "Announcement.h"
 #include "AppPreferences.h"
 #include "ClipboardReader.h"
 #include "DateText.h"
@@ -36,6 +38,7 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
                                   u"A sentence. A thought.\nGet it down before it goes."_s, this))
     , m_status(named(u"editStatus"_s, new TextLabel(TextStyles::status, this)))
     , m_save(named(u"saveEdit"_s, new NotePrimaryButton({}, this)))
+    , m_announcement(new Announcement(this))
     , m_saveKeys(new SaveKeys(this))
 {
     column(this,
@@ -44,6 +47,7 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
            {Metrics::editSpacing, Metrics::screenPadding});
 
     setFocusProxy(m_editor);
+    setAccessibleRole(this, QAccessible::Client);
 
     connect(&m_store, &NoteStore::snapshotChanged, this, &EditNoteView::render);
     connect(&m_store, &NoteStore::errorMessageChanged, this, &EditNoteView::render);
@@ -79,6 +83,8 @@ void EditNoteView::copy()
     // Another program may hold on to the clipboard, and Qt does not say so.
     m_isCopied = ClipboardReader::holdsOwn(text);
     render();
+    if (m_isCopied)
+        m_announcement->say(m_preferences.text(u"Copied"_s));
 }
 
 void EditNoteView::confirmDelete()

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QWidget>
 
+class Announcement;
 class AppPreferences;
 class DeleteAlert;
 class NotePrimaryButton;
@@ -49,6 +50,7 @@ private:
     NoteTextEditor *const m_editor;
     TextLabel *const m_status;
     NotePrimaryButton *const m_save;
+    Announcement *const m_announcement;
     SaveKeys *const m_saveKeys;
 
     /// Lies over the whole window while it asks.

@@ -347,8 +347,7 @@ void NoteTextEditor::translate()
     setFont(font);
     setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
     m_placeholder.setDefaultFont(font);
-    setAccessibleName(m_preferences.text(u"Note text"_s));
-    setAccessibleDescription(placeholder);
+    setAccessibleText(this, m_preferences.text(u"Note text"_s), placeholder);
     replaceText(m_placeholder, placeholder);
     viewport()->update();
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "NoteLibraryView.h"
 
+#include "AccessibleRole.h"
+#include "Announcement.h"
 #include "AppPreferences.h"
 #include "Keys.h"
 #include "Layouts.h"
@@ -55,9 +57,11 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
           named(u"emptySymbol"_s, new SymbolView(u"sparkle"_s, TextStyles::emptySymbol, m_empty)))
     , m_emptyHeading(makeCentredLabel(m_empty, TextStyles::emptyHeading, u"emptyHeading"_s))
     , m_emptyHint(makeCentredLabel(m_empty, TextStyles::emptyHint, u"emptyHint"_s))
+    , m_announcement(new Announcement(this))
 {
     m_search->installEventFilter(this);
     setFocusProxy(m_search);
+    setAccessibleRole(this, QAccessible::Client);
     m_list->setSearchField(m_search);
 
     auto *field = new TintedFrame(Tone::primary, Metrics::searchFill, Metrics::searchRadius, this);
@@ -74,12 +78,18 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
             filling(m_empty)},
            {0, Metrics::libraryPadding});
 
+    // Assistive tools read the children in their stacking order: as they are seen, top to bottom.
+    for (QWidget *const part :
+         std::initializer_list<QWidget *>{m_title, m_count, field, m_list, m_empty, m_announcement})
+        part->raise();
+
     connect(&m_store, &NoteStore::snapshotChanged, this, &NoteLibraryView::render);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteLibraryView::render);
     connect(m_search, &QLineEdit::textChanged, this, &NoteLibraryView::search);
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
-        m_search->empty();
+        // First, since the button goes with the text.
         m_search->setFocus(Qt::OtherFocusReason);
+        m_search->empty();
     });
     connect(m_list, &NoteListView::opened, this,
             [this](const QModelIndex &row) { Q_EMIT noteChosen(Note(m_model->note(row))); });
@@ -94,14 +104,15 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     render();
 }
 
-void NoteLibraryView::select(const Note &note)
+bool NoteLibraryView::select(const Note &note)
 {
     const QModelIndex index = m_model->indexNear(note);
     if (!index.isValid())
-        return;
+        return false;
     m_list->setCurrentIndex(index);
     m_list->scrollTo(index);
     m_list->setFocus(Qt::OtherFocusReason);
+    return true;
 }
 
 void NoteLibraryView::changeEvent(QEvent *event)
@@ -137,6 +148,20 @@ void NoteLibraryView::search()
     m_list->setCurrentIndex({});
     m_list->scrollToTop();
     render();
+    announceResults();
+}
+
+/// The search field keeps the keyboard, so that a reader would say nothing of what it finds.
+void NoteLibraryView::announceResults()
+{
+    const int found = m_model->rowCount();
+    if (m_search->text().isEmpty())
+        m_announcement->forget();
+    else if (found == 0)
+        m_announcement->sayNews(m_emptyHeading->text());
+    else
+        m_announcement->sayNews(found == 1 ? m_preferences.text(u"1 note"_s)
+                                           : m_preferences.format(u"%d notes"_s, {qint64(found)}));
 }
 
 void NoteLibraryView::enterList()
@@ -158,14 +183,17 @@ void NoteLibraryView::render()
     m_count->setText(m_preferences.format(u"%02d"_s, {qint64(m_store.snapshot().notes.size())}));
 
     m_search->setPlaceholderText(m_preferences.text(u"Find a thought…"_s));
-    m_search->setAccessibleName(m_search->placeholderText());
+    setAccessibleText(m_search, m_search->placeholderText());
     m_clear->setVisible(!query.isEmpty());
-    m_clear->setAccessibleName(m_preferences.text(u"Clear search"_s));
+    setAccessibleText(m_clear, m_preferences.text(u"Clear search"_s));
     m_clear->setToolTip(m_clear->accessibleName());
 
     m_model->show(m_store.matching(query));
+    // It goes when it is empty, and the keyboard would go to whatever comes next.
+    if (m_model->rowCount() == 0 && m_list->hasFocus())
+        m_search->setFocus(Qt::OtherFocusReason);
     m_list->setVisible(m_model->rowCount() > 0);
-    m_list->setAccessibleName(m_preferences.text(u"Notes"_s));
+    setAccessibleText(m_list, m_preferences.text(u"Notes"_s));
 
     m_empty->setVisible(m_model->rowCount() == 0);
     m_emptySymbol->setSymbol(query.isEmpty() ? u"sparkle"_s : u"magnifyingglass"_s);

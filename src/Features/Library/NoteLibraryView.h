@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class AppPreferences;
+class Announcement;
 class NoteListModel;
 class NoteListView;
 class NoteStore;
@@ -24,8 +25,9 @@ class NoteLibraryView final : public QWidget {
 public:
     NoteLibraryView(NoteStore &store, const AppPreferences &preferences, QWidget *parent = nullptr);
 
-    /// Puts the keyboard on the note, or where it would be if it is gone.
-    void select(const Note &note);
+    /// Puts the keyboard on the note, or where it would be if it is gone. False when no note is
+    /// there.
+    bool select(const Note &note);
 
 Q_SIGNALS:
     void noteChosen(const Note &note);
@@ -39,6 +41,7 @@ private:
     void search();
     void enterList();
     void levelCount();
+    void announceResults();
     void render();
 
     NoteStore &m_store;
@@ -54,4 +57,5 @@ private:
     SymbolView *const m_emptySymbol;
     TextLabel *const m_emptyHeading;
     TextLabel *const m_emptyHint;
+    Announcement *const m_announcement;
 };

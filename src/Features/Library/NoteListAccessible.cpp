@@ -36,15 +36,16 @@ public:
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *) const override { return -1; }
     [[nodiscard]] QAccessibleInterface *childAt(int, int) const override { return nullptr; }
 
-    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::Button; }
+    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
     [[nodiscard]] QString text(QAccessible::Text kind) const override
     {
         if (!isValid())
             return {};
         if (kind == QAccessible::Name)
             return index().data(Qt::AccessibleTextRole).toString();
-        return kind == QAccessible::Description ? index().data(NoteListModel::metaRole).toString()
-                                                : QString();
+        return kind == QAccessible::Description
+                   ? index().data(Qt::AccessibleDescriptionRole).toString()
+                   : QString();
     }
     void setText(QAccessible::Text, const QString &) override {}
 
@@ -123,6 +124,14 @@ NoteListAccessible::~NoteListAccessible()
 {
     for (const QAccessible::Id id : std::as_const(m_rows))
         QAccessible::deleteAccessibleInterface(id);
+}
+
+QAccessible::State NoteListAccessible::state() const
+{
+    QAccessible::State state = QAccessibleWidget::state();
+    // One of the two has the keyboard for a reader.
+    state.focused = state.focused && !list()->currentIndex().isValid();
+    return state;
 }
 
 NoteListView *NoteListAccessible::list() const

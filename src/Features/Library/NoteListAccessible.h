@@ -6,7 +6,7 @@
 
 class NoteListView;
 
-/// The list of notes for assistive tools: a list of buttons, one a row, that open their notes.
+/// The list of notes for assistive tools: items that can be pressed, which opens their notes.
 ///
 /// Qt's own interface offers cells to select, which here would do nothing. Rows are made when a
 /// tool asks for them.
@@ -18,6 +18,7 @@ public:
     explicit NoteListAccessible(NoteListView *list);
     ~NoteListAccessible() override;
 
+    [[nodiscard]] QAccessible::State state() const override;
     [[nodiscard]] int childCount() const override;
     [[nodiscard]] QAccessibleInterface *child(int index) const override;
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override;

@@ -4,6 +4,7 @@
 #include "AppPreferences.h"
 #include "DateText.h"
 #include "NoteStore.h"
+#include "UserText.h"
 
 #include <algorithm>
 
@@ -14,6 +15,8 @@ namespace {
 /// More than the width of a row can show. Measuring a text to cut it costs by its length, and a
 /// note can be a book.
 constexpr qsizetype longestPreview = 300;
+
+constexpr qsizetype mostSpoken = 1000;
 
 /// One line of what a text starts with.
 QString startOf(const QString &text)
@@ -55,7 +58,11 @@ QVariant NoteListModel::data(const QModelIndex &index, int role) const
         return title.isEmpty() ? m_preferences.text(u"Untitled idea"_s) : title;
     }
     case Qt::AccessibleTextRole:
-        return m_preferences.format(u"Open note: %@"_s, {note.title()});
+        return m_preferences.format(u"Open note: %@"_s, {beginning(note.title(), mostSpoken)});
+    case Qt::AccessibleDescriptionRole: {
+        const QString excerpt = beginning(note.excerpt(), mostSpoken);
+        return excerpt.isEmpty() ? meta(note) : excerpt + u'\n' + meta(note);
+    }
     case excerptRole:
         return preview(note).excerpt;
     case hasExcerptRole:

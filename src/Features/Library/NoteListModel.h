@@ -17,7 +17,9 @@ class NoteListModel final : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    /// Beside Qt::DisplayRole, the title, and Qt::AccessibleTextRole, what a reader hears.
+    /// Beside Qt::DisplayRole, the title, and Qt::AccessibleTextRole and
+    /// Qt::AccessibleDescriptionRole, what a reader hears: of title and excerpt the first 1,000
+    /// characters, since a note can be a book.
     enum Role {
         excerptRole = Qt::UserRole, ///< the start of the excerpt; empty when there is none
         hasExcerptRole,             ///< whether the row has a line for it

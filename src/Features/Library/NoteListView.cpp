@@ -75,8 +75,6 @@ void NoteListView::focusInEvent(QFocusEvent *event)
     }
     QListView::focusInEvent(event);
     takeCompositions();
-    // A reader is told of the list itself after this, and would miss the row.
-    QMetaObject::invokeMethod(this, &NoteListView::announceCurrentRow, Qt::QueuedConnection);
 }
 
 void NoteListView::keyPressEvent(QKeyEvent *event)
@@ -156,15 +154,6 @@ void NoteListView::scrollContentsBy(int dx, int dy)
     const QPointF here = viewport()->mapFromGlobal(pointer);
     QHoverEvent hover(QEvent::HoverMove, here, pointer, here);
     viewportEvent(&hover);
-}
-
-void NoteListView::announceCurrentRow()
-{
-    if (!hasFocus() || !currentIndex().isValid())
-        return;
-    QAccessibleEvent event(this, QAccessible::Focus);
-    event.setChild(currentIndex().row());
-    QAccessible::updateAccessibility(&event);
 }
 
 void NoteListView::announceRows()

@@ -50,7 +50,6 @@ private:
     };
 
     void takeCompositions();
-    void announceCurrentRow();
     void announceRows();
     void keepPlace();
     void returnToPlace();

@@ -48,7 +48,7 @@ void ErrorBanner::setMessage(const QString &message)
 {
     const bool isNews = !message.isEmpty() && (message != m_message->text() || isHidden());
     m_message->setText(message);
-    setAccessibleName(message);
+    setAccessibleText(this, message);
     setHidden(message.isEmpty());
     if (isNews) {
         QAccessibleEvent announcement(this, QAccessible::Alert);

@@ -62,21 +62,21 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     auto *mark = new SymbolView(u"square.and.pencil"_s, TextStyles::productMark, this);
     auto *title = new TextLabel(TextStyles::productTitle, u"Quillmark"_s, this);
     auto *drive = new SymbolView(u"internaldrive"_s, TextStyles::footer, this);
+    auto *divider = new Divider(this);
     auto *dot = new Dot(Metrics::footerDot, Tone::secondary, this);
     column(m_content, {});
-    column(this,
-           {row({mark, title, stretch(), row({m_tabs[0], m_tabs[1]}, {Metrics::tabSpacing, {}}),
-                 menu, m_collapse},
-                {Metrics::headerSpacing, Metrics::headerPadding}),
-            m_banner, filling(m_content), row({new Divider(this)}, {0, Metrics::dividerMargins}),
-            row({drive, m_storage, stretch(), m_count, dot, m_tagline},
-                {Metrics::footerSpacing, Metrics::footerPadding})});
+    column(this, {row({mark, title, stretch(),
+                       row({m_tabs[0], m_tabs[1]}, {Metrics::tabSpacing, {}}), menu, m_collapse},
+                      {Metrics::headerSpacing, Metrics::headerPadding}),
+                  m_banner, filling(m_content), row({divider}, {0, Metrics::dividerMargins}),
+                  row({drive, m_storage, stretch(), m_count, dot, m_tagline},
+                      {Metrics::footerSpacing, Metrics::footerPadding})});
     setTabOrder(m_tabs[1], menu);
     setTabOrder(menu, m_collapse);
     // Assistive tools read the children in their stacking order: as they are seen, top to bottom.
     for (QWidget *const part : std::initializer_list<QWidget *>{
-             mark, title, m_tabs[0], m_tabs[1], menu, m_collapse, m_banner, m_content, drive,
-             m_storage, m_count, dot, m_tagline})
+             mark, title, m_tabs[0], m_tabs[1], menu, m_collapse, m_banner, m_content, divider,
+             drive, m_storage, m_count, dot, m_tagline})
         part->raise();
 
     connect(&m_store, &NoteStore::snapshotChanged, this, &NoteWorkspaceView::render);
@@ -87,11 +87,6 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     for (const WorkspaceTab tab : allWorkspaceTabs) {
         const PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
         connect(button, &QAbstractButton::clicked, this, [this, tab] { chooseTab(tab); });
-        // Assistive tools check the tab without a click.
-        connect(button, &QAbstractButton::toggled, this, [this, tab](bool isChecked) {
-            if (isChecked && tab != m_tab)
-                chooseTab(tab);
-        });
     }
     connect(menu, &PreferencesMenu::showFolderRequested, this,
             &NoteWorkspaceView::showFolderRequested);
@@ -134,9 +129,7 @@ void NoteWorkspaceView::open(const Note &note)
 void NoteWorkspaceView::closeNote()
 {
     const std::optional<Note> note = std::exchange(m_selectedNote, std::nullopt);
-    showScreen();
-    if (auto *library = qobject_cast<NoteLibraryView *>(m_screen); library && note)
-        library->select(*note);
+    showScreen(note);
 }
 
 void NoteWorkspaceView::retry()
@@ -185,14 +178,19 @@ QWidget *NoteWorkspaceView::makeScreen()
     Q_UNREACHABLE();
 }
 
-void NoteWorkspaceView::showScreen()
+void NoteWorkspaceView::showScreen(const std::optional<Note> &returningFrom)
 {
     // It belongs to the field in which it began, and later events would bring it to another one.
     Composition::endIn(*this);
     QWidget *const earlier = std::exchange(m_screen, makeScreen());
-    replace(m_content->layout(), earlier, m_screen);
-    m_screen->show();
-    m_screen->setFocus(Qt::OtherFocusReason);
+    // The keyboard goes where it is to be before the earlier screen is gone, or it would come by a
+    // tab on its way, which readers would tell of.
+    replace(m_content->layout(), earlier, m_screen, [&] {
+        m_screen->show();
+        auto *const library = qobject_cast<NoteLibraryView *>(m_screen);
+        if (!library || !returningFrom || !library->select(*returningFrom))
+            m_screen->setFocus(Qt::OtherFocusReason);
+    });
 }
 
 QString NoteWorkspaceView::failureText() const
@@ -222,7 +220,10 @@ void NoteWorkspaceView::render()
     }
     m_collapse->setLabel(m_preferences.text(u"Close · Esc"_s));
 
-    m_banner->setMessage(failureText());
+    const QString failure = failureText();
+    if (failure.isEmpty() && m_screen && m_banner->isAncestorOf(focusWidget()))
+        m_screen->setFocus(Qt::OtherFocusReason);
+    m_banner->setMessage(failure);
     m_banner->setRetryText(m_preferences.text(u"Retry"_s));
     m_banner->setRetryEnabled(!m_store.isReadOnly());
     m_banner->setShowText(m_preferences.text(u"Show file"_s));

@@ -48,7 +48,8 @@ private:
     void showFile();
 
     [[nodiscard]] QWidget *makeScreen();
-    void showScreen();
+    /// A library that comes after a note has the keyboard on it.
+    void showScreen(const std::optional<Note> &returningFrom = {});
 
     [[nodiscard]] QString failureText() const;
     void render();

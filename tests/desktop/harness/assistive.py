@@ -69,6 +69,10 @@ class Bus:
         return self.call(name, path, "org.freedesktop.DBus.Properties", "Get",
                          GLib.Variant("(ss)", (interface, key)))
 
+    def listen_to_everything(self, process):
+        """From here on hears what this program tells of its objects."""
+        return ChangeListener(self, self._connection, process)
+
     def listen(self):
         """From here on hears what gets the keyboard focus."""
         return FocusListener(self, self._connection)
@@ -118,6 +122,61 @@ class FocusListener:
         self._connection.signal_unsubscribe(self._subscription)
 
 
+class ChangeListener:
+    """All that one program tells of its objects but the keyboard's way, which has a listener of its
+    own."""
+
+    def __init__(self, bus, connection, process):
+        self._bus = bus
+        self._connection = connection
+        self._process = process
+        self._changes = []
+        self._announced = []
+        for event in "object:property-change", "object:state-changed":
+            bus.call("org.a11y.atspi.Registry", "/org/a11y/atspi/registry",
+                     "org.a11y.atspi.Registry", "RegisterEvent",
+                     GLib.Variant("(sass)", (event, [], "")))
+        self._subscription = connection.signal_subscribe(
+            None, "org.a11y.atspi.Event.Object", None, None, None, Gio.DBusSignalFlags.NONE,
+            self._hear)
+        bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId")
+
+    def _hear(self, _connection, sender, path, _interface, signal, values):
+        kind, value = values.unpack()[:2]
+        source = Element(self._bus, sender, path)
+        try:
+            if source.process() != self._process:
+                return
+            if signal == "StateChanged" and kind == "showing":
+                if value == 1 and source.role() == "notification":
+                    self._announced.append(source.name())
+            elif signal == "PropertyChange" and kind == "accessible-name":
+                if source.role() != "notification":
+                    self._changes.append((kind, source.name()))
+            elif signal == "StateChanged" and kind not in ("focused", "defunct"):
+                self._changes.append((f"{kind}:{value}", path))
+        except Gone:
+            pass
+
+    def _listen(self):
+        context = GLib.MainContext.default()
+        while context.pending():
+            context.iteration(False)
+
+    def changes(self):
+        """What was told until now: (kind, name or object)."""
+        self._listen()
+        return list(self._changes)
+
+    def announced(self):
+        """The texts that were only to be spoken."""
+        self._listen()
+        return list(self._announced)
+
+    def close(self):
+        self._connection.signal_unsubscribe(self._subscription)
+
+
 class Element:
     """One accessible object."""
 
@@ -152,9 +211,13 @@ class Element:
         low, high = self._call(_ACCESSIBLE, "GetState")
         return bool((low | high << 32) >> _STATES[state] & 1)
 
+    def rectangle(self):
+        """x, y, width and height of what is seen of it, on the screen."""
+        return self._call(_COMPONENT, "GetExtents", GLib.Variant("(u)", (0,)))
+
     def centre(self):
         """The middle of what is seen of it, on the screen."""
-        x, y, width, height = self._call(_COMPONENT, "GetExtents", GLib.Variant("(u)", (0,)))
+        x, y, width, height = self.rectangle()
         return x + width // 2, y + height // 2
 
     def _offers(self, interface):
@@ -191,6 +254,14 @@ class Element:
                     until(lambda: not self.has("pressed"), f"{self} is pressed")
                 return
         raise AssertionError(f"{self} cannot be pressed, it offers {offered}")
+
+    def parent(self):
+        return Element(self._bus, *self._bus.property(self._name, self._path, _ACCESSIBLE,
+                                                      "Parent"))
+
+    def index(self):
+        """Its place among the children of its parent, from 0."""
+        return self._call(_ACCESSIBLE, "GetIndexInParent")
 
     def children(self):
         return [Element(self._bus, name, path)
