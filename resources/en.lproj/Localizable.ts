@@ -675,5 +675,42 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <source>Another file is the same note.</source>
         <translation>Another file is the same note.</translation>
     </message>
+    <!-- The keys -->
+    <message>
+        <source>Keys</source>
+        <translation>Keys</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>Fold the editor</source>
+        <translation>Fold the editor</translation>
+    </message>
+    <message>
+        <source>Search the notes</source>
+        <translation>Search the notes</translation>
+    </message>
+    <message>
+        <source>Write a new thought</source>
+        <translation>Write a new thought</translation>
+    </message>
+    <message>
+        <source>Go to the other tab</source>
+        <translation>Go to the other tab</translation>
+    </message>
+    <message>
+        <source>Go back to all notes</source>
+        <translation>Go back to all notes</translation>
+    </message>
+    <message>
+        <source>Delete the chosen note</source>
+        <translation>Delete the chosen note</translation>
+    </message>
+    <message>
+        <source>Show the keys</source>
+        <translation>Show the keys</translation>
+    </message>
 </context>
 </TS>

@@ -675,5 +675,42 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <source>Another file is the same note.</source>
         <translation>另有一个文件是同一条笔记。</translation>
     </message>
+    <!-- The keys -->
+    <message>
+        <source>Keys</source>
+        <translation>快捷键</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Fold the editor</source>
+        <translation>收起编辑器</translation>
+    </message>
+    <message>
+        <source>Search the notes</source>
+        <translation>搜索笔记</translation>
+    </message>
+    <message>
+        <source>Write a new thought</source>
+        <translation>写新想法</translation>
+    </message>
+    <message>
+        <source>Go to the other tab</source>
+        <translation>切换到另一个标签</translation>
+    </message>
+    <message>
+        <source>Go back to all notes</source>
+        <translation>返回全部笔记</translation>
+    </message>
+    <message>
+        <source>Delete the chosen note</source>
+        <translation>删除选中的笔记</translation>
+    </message>
+    <message>
+        <source>Show the keys</source>
+        <translation>显示快捷键</translation>
+    </message>
 </context>
 </TS>

@@ -58,6 +58,7 @@ const QString compiled = QStringLiteral(PROJECT_RESOURCES_FOLDER);
 const QSet<QString> notTranslated{
     u"Quillmark"_s, // the product's name
     u"%02d"_s,      // a number alone
+    u"Esc"_s,       // what is printed on a key
 };
 
 /// Files whose texts are part of a format or name fonts.

@@ -93,6 +93,10 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     });
     connect(m_list, &NoteListView::opened, this,
             [this](const QModelIndex &row) { Q_EMIT noteChosen(Note(m_model->note(row))); });
+    connect(m_list, &NoteListView::deletionRequested, this, [this](const QModelIndex &row) {
+        if (!m_store.isReadOnly())
+            Q_EMIT deletionRequested(Note(m_model->note(row)));
+    });
     connect(m_list, &NoteListView::leftUpwards, m_search,
             [this] { m_search->setFocus(Qt::BacktabFocusReason); });
     connect(m_list, &NoteListView::typed, this, [this](const QString &text) {
@@ -113,6 +117,18 @@ bool NoteLibraryView::select(const Note &note)
     m_list->scrollTo(index);
     m_list->setFocus(Qt::OtherFocusReason);
     return true;
+}
+
+void NoteLibraryView::returnToList()
+{
+    QWidget *const there = m_model->rowCount() > 0 ? static_cast<QWidget *>(m_list) : m_search;
+    there->setFocus(Qt::TabFocusReason);
+}
+
+void NoteLibraryView::beginSearch()
+{
+    m_search->setFocus(Qt::ShortcutFocusReason);
+    m_search->selectAll();
 }
 
 void NoteLibraryView::changeEvent(QEvent *event)

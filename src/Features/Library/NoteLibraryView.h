@@ -29,8 +29,15 @@ public:
     /// there.
     bool select(const Note &note);
 
+    /// Puts the keyboard on the list where it was last, or into the search field over an empty one.
+    void returnToList();
+
+    /// Puts the keyboard into the search field, where the next letter begins another search.
+    void beginSearch();
+
 Q_SIGNALS:
     void noteChosen(const Note &note);
+    void deletionRequested(const Note &note);
 
 protected:
     void changeEvent(QEvent *event) override;

@@ -12,6 +12,7 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QScrollBar>
+#include <algorithm>
 
 namespace {
 
@@ -89,6 +90,10 @@ void NoteListView::keyPressEvent(QKeyEvent *event)
             return;
         }
         event->ignore();
+        return;
+    case Qt::Key_Delete:
+        if (isPlain && currentIndex().isValid() && !event->isAutoRepeat())
+            Q_EMIT deletionRequested(currentIndex());
         return;
     case Qt::Key_Up:
         if (isPlain && currentIndex().row() <= 0) {
@@ -171,18 +176,28 @@ void NoteListView::keepPlace()
     const QModelIndex top = QListView::indexAt({0, 0});
     m_place = {};
     m_place.scrollPosition = verticalScrollBar()->value();
-    if (current.isValid())
+    if (current.isValid()) {
         m_place.current = m_model->note(current).id;
+        m_place.currentRow = current.row();
+    }
     if (top.isValid()) {
         m_place.top = m_model->note(top).id;
         m_place.topOffset = visualRect(top).top();
     }
 }
 
+/// The row of the note that was the current one, or the row that took its place.
+QModelIndex NoteListView::rowOfCurrent() const
+{
+    const QModelIndex same = m_model->indexOf(m_place.current);
+    return same.isValid() ? same
+                          : m_model->index(std::min(m_place.currentRow, m_model->rowCount() - 1));
+}
+
 void NoteListView::returnToPlace()
 {
     if (!m_place.current.isNull())
-        setCurrentIndex(m_model->indexOf(m_place.current));
+        setCurrentIndex(rowOfCurrent());
     if (m_place.scrollPosition == 0) {
         scrollToTop();
         return;

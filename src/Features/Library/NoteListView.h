@@ -9,9 +9,9 @@ class NoteListModel;
 /// The list of notes that scrolls, without bars. Each row is a button: a click or Return opens it.
 ///
 /// With the keyboard: arrows, Home, End and the page keys move; Up on the first row leaves the list
-/// upwards; what is typed is for the search, and so is what an input method composes. When other
-/// notes are shown, the row that had the keyboard keeps it and the rows stay where they were, as
-/// far as they are still there.
+/// upwards; Delete asks to delete the row's note; what is typed is for the search, and so is what
+/// an input method composes. When other notes are shown, the row that had the keyboard keeps it and
+/// the rows stay where they were, as far as they are still there.
 class NoteListView final : public QListView {
     Q_OBJECT
 
@@ -29,6 +29,7 @@ public:
 
 Q_SIGNALS:
     void opened(const QModelIndex &row);
+    void deletionRequested(const QModelIndex &row);
     void leftUpwards();
     void typed(const QString &text);
 
@@ -44,6 +45,7 @@ private:
     /// What is on screen, by notes and not by rows.
     struct Place {
         QUuid current;
+        int currentRow = 0;
         QUuid top;
         int topOffset = 0;
         int scrollPosition = 0;
@@ -52,6 +54,7 @@ private:
     void takeCompositions();
     void announceRows();
     void keepPlace();
+    [[nodiscard]] QModelIndex rowOfCurrent() const;
     void returnToPlace();
 
     NoteListModel *const m_model;

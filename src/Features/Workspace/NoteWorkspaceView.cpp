@@ -4,11 +4,14 @@
 #include "AppPreferences.h"
 #include "CaptureView.h"
 #include "Composition.h"
+#include "DeleteAlert.h"
 #include "Divider.h"
 #include "Dot.h"
 #include "EditNoteView.h"
 #include "ErrorBanner.h"
 #include "FileUrl.h"
+#include "Keys.h"
+#include "KeysCard.h"
 #include "Layouts.h"
 #include "Metrics.h"
 #include "Named.h"
@@ -20,6 +23,7 @@
 #include "SymbolView.h"
 #include "TextLabel.h"
 
+#include <QKeyEvent>
 #include <QLayout>
 #include <algorithm>
 #include <initializer_list>
@@ -99,6 +103,11 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     render();
 }
 
+NoteWorkspaceView::~NoteWorkspaceView()
+{
+    delete m_card;
+}
+
 void NoteWorkspaceView::showWayOut()
 {
     m_showsWayOut = true;
@@ -124,6 +133,77 @@ void NoteWorkspaceView::open(const Note &note)
 {
     m_selectedNote = note;
     showScreen();
+}
+
+void NoteWorkspaceView::keyPressEvent(QKeyEvent *event)
+{
+    if (!takeKey(*event))
+        GlassSurface::keyPressEvent(event);
+}
+
+bool NoteWorkspaceView::takeKey(const QKeyEvent &event)
+{
+    const Qt::KeyboardModifiers modifiers = Keys::modifiers(event);
+    const bool isControl = modifiers == Qt::ControlModifier;
+    const bool isControlShift = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+    switch (event.key()) {
+    case Qt::Key_F:
+        if (isControl)
+            search();
+        return isControl;
+    case Qt::Key_N:
+        if (isControl)
+            chooseTab(WorkspaceTab::capture);
+        return isControl;
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+        // With two tabs the next one is the one before.
+        if (isControl || isControlShift)
+            chooseTab(m_tab == WorkspaceTab::capture ? WorkspaceTab::library
+                                                     : WorkspaceTab::capture);
+        return isControl || isControlShift;
+    case Qt::Key_Left:
+        if (modifiers != Qt::AltModifier || !m_selectedNote)
+            return false;
+        closeNote();
+        return true;
+    case Qt::Key_F1:
+    case Qt::Key_Question:
+        if (event.key() == Qt::Key_Question ? !(isControl || isControlShift) : modifiers != 0)
+            return false;
+        showKeys();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void NoteWorkspaceView::search()
+{
+    if (m_tab != WorkspaceTab::library || m_selectedNote)
+        chooseTab(WorkspaceTab::library);
+    if (auto *library = qobject_cast<NoteLibraryView *>(m_screen))
+        library->beginSearch();
+}
+
+void NoteWorkspaceView::confirmDeletion(const Note &note)
+{
+    auto *alert = new DeleteAlert(m_preferences, window());
+    m_card = alert;
+    connect(alert, &DeleteAlert::confirmed, this, [this, note] { deleteNote(note); });
+}
+
+void NoteWorkspaceView::deleteNote(const Note &note)
+{
+    auto *const library = qobject_cast<NoteLibraryView *>(m_screen);
+    if (m_store.deleteNote(note) && library)
+        library->returnToList();
+}
+
+void NoteWorkspaceView::showKeys()
+{
+    Composition::endIn(*this);
+    m_card = new KeysCard(m_preferences, window());
 }
 
 void NoteWorkspaceView::closeNote()
@@ -172,6 +252,8 @@ QWidget *NoteWorkspaceView::makeScreen()
     case WorkspaceTab::library: {
         auto *library = new NoteLibraryView(m_store, m_preferences, m_content);
         connect(library, &NoteLibraryView::noteChosen, this, &NoteWorkspaceView::open);
+        connect(library, &NoteLibraryView::deletionRequested, this,
+                &NoteWorkspaceView::confirmDeletion);
         return library;
     }
     }

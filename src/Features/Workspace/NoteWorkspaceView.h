@@ -5,6 +5,7 @@
 #include "Note.h"
 #include "WorkspaceTab.h"
 
+#include <QPointer>
 #include <optional>
 
 class AppPreferences;
@@ -20,11 +21,15 @@ class TextLabel;
 ///
 /// Knows which tab is chosen and which note is open, and nothing else of its own. A screen lives
 /// while it is shown: going elsewhere and back makes a fresh one.
+///
+/// Ctrl+F goes to the search from anywhere, Ctrl+N to the capture screen, Ctrl+Tab to the other
+/// tab, Alt+Left from a note back to the list; F1 and Ctrl+? show the keys.
 class NoteWorkspaceView final : public GlassSurface {
     Q_OBJECT
 
 public:
     NoteWorkspaceView(NoteStore &store, AppPreferences &preferences, QWidget *parent = nullptr);
+    ~NoteWorkspaceView() override;
 
     /// The editor was to fold and cannot, since nothing can be saved: from now on the banner also
     /// names the key that quits, until a save succeeds.
@@ -39,9 +44,18 @@ Q_SIGNALS:
     void showFolderRequested(const QUrl &folder);
     void showFileRequested(const QUrl &file);
 
+protected:
+    /// What no field has use for. Keys and not shortcuts: see SaveKeys.
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
+    bool takeKey(const QKeyEvent &event);
     void chooseTab(WorkspaceTab tab);
     void open(const Note &note);
+    void search();
+    void confirmDeletion(const Note &note);
+    void deleteNote(const Note &note);
+    void showKeys();
     void closeNote();
     void retry();
     void reload();
@@ -65,6 +79,9 @@ private:
     ErrorBanner *const m_banner;
     QWidget *const m_content;
     QWidget *m_screen = nullptr;
+
+    /// Lies over the whole window while it is shown.
+    QPointer<QWidget> m_card;
     TextLabel *const m_storage;
     TextLabel *const m_count;
     TextLabel *const m_tagline;
