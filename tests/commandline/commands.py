@@ -4,6 +4,7 @@
 import fcntl
 import json
 import os
+import pathlib
 import pty
 import resource
 import signal
@@ -261,6 +262,26 @@ class Commands(CommandLineTest):
         self.addCleanup(daemon.wait)
         self.addCleanup(daemon.kill)
         return daemon.stdout.readline().strip()
+
+    def test_bash_completes_commands_and_identifiers(self):
+        self.data.create()
+        self.data.add_note("one", 0xAB << 120)
+        folder = self.home / "bin"
+        folder.mkdir()
+        (folder / "quillmark-notes").symlink_to(self.program)
+        source = pathlib.Path(__file__).parents[2] / "packaging/completions/quillmark-notes.bash"
+        script = (f'source "{source}"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); '
+                  '_quillmark_notes; echo "${COMPREPLY[*]}"')
+        environment = self.environment(PATH=f"{folder}:{os.environ['PATH']}")
+        def completed(*words):
+            return subprocess.run(["bash", "-c", script, "bash", "quillmark-notes", *words],
+                                  env=environment, stdout=subprocess.PIPE, text=True,
+                                  check=True).stdout.strip()
+
+        self.assertEqual(completed("s"), "search show")
+        self.assertEqual(completed("--v"), "--version")
+        self.assertEqual(completed("list", "--"), "--json")
+        self.assertEqual(completed("show", "ab"), "AB000000-0000-0000-0000-000000000000")
 
     def test_it_speaks_the_language_of_the_locale(self):
         chinese = self.environment(LC_ALL="zh_CN.UTF-8", LANGUAGE="zh_CN")

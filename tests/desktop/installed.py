@@ -30,6 +30,21 @@ class Installed(DesktopTest):
         quillmark.editor()
         quillmark.element(name=chinese("Save this thought"))
 
+    def test_the_moved_command_line_speaks_chinese(self):
+        program = self.prefix / "bin/quillmark-notes"
+        environment = self.desktop.environment_for(self.home) | {"LC_ALL": "zh_CN.UTF-8"}
+
+        done = subprocess.run([program, "add", " "], env=environment, stderr=subprocess.PIPE,
+                              text=True, check=False)
+
+        self.assertEqual((done.returncode, done.stderr),
+                         (3, f"quillmark-notes: {chinese('There is no text to save.')}\n"))
+        share = self.prefix / "share"
+        for file in ("man/man1/quillmark-notes.1", "bash-completion/completions/quillmark-notes",
+                     "zsh/site-functions/_quillmark-notes",
+                     "fish/vendor_completions.d/quillmark-notes.fish"):
+            self.assertTrue((share / file).exists(), file)
+
     def test_the_desktop_is_told_of_it(self):
         share = self.prefix / "share"
         entry = (share / "applications/org.quillmark.Quillmark.desktop").read_text()
