@@ -98,10 +98,13 @@ Refusal refusalFrom(const QVariantList &answer)
     return refusal;
 }
 
-NotesInterface::Answer::Kind kindOf(QDBusError::ErrorType error)
+NotesInterface::Answer::Kind kindOf(const QDBusMessage &answer)
 {
     using Kind = NotesInterface::Answer::Kind;
-    switch (error) {
+    // What the bus says of a program that it is not to start; Qt has no number for it.
+    if (answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1)
+        return Kind::absent;
+    switch (QDBusError(answer).type()) {
     case QDBusError::ServiceUnknown:
     case QDBusError::Disconnected:
     case QDBusError::NoServer:
@@ -202,7 +205,12 @@ QVariantList answerFor(const std::optional<Refusal> &refusal)
 Answer addThere(const std::filesystem::path &dataFolder, const QList<Note> &notes,
                 std::chrono::milliseconds most)
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    return addThere(QDBusConnection::sessionBus(), dataFolder, notes, most);
+}
+
+Answer addThere(const QDBusConnection &bus, const std::filesystem::path &dataFolder,
+                const QList<Note> &notes, std::chrono::milliseconds most)
+{
     if (!bus.isConnected())
         return {};
     const std::optional<SealedTexts> texts = SealedTexts::of(notes);
@@ -223,7 +231,7 @@ Answer addThere(const std::filesystem::path &dataFolder, const QList<Note> &note
          << QVariant::fromValue(QDBusUnixFileDescriptor(texts->descriptor()));
     const QDBusMessage answer = bus.call(call, QDBus::Block, int(most.count()));
     if (answer.type() != QDBusMessage::ReplyMessage)
-        return {kindOf(QDBusError(answer).type()), {}};
+        return {kindOf(answer), {}};
     const QVariantList parts = answer.arguments();
     if (answer.signature() != "ssav"_L1)
         return {Answer::Kind::notOffered, {}};

@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <optional>
 
+class QDBusConnection;
+
 /// org.quillmark.Quillmark.Notes1, by which another program has the one that runs take notes:
 ///
 ///     AddNotes(in  ay folder       the data folder for which they are
@@ -78,5 +80,9 @@ struct Answer {
 /// Hands the notes to the program that runs, and waits for its answer. Starts no program.
 [[nodiscard]] Answer addThere(const std::filesystem::path &dataFolder, const QList<Note> &notes,
                               std::chrono::milliseconds most);
+
+/// The same, over this connection to a bus.
+[[nodiscard]] Answer addThere(const QDBusConnection &bus, const std::filesystem::path &dataFolder,
+                              const QList<Note> &notes, std::chrono::milliseconds most);
 
 } // namespace NotesInterface

@@ -11,13 +11,14 @@ QString cut(const QString &name)
 {
     if (name.toUtf8().size() <= ExportNames::mostBytes)
         return name;
-    // Never more units than bytes.
-    const QString front = name.left(ExportNames::mostBytes);
+    // Never more units than bytes, and room for the rest of the last character.
+    const QString front = name.left(2 * ExportNames::mostBytes);
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, front);
-    characters.toEnd();
-    qsizetype end = front.size();
-    while (end > 0 && front.left(end).toUtf8().size() > ExportNames::mostBytes)
-        end = characters.toPreviousBoundary();
+    qsizetype end = 0;
+    for (qsizetype next = 0;
+         next != -1 && front.left(next).toUtf8().size() <= ExportNames::mostBytes;
+         next = characters.toNextBoundary())
+        end = next;
     return front.left(end).trimmed() + u'…';
 }
 

@@ -52,6 +52,10 @@ private Q_SLOTS:
     void keepsEverythingWhenTheWriteOfAnEditFails();
     void savesNoEditOfADeletedNote();
     void savesNoBlankEditButKeepsItsDraft();
+    void takesNotesOfAnotherProgramAndLeavesWhatIsTyped();
+    void tellsWhyItTakesNoNotesAndShowsNothingOfIt();
+    void takesNoNotesWhenReadOnly();
+    void takesANoteOnceOnly();
     void deletesTheNoteWithItsDraft();
     void deletesEveryNoteOfTheIdentifier();
     void writesEvenWhenTheNoteToDeleteIsUnknown();
@@ -554,6 +558,61 @@ void NoteStoreTest::savesNoBlankEditButKeepsItsDraft()
     QCOMPARE(fixture.store.text(note), u" \n"_s);
     QCOMPARE(fixture.store.snapshot().notes, QList<Note>{note});
     QCOMPARE(fixture.repository.saves(), 0);
+}
+
+void NoteStoreTest::takesNotesOfAnotherProgramAndLeavesWhatIsTyped()
+{
+    const Note old = noteOf(u"old"_s);
+    Fixture fixture(snapshotOf({old}));
+    fixture.store.setDraft(u"half a thought"_s);
+    fixture.store.updateDraft(old, u"old edited"_s);
+
+    QVERIFY(!fixture.store.addNotes({noteOf(u"a"_s), noteOf(u"b"_s)}));
+
+    QCOMPARE(bodies(fixture.store.snapshot().notes), (QStringList{u"a"_s, u"b"_s, u"old"_s}));
+    QCOMPARE(fixture.store.draft(), u"half a thought"_s);
+    QCOMPARE(fixture.store.text(old), u"old edited"_s);
+    QCOMPARE(fixture.repository.stored(), fixture.store.snapshot());
+    QVERIFY(!fixture.store.hasPendingChanges());
+}
+
+void NoteStoreTest::tellsWhyItTakesNoNotesAndShowsNothingOfIt()
+{
+    Fixture fixture;
+    fixture.store.setDraft(u"half a thought"_s);
+    fixture.repository.failWith(noSpace);
+
+    const std::optional<Refusal> refusal = fixture.store.addNotes({noteOf(u"a"_s)});
+
+    QVERIFY(refusal == Refusal::of(noSpace));
+    QCOMPARE(refusal->kind, Refusal::Kind::diskFull);
+    QVERIFY(fixture.store.snapshot().notes.isEmpty());
+    QCOMPARE(fixture.store.draft(), u"half a thought"_s);
+    QVERIFY(!fixture.store.errorMessage());
+    QVERIFY(fixture.store.hasPendingChanges());
+    fixture.repository.recover();
+    QTRY_COMPARE(fixture.repository.stored().captureDraft, u"half a thought"_s);
+}
+
+void NoteStoreTest::takesNoNotesWhenReadOnly()
+{
+    auto fixture = Fixture::unreadable({}, RepositoryError::recoveryRequired());
+
+    const std::optional<Refusal> refusal = fixture.store.addNotes({noteOf(u"a"_s)});
+
+    QVERIFY(refusal == Refusal::of(RepositoryError::recoveryRequired()));
+    QCOMPARE(fixture.repository.saves(), 0);
+}
+
+void NoteStoreTest::takesANoteOnceOnly()
+{
+    const Note note = noteOf(u"a"_s);
+    Fixture fixture;
+
+    QVERIFY(!fixture.store.addNotes({note}));
+    QVERIFY(!fixture.store.addNotes({note}));
+
+    QCOMPARE(fixture.store.snapshot().notes, QList<Note>{note});
 }
 
 void NoteStoreTest::deletesTheNoteWithItsDraft()
