@@ -181,7 +181,7 @@ void NotesServiceTest::takesNothingThatDoesNotFit_data()
     QTest::newRow("too long") << QStringList{id} << both << Sizes{6} << false;
     QTest::newRow("enormous") << QStringList{id} << both << Sizes{~0ULL} << false;
     QTest::newRow("a character in two")
-        << QStringList{id, id} << (both + both) << Sizes{3, 2} << false;
+        << QStringList{id, id} << (both + both) << Sizes{4, 1} << false;
     QTest::newRow("no identifier") << QStringList{u"x"_s} << both << Sizes{5} << false;
     QTest::newRow("no time") << QStringList{id} << QStringList{time, u"x"_s} << Sizes{5} << false;
     QTest::newRow("times missing") << QStringList{id} << QStringList{time} << Sizes{5} << false;
