@@ -138,19 +138,18 @@ QString cutToWidth(const QString &text, int cells)
 {
     // Every glibc has it, whatever languages are installed.
     [[maybe_unused]] static const char *const isSet = std::setlocale(LC_CTYPE, "C.UTF-8");
-    const auto widthOf = [](char32_t character) {
-        return std::max(0, ::wcwidth(static_cast<wchar_t>(character)));
-    };
-    const QList<uint> characters = text.left(4 * qsizetype(std::max(cells, 0))).toUcs4();
-    QString cut;
     int used = 0;
-    for (const uint character : characters) {
-        const int width = widthOf(character);
-        if (used + width > cells - 1 && (used + width > cells || characters.last() != character ||
-                                         &character != &characters.last()))
-            return cut + u'…';
-        used += width;
-        cut += QString::fromUcs4(reinterpret_cast<const char32_t *>(&character), 1);
+    qsizetype end = 0;
+    for (qsizetype at = 0; at < text.size();) {
+        const qsizetype size = text[at].isHighSurrogate() && at + 1 < text.size() ? 2 : 1;
+        const QList<uint> character = text.mid(at, size).toUcs4();
+        used += std::max(0, ::wcwidth(static_cast<wchar_t>(character.value(0))));
+        at += size;
+        if (used > cells)
+            return text.left(end) + u'…';
+        // With this much of it there is still room for the sign that more follows.
+        if (used < cells)
+            end = at;
     }
-    return cut;
+    return text;
 }
