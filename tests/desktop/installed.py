@@ -32,7 +32,8 @@ class Installed(DesktopTest):
 
     def test_the_moved_command_line_speaks_chinese(self):
         program = self.prefix / "bin/quillmark-notes"
-        environment = self.desktop.environment_for(self.home) | {"LC_ALL": "zh_CN.UTF-8"}
+        environment = self.desktop.environment_for(self.home) | {"LC_ALL": "zh_CN.UTF-8",
+                                                                 "LANGUAGE": "zh_CN"}
 
         done = subprocess.run([program, "add", " "], env=environment, stderr=subprocess.PIPE,
                               text=True, check=False)
