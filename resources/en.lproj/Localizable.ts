@@ -528,6 +528,10 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>The output could not be written: %@</translation>
     </message>
     <message>
+        <source>Saving the note…</source>
+        <translation>Saving the note…</translation>
+    </message>
+    <message>
         <source>Reading notes…</source>
         <translation>Reading notes…</translation>
     </message>

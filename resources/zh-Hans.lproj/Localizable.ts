@@ -528,6 +528,10 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>无法写出结果：%@</translation>
     </message>
     <message>
+        <source>Saving the note…</source>
+        <translation>正在保存笔记…</translation>
+    </message>
+    <message>
         <source>Reading notes…</source>
         <translation>正在读取笔记…</translation>
     </message>

@@ -3,6 +3,7 @@
 
 #include "Console.h"
 #include "NoteFolder.h"
+#include "ProgressLine.h"
 #include "SignalDelay.h"
 #include "StoredNotes.h"
 #include "UserText.h"
@@ -67,7 +68,11 @@ ExitStatus Commands::add(Console &console, StoredNotes &notes, const Words &word
     // Trimmed, as the window does it.
     const Note note{QUuid::createUuid(), text->trimmed().toString(), now, now};
     const SignalDelay untilItIsDone;
-    if (const auto complaint = notes.add({note})) {
+    const auto complaint = [&] {
+        const ProgressLine progress(console, u"Saving the note…"_s);
+        return notes.add({note});
+    }();
+    if (complaint) {
         console.complain(*complaint);
         return complaint->status;
     }

@@ -108,7 +108,7 @@ ExitStatus Commands::check(Console &console, StoredNotes &notes, const Words &wo
     const auto failure = attempt([&] {
         if (!isThere)
             return;
-        const ProgressLine progress(console.text(u"Looking through the notes…"_s));
+        const ProgressLine progress(console, u"Looking through the notes…"_s);
         SystemDisk disk;
         const Result<Directory> opened = Directory::open(disk, notes.dataFolder());
         if (!opened) {

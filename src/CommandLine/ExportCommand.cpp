@@ -75,13 +75,13 @@ ExitStatus Commands::exportTo(Console &console, StoredNotes &notes, const Words 
 {
     if (words.size() != 1 || words.front().empty())
         return refuseUsage(console);
+    const ProgressLine progress(console, u"Exporting notes…"_s);
     NoteSnapshot snapshot;
     if (const auto complaint = notes.read(snapshot)) {
         console.complain(*complaint);
         return complaint->status;
     }
     sortForNames(snapshot.notes);
-    const ProgressLine progress(console.text(u"Exporting notes…"_s));
     const SignalDelay untilAFileIsDone;
     const auto complaint = attempt([&] {
         SystemDisk disk;

@@ -92,7 +92,7 @@ ExitStatus Commands::import(Console &console, StoredNotes &notes, const Words &w
     std::size_t total = 0;
     std::optional<Complaint> complaint;
     {
-        const ProgressLine progress(console.text(u"Importing notes…"_s));
+        const ProgressLine progress(console, u"Importing notes…"_s);
         for (const std::string &path : words) {
             Note note;
             if (complaint = readNote(disk, path, note); complaint)

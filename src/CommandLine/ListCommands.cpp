@@ -35,7 +35,7 @@ bool takesJson(Commands::Words &words)
 std::optional<Complaint> readAll(const Console &console, const StoredNotes &notes,
                                  NoteSnapshot &snapshot)
 {
-    const ProgressLine progress(console.text(u"Reading notes…"_s));
+    const ProgressLine progress(console, u"Reading notes…"_s);
     return notes.read(snapshot);
 }
 

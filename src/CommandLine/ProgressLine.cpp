@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "ProgressLine.h"
 
+#include "Console.h"
 #include "SignalDelay.h"
 
 #include <chrono>
 #include <cstdio>
 #include <unistd.h>
 
-ProgressLine::ProgressLine(const QString &what)
+ProgressLine::ProgressLine(const Console &console, const QString &what)
 {
     if (::isatty(STDERR_FILENO) != 1)
         return;
     // Signals are for the thread that does the work.
     const SignalDelay delay;
-    m_thread = std::thread([this, text = what.toStdString()] { show(text); });
+    m_thread = std::thread([this, text = console.text(what).toStdString()] { show(text); });
 }
 
 ProgressLine::~ProgressLine()

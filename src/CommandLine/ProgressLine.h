@@ -6,11 +6,13 @@
 #include <mutex>
 #include <thread>
 
+class Console;
+
 /// A line on the terminal of the errors that says what takes so long, from the second second on,
 /// and goes with this. Nothing where the errors go elsewhere.
 class ProgressLine {
 public:
-    explicit ProgressLine(const QString &what);
+    ProgressLine(const Console &console, const QString &what);
     ProgressLine(const ProgressLine &) = delete;
     ProgressLine &operator=(const ProgressLine &) = delete;
     ~ProgressLine();

@@ -292,7 +292,7 @@ class Commands(CommandLineTest):
         self.assertIn("Usage", self.ok("add", "--help"))
         self.assertRegex(self.ok("--version"), r"\Aquillmark-notes \d+\.\d+\.\d+\n\Z")
 
-    def on_terminal(self, *arguments):
+    def on_terminal(self, *arguments, status=DONE):
         """What a terminal shows."""
         own, terminal = pty.openpty()
         process = subprocess.Popen(self.command(*arguments), env=self.environment(TERM="xterm"),
@@ -305,8 +305,20 @@ class Commands(CommandLineTest):
         except OSError:  # The other end is closed.
             pass
         os.close(own)
-        self.assertEqual(process.wait(), DONE)
+        self.assertEqual(process.wait(), status)
         return shown.decode()
+
+    def test_what_takes_over_a_second_says_so_on_a_terminal(self):
+        self.ok("add", "there")
+        folder = os.open(self.data.path, os.O_RDONLY)
+        self.addCleanup(os.close, folder)
+        fcntl.flock(folder, fcntl.LOCK_EX)
+
+        shown = self.on_terminal("add", "text", status=IN_USE)
+
+        self.assertRegex(shown, r"\A\r\x1b\[KSaving the note… 1 s.*\r\x1b\[Kquillmark-notes: ")
+        self.assertNotIn("Saving", self.refused(IN_USE, "add", "text"))
+        self.assertNotIn("Reading", self.on_terminal("list"))
 
     def test_colours_are_for_a_terminal_and_nothing_steers_it(self):
         self.data.create()
