@@ -120,6 +120,7 @@ private Q_SLOTS:
     void isOldOrNewWhenKilledAtAnyCall();
     void isOldOrNewAfterAPowerCutAtAnyCall();
     void isThereAfterAPowerCutOnceItIsDone();
+    void isThereAfterAPowerCutInAFolderThatOnlyMemoryKnew();
     void isOldOrNewWhenAnyCallFails_data();
     void isOldOrNewWhenAnyCallFails();
     void refusesBesideARecoveryCopy();
@@ -246,6 +247,24 @@ void NoteAdditionTest::isThereAfterAPowerCutOnceItIsDone()
     QVERIFY(addTo(disk));
 
     Dice dice(2);
+    for (int i = 0; i < 200; ++i)
+        QCOMPARE(loaded(disk.afterPowerCut(dice)), newNotes());
+}
+
+void NoteAdditionTest::isThereAfterAPowerCutInAFolderThatOnlyMemoryKnew()
+{
+    MemoryDisk::Abilities abilities;
+    abilities.canLosePower = true;
+    MemoryDisk disk = diskWithNotes(abilities);
+    // A program that ended before it could sync put the folder in its place.
+    OtherProgram other(disk);
+    other.rename("/data/Penwick/Markdown/Notes", "/data/Penwick/Markdown/made");
+    other.syncAll();
+    other.rename("/data/Penwick/Markdown/made", "/data/Penwick/Markdown/Notes");
+
+    QVERIFY(addTo(disk));
+
+    Dice dice(3);
     for (int i = 0; i < 200; ++i)
         QCOMPARE(loaded(disk.afterPowerCut(dice)), newNotes());
 }
