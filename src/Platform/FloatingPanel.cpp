@@ -84,8 +84,11 @@ void FloatingPanel::setCutOut(bool isCutOut)
 
 void FloatingPanel::setBlurred(bool isBlurred)
 {
-    m_isBlurred = isBlurred;
-    if (isVisible())
+    if (std::exchange(m_isBlurred, isBlurred) == isBlurred || !internalWinId())
+        return;
+    if (!isBlurred)
+        PanelHints::blurBehind(*this, {});
+    else if (isVisible())
         updateShape();
 }
 
@@ -169,7 +172,6 @@ void FloatingPanel::updateShape()
 {
     if (!m_isCutOut && !m_isBlurred) {
         PanelHints::cutOut(*this, {});
-        PanelHints::blurBehind(*this, {});
         return;
     }
     // The editor's outline is always the same, and it has much more to draw.
@@ -182,5 +184,6 @@ void FloatingPanel::updateShape()
         m_shape = PanelHints::opaquePart(rendering);
     }
     PanelHints::cutOut(*this, m_isCutOut ? m_shape : QRegion());
-    PanelHints::blurBehind(*this, m_isBlurred ? m_shape : QRegion());
+    if (m_isBlurred)
+        PanelHints::blurBehind(*this, m_shape);
 }

@@ -91,7 +91,8 @@ class Appearance(DesktopTest):
         manager = self.settings_manager(animations=0)
         quillmark = self.start()
         launcher = quillmark.launcher()
-        at_rest, colour = self.disc(launcher), self.plus(launcher)
+        at_rest = until(lambda: self.disc(launcher), "the bubble is drawn")
+        colour = self.plus(launcher)
 
         self.mouse.move(launcher.centre())
         until(lambda: self.plus(launcher) != colour, "the plus takes the accent colour")

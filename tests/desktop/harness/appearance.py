@@ -121,4 +121,5 @@ class BlurOffer:
 
     def close(self):
         self._root.delete_property(self._property)
+        self._display.sync()
         self._display.close()

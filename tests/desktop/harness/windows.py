@@ -7,6 +7,9 @@ from Xlib.protocol import event
 
 _GONE = (BadWindow, BadDrawable, BadMatch)
 
+# In units of four bytes. What is read in parts may have changed between them.
+_WHOLE = 65536
+
 
 class Window:
     """One window, by its number; it may be gone by the time of a question."""
@@ -28,7 +31,8 @@ class Window:
     def property(self, name, kind=X.AnyPropertyType):
         """The property's values, or None."""
         try:
-            found = self._window.get_full_property(self._display.intern_atom(name), kind)
+            found = self._window.get_full_property(self._display.intern_atom(name), kind,
+                                                   sizehint=_WHOLE)
         except _GONE:
             return None
         return None if found is None else found.value
