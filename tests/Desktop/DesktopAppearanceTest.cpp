@@ -3,6 +3,7 @@
 
 #include "PortalSettings.h"
 #include "PrivateBus.h"
+#include "ToolkitFiles.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -10,15 +11,10 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
-#include <QDir>
-#include <QFile>
 #include <QGuiApplication>
-#include <QSaveFile>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <optional>
-#include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -28,7 +24,6 @@ using TextGroups = QMap<QString, Texts>;
 Q_DECLARE_METATYPE(SettingGroups)
 Q_DECLARE_METATYPE(Texts)
 Q_DECLARE_METATYPE(TextGroups)
-Q_DECLARE_METATYPE(AppearanceWishes)
 
 namespace {
 
@@ -106,7 +101,7 @@ public:
     }
 
 private Q_SLOTS:
-    void init();
+    void init() { m_files.emplace(); }
 
     void hasPlainValuesWhereNothingIsSet();
     void readsLightAndDarkFromTheCommonSettings();
@@ -125,32 +120,10 @@ private Q_SLOTS:
     void passesOverAnAnswerOfAnotherKind_data();
     void passesOverAnAnswerOfAnotherKind();
 
-    void readsTheToolkitsThemes_data();
-    void readsTheToolkitsThemes();
-    void followsTheFilesOfTheToolkit();
-    void followsAFileThatIsReplaced();
-    void passesOverAPipeInTheFilesPlace();
-
 private:
-    void writeToolkitFile(const QByteArray &content, const QString &folder = u"gtk-3.0"_s) const;
-
     const PrivateBus &m_bus;
-    std::optional<QTemporaryDir> m_config;
+    std::optional<ToolkitFiles> m_files;
 };
-
-void DesktopAppearanceTest::init()
-{
-    m_config.emplace();
-    qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
-}
-
-void DesktopAppearanceTest::writeToolkitFile(const QByteArray &content, const QString &folder) const
-{
-    QDir(m_config->path()).mkdir(folder);
-    QFile file(m_config->filePath(folder + u"/settings.ini"_s));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
-}
 
 void DesktopAppearanceTest::hasPlainValuesWhereNothingIsSet()
 {
@@ -270,7 +243,7 @@ void DesktopAppearanceTest::asksThePortalAndFollowsIt()
 
 void DesktopAppearanceTest::leavesTheChoiceToTheToolkitWithoutAPreference()
 {
-    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita-dark\n");
+    m_files->write("[Settings]\ngtk-theme-name=Adwaita-dark\n");
     FakePortal portal(m_bus);
     portal.settings[common][u"color-scheme"_s] = light;
     QVERIFY(portal.start());
@@ -304,7 +277,7 @@ void DesktopAppearanceTest::followsGnomesThemeWithoutAPreference()
 
 void DesktopAppearanceTest::takesAnyWishForLessMotionOrMoreContrast()
 {
-    writeToolkitFile("[Settings]\ngtk-enable-animations=0\ngtk-theme-name=HighContrast\n");
+    m_files->write("[Settings]\ngtk-enable-animations=0\ngtk-theme-name=HighContrast\n");
     FakePortal portal(m_bus);
     portal.settings[common] = {{u"reduced-motion"_s, 1U}, {u"contrast"_s, 1U}};
     portal.settings[gnome][u"enable-animations"_s] = true;
@@ -313,7 +286,7 @@ void DesktopAppearanceTest::takesAnyWishForLessMotionOrMoreContrast()
     QVERIFY(appearance.reduceMotion());
     QVERIFY(appearance.highContrast());
 
-    writeToolkitFile("");
+    m_files->write("");
     // By the portal's wish, which has arrived by the time of the next one.
     QVERIFY(portal.announce(common, u"color-scheme"_s, dark));
     QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
@@ -373,99 +346,6 @@ void DesktopAppearanceTest::passesOverAnAnswerOfAnotherKind()
     const SystemAppearance::Values unchanged{.colorScheme = ColorScheme::dark,
                                              .reduceMotion = true};
     QCOMPARE(appearance.values(), unchanged);
-}
-
-void DesktopAppearanceTest::readsTheToolkitsThemes_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<AppearanceWishes>("wishes");
-    constexpr auto lightOne = ColorScheme::light;
-    constexpr auto darkOne = ColorScheme::dark;
-    const AppearanceWishes nothing;
-
-    QTest::newRow("empty") << QByteArray() << nothing;
-    QTest::newRow("no section") << QByteArray("gtk-theme-name=Adwaita-dark") << nothing;
-    QTest::newRow("another section")
-        << QByteArray("[Other]\ngtk-theme-name=Adwaita-dark") << nothing;
-    QTest::newRow("light") << QByteArray("[Settings]\ngtk-theme-name=Adwaita")
-                           << AppearanceWishes{lightOne, false, false};
-    QTest::newRow("dark") << QByteArray("[Settings]\n# why\n gtk-theme-name = Yaru-Dark \r\n")
-                          << AppearanceWishes{darkOne, false, false};
-    QTest::newRow("dark variant")
-        << QByteArray("[Settings]\ngtk-theme-name=Breeze\ngtk-application-prefer-dark-theme=true")
-        << AppearanceWishes{darkOne, false, false};
-    QTest::newRow("light variant") << QByteArray("[Settings]\ngtk-application-prefer-dark-theme=0")
-                                   << AppearanceWishes{lightOne, false, false};
-    QTest::newRow("high contrast") << QByteArray("[Settings]\ngtk-theme-name=HighContrast")
-                                   << AppearanceWishes{lightOne, false, true};
-    QTest::newRow("MATE’s") << QByteArray("[Settings]\ngtk-theme-name=ContrastHighInverse")
-                            << AppearanceWishes{darkOne, false, true};
-    QTest::newRow("still") << QByteArray("[Settings]\ngtk-enable-animations=False")
-                           << AppearanceWishes{{}, true, false};
-    QTest::newRow("moving") << QByteArray("[Settings]\ngtk-enable-animations=1") << nothing;
-    QTest::newRow("no text") << QByteArray("[Settings]\ngtk-theme-name\n=\n\xff\0\xfe", 32)
-                             << nothing;
-}
-
-void DesktopAppearanceTest::readsTheToolkitsThemes()
-{
-    QFETCH(const QByteArray, file);
-    QFETCH(const AppearanceWishes, wishes);
-    writeToolkitFile(file);
-
-    for (const ColorScheme platform : {ColorScheme::light, ColorScheme::dark}) {
-        const DesktopAppearance appearance(platform);
-
-        const AppearanceWishes seen{wishes.colorScheme ? appearance.colorScheme()
-                                                       : wishes.colorScheme,
-                                    appearance.reduceMotion(), appearance.highContrast()};
-        QCOMPARE(seen, wishes);
-        if (!wishes.colorScheme)
-            QCOMPARE(appearance.colorScheme(), platform);
-    }
-}
-
-void DesktopAppearanceTest::followsTheFilesOfTheToolkit()
-{
-    DesktopAppearance appearance(ColorScheme::light);
-
-    // In a folder that was not there at the start, then in the file that counts before it.
-    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita-dark\n");
-    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
-    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n", u"gtk-4.0"_s);
-    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
-    writeToolkitFile("[Settings]\ngtk-theme-name=Default-dark\n", u"gtk-4.0"_s);
-    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::dark);
-    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n");
-    QVERIFY(QFile::remove(m_config->filePath(u"gtk-4.0/settings.ini"_s)));
-    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
-}
-
-void DesktopAppearanceTest::followsAFileThatIsReplaced()
-{
-    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n");
-    DesktopAppearance appearance(ColorScheme::light);
-
-    for (const bool isDark : {true, false, true}) {
-        QSaveFile file(m_config->filePath(u"gtk-3.0/settings.ini"_s));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(isDark ? "[Settings]\ngtk-theme-name=Adwaita-dark\n"
-                          : "[Settings]\ngtk-theme-name=Adwaita\n");
-        QVERIFY(file.commit());
-        QTRY_COMPARE(appearance.colorScheme(), isDark ? ColorScheme::dark : ColorScheme::light);
-    }
-    writeToolkitFile("[Settings]\ngtk-theme-name=Adwaita\n");
-    QTRY_COMPARE(appearance.colorScheme(), ColorScheme::light);
-}
-
-void DesktopAppearanceTest::passesOverAPipeInTheFilesPlace()
-{
-    QVERIFY(QDir(m_config->path()).mkdir(u"gtk-3.0"_s));
-    QCOMPARE(mkfifo(m_config->filePath(u"gtk-3.0/settings.ini"_s).toUtf8().constData(), 0600), 0);
-
-    const DesktopAppearance appearance(ColorScheme::dark);
-
-    QCOMPARE(appearance.values(), SystemAppearance::Values{.colorScheme = ColorScheme::dark});
 }
 
 int main(int argc, char *argv[])
