@@ -441,6 +441,190 @@ with a quick note.</translation>
         <translation>“%@” could not be used: %@. Mend that, then try again.</translation>
     </message>
     <message>
+        <source>“%@” could not be used: the system reports error %d. Mend that, then try again.</source>
+        <translation>“%@” could not be used: the system reports error %d. Mend that, then try again.</translation>
+    </message>
+    <message>
+        <source>Argument list too long</source>
+        <translation>Argument list too long</translation>
+    </message>
+    <message>
+        <source>Cannot allocate memory</source>
+        <translation>Cannot allocate memory</translation>
+    </message>
+    <message>
+        <source>Device or resource busy</source>
+        <translation>Device or resource busy</translation>
+    </message>
+    <message>
+        <source>Invalid argument</source>
+        <translation>Invalid argument</translation>
+    </message>
+    <message>
+        <source>Too many levels of symbolic links</source>
+        <translation>Too many levels of symbolic links</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>Not a directory</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>Is a directory</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>File exists</translation>
+    </message>
+    <message>
+        <source>Directory not empty</source>
+        <translation>Directory not empty</translation>
+    </message>
+    <message>
+        <source>Invalid cross-device link</source>
+        <translation>Invalid cross-device link</translation>
+    </message>
+    <message>
+        <source>Too many links</source>
+        <translation>Too many links</translation>
+    </message>
+    <message>
+        <source>No such device or address</source>
+        <translation>No such device or address</translation>
+    </message>
+    <message>
+        <source>No such device</source>
+        <translation>No such device</translation>
+    </message>
+    <message>
+        <source>Text file busy</source>
+        <translation>Text file busy</translation>
+    </message>
+    <message>
+        <source>Resource temporarily unavailable</source>
+        <translation>Resource temporarily unavailable</translation>
+    </message>
+    <message>
+        <source>Interrupted system call</source>
+        <translation>Interrupted system call</translation>
+    </message>
+    <message>
+        <source>Bad file descriptor</source>
+        <translation>Bad file descriptor</translation>
+    </message>
+    <message>
+        <source>Function not implemented</source>
+        <translation>Function not implemented</translation>
+    </message>
+    <message>
+        <source>Operation not supported</source>
+        <translation>Operation not supported</translation>
+    </message>
+    <message>
+        <source>Value too large for defined data type</source>
+        <translation>Value too large for defined data type</translation>
+    </message>
+    <message>
+        <source>No locks available</source>
+        <translation>No locks available</translation>
+    </message>
+    <message>
+        <source>Resource deadlock avoided</source>
+        <translation>Resource deadlock avoided</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>Stale file handle</translation>
+    </message>
+    <message>
+        <source>Broken pipe</source>
+        <translation>Broken pipe</translation>
+    </message>
+    <message>
+        <source>No data available</source>
+        <translation>No data available</translation>
+    </message>
+    <message>
+        <source>Protocol error</source>
+        <translation>Protocol error</translation>
+    </message>
+    <message>
+        <source>Invalid or incomplete multibyte or wide character</source>
+        <translation>Invalid or incomplete multibyte or wide character</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <translation>Connection timed out</translation>
+    </message>
+    <message>
+        <source>Transport endpoint is not connected</source>
+        <translation>Transport endpoint is not connected</translation>
+    </message>
+    <message>
+        <source>Connection refused</source>
+        <translation>Connection refused</translation>
+    </message>
+    <message>
+        <source>Connection reset by peer</source>
+        <translation>Connection reset by peer</translation>
+    </message>
+    <message>
+        <source>Software caused connection abort</source>
+        <translation>Software caused connection abort</translation>
+    </message>
+    <message>
+        <source>Cannot send after transport endpoint shutdown</source>
+        <translation>Cannot send after transport endpoint shutdown</translation>
+    </message>
+    <message>
+        <source>Host is down</source>
+        <translation>Host is down</translation>
+    </message>
+    <message>
+        <source>No route to host</source>
+        <translation>No route to host</translation>
+    </message>
+    <message>
+        <source>Network is down</source>
+        <translation>Network is down</translation>
+    </message>
+    <message>
+        <source>Network is unreachable</source>
+        <translation>Network is unreachable</translation>
+    </message>
+    <message>
+        <source>Remote I/O error</source>
+        <translation>Remote I/O error</translation>
+    </message>
+    <message>
+        <source>Structure needs cleaning</source>
+        <translation>Structure needs cleaning</translation>
+    </message>
+    <message>
+        <source>No medium found</source>
+        <translation>No medium found</translation>
+    </message>
+    <message>
+        <source>Wrong medium type</source>
+        <translation>Wrong medium type</translation>
+    </message>
+    <message>
+        <source>Required key not available</source>
+        <translation>Required key not available</translation>
+    </message>
+    <message>
+        <source>Key has expired</source>
+        <translation>Key has expired</translation>
+    </message>
+    <message>
+        <source>Key has been revoked</source>
+        <translation>Key has been revoked</translation>
+    </message>
+    <message>
+        <source>Key was rejected by service</source>
+        <translation>Key was rejected by service</translation>
+    </message>
+    <message>
         <source>The older notes file “notes.json” cannot be read: there is a mistake in line %d, column %d. Mend it or move the file away, then reopen the app.</source>
         <translation>The older notes file “notes.json” cannot be read: there is a mistake in line %d, column %d. Mend it or move the file away, then reopen the app.</translation>
     </message>

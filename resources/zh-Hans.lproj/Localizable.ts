@@ -56,7 +56,7 @@
     </message>
     <message>
         <source>Click to capture · Drag to move · Right-click to quit</source>
-        <translation>单击记录 · 拖动移位 · 右键退出</translation>
+        <translation>单击记录 · 拖动可移动 · 右键退出</translation>
     </message>
     <!-- The workspace -->
     <message>
@@ -114,13 +114,13 @@
     </message>
     <message>
         <source>Catch the idea. Keep your flow.</source>
-        <translation>抓住灵感，不断思路。</translation>
+        <translation>抓住灵感，思路不断线。</translation>
     </message>
     <message>
         <source>A sentence. A thought.
 Get it down before it goes.</source>
         <translation>一句话，一个念头。
-趁它溜走之前，先记下来。</translation>
+趁它还没溜走，先记下来。</translation>
     </message>
     <message>
         <source>1 character</source>
@@ -132,7 +132,7 @@ Get it down before it goes.</source>
     </message>
     <message>
         <source>⌘ ↵ Save &amp; close</source>
-        <translation>⌘ ↵ 保存并关闭</translation>
+        <translation>Ctrl ↵ 保存并关闭</translation>
     </message>
     <message>
         <source>Save this thought</source>
@@ -145,7 +145,7 @@ Get it down before it goes.</source>
     </message>
     <message>
         <source>Find a thought…</source>
-        <translation>查找想法…</translation>
+        <translation>搜索想法…</translation>
     </message>
     <message>
         <source>Clear search</source>
@@ -153,7 +153,7 @@ Get it down before it goes.</source>
     </message>
     <message>
         <source>No matching thoughts yet.</source>
-        <translation>还没有匹配的想法。</translation>
+        <translation>没有找到匹配的想法。</translation>
     </message>
     <message>
         <source>Try another keyword.</source>
@@ -175,7 +175,7 @@ with a quick note.</source>
     </message>
     <message>
         <source>· Editing draft</source>
-        <translation>· 编辑草稿</translation>
+        <translation>· 有未保存的编辑</translation>
     </message>
     <message>
         <source>Open note: %@</source>
@@ -439,6 +439,190 @@ with a quick note.</source>
     <message>
         <source>“%@” could not be used: %@. Mend that, then try again.</source>
         <translation>“%@”无法使用：%@。请排除此问题，然后重试。</translation>
+    </message>
+    <message>
+        <source>“%@” could not be used: the system reports error %d. Mend that, then try again.</source>
+        <translation>“%@”无法使用：系统报告错误 %d。请排除此问题，然后重试。</translation>
+    </message>
+    <message>
+        <source>Argument list too long</source>
+        <translation>参数过长</translation>
+    </message>
+    <message>
+        <source>Cannot allocate memory</source>
+        <translation>内存不足</translation>
+    </message>
+    <message>
+        <source>Device or resource busy</source>
+        <translation>设备或资源正忙</translation>
+    </message>
+    <message>
+        <source>Invalid argument</source>
+        <translation>参数无效</translation>
+    </message>
+    <message>
+        <source>Too many levels of symbolic links</source>
+        <translation>符号链接的层级过多</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>它不是文件夹</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>它是文件夹</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>文件已存在</translation>
+    </message>
+    <message>
+        <source>Directory not empty</source>
+        <translation>文件夹不为空</translation>
+    </message>
+    <message>
+        <source>Invalid cross-device link</source>
+        <translation>不能跨磁盘链接</translation>
+    </message>
+    <message>
+        <source>Too many links</source>
+        <translation>链接过多</translation>
+    </message>
+    <message>
+        <source>No such device or address</source>
+        <translation>没有这个设备或地址</translation>
+    </message>
+    <message>
+        <source>No such device</source>
+        <translation>没有这个设备</translation>
+    </message>
+    <message>
+        <source>Text file busy</source>
+        <translation>文件正在运行</translation>
+    </message>
+    <message>
+        <source>Resource temporarily unavailable</source>
+        <translation>资源暂时不可用</translation>
+    </message>
+    <message>
+        <source>Interrupted system call</source>
+        <translation>系统调用被中断</translation>
+    </message>
+    <message>
+        <source>Bad file descriptor</source>
+        <translation>文件描述符无效</translation>
+    </message>
+    <message>
+        <source>Function not implemented</source>
+        <translation>系统没有此功能</translation>
+    </message>
+    <message>
+        <source>Operation not supported</source>
+        <translation>不支持此操作</translation>
+    </message>
+    <message>
+        <source>Value too large for defined data type</source>
+        <translation>数值过大</translation>
+    </message>
+    <message>
+        <source>No locks available</source>
+        <translation>没有可用的锁</translation>
+    </message>
+    <message>
+        <source>Resource deadlock avoided</source>
+        <translation>锁会互相等待</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>文件句柄已失效</translation>
+    </message>
+    <message>
+        <source>Broken pipe</source>
+        <translation>管道已断开</translation>
+    </message>
+    <message>
+        <source>No data available</source>
+        <translation>没有数据</translation>
+    </message>
+    <message>
+        <source>Protocol error</source>
+        <translation>协议错误</translation>
+    </message>
+    <message>
+        <source>Invalid or incomplete multibyte or wide character</source>
+        <translation>文件名含有此磁盘不支持的字符</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <translation>连接超时</translation>
+    </message>
+    <message>
+        <source>Transport endpoint is not connected</source>
+        <translation>连接已断开</translation>
+    </message>
+    <message>
+        <source>Connection refused</source>
+        <translation>连接被拒绝</translation>
+    </message>
+    <message>
+        <source>Connection reset by peer</source>
+        <translation>对方断开了连接</translation>
+    </message>
+    <message>
+        <source>Software caused connection abort</source>
+        <translation>连接已中止</translation>
+    </message>
+    <message>
+        <source>Cannot send after transport endpoint shutdown</source>
+        <translation>连接已关闭</translation>
+    </message>
+    <message>
+        <source>Host is down</source>
+        <translation>主机没有响应</translation>
+    </message>
+    <message>
+        <source>No route to host</source>
+        <translation>无法连接到主机</translation>
+    </message>
+    <message>
+        <source>Network is down</source>
+        <translation>网络已断开</translation>
+    </message>
+    <message>
+        <source>Network is unreachable</source>
+        <translation>网络无法连接</translation>
+    </message>
+    <message>
+        <source>Remote I/O error</source>
+        <translation>远程读写错误</translation>
+    </message>
+    <message>
+        <source>Structure needs cleaning</source>
+        <translation>文件系统需要修复</translation>
+    </message>
+    <message>
+        <source>No medium found</source>
+        <translation>没有找到介质</translation>
+    </message>
+    <message>
+        <source>Wrong medium type</source>
+        <translation>介质类型不对</translation>
+    </message>
+    <message>
+        <source>Required key not available</source>
+        <translation>缺少所需的密钥</translation>
+    </message>
+    <message>
+        <source>Key has expired</source>
+        <translation>密钥已过期</translation>
+    </message>
+    <message>
+        <source>Key has been revoked</source>
+        <translation>密钥已被撤销</translation>
+    </message>
+    <message>
+        <source>Key was rejected by service</source>
+        <translation>密钥被拒绝</translation>
     </message>
     <message>
         <source>The older notes file “notes.json” cannot be read: there is a mistake in line %d, column %d. Mend it or move the file away, then reopen the app.</source>

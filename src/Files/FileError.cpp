@@ -2,10 +2,10 @@
 #include "FileError.h"
 
 #include "FileUrl.h"
+#include "SystemErrorText.h"
 
 #include <QLatin1StringView>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -79,6 +79,8 @@ Message FileError::message() const
         return {sentence(), {file}};
     if (const QString known = sentenceFor(m_systemError); !known.isEmpty())
         return {known, {file}};
-    return {u"“%@” could not be used: %@. Mend that, then try again."_s,
-            {file, QString::fromLocal8Bit(std::strerror(m_systemError))}};
+    if (const QString words = systemErrorText(m_systemError); !words.isEmpty())
+        return {u"“%@” could not be used: %@. Mend that, then try again."_s, {file, Phrase{words}}};
+    return {u"“%@” could not be used: the system reports error %d. Mend that, then try again."_s,
+            {file, qint64(m_systemError)}};
 }

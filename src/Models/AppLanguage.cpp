@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "AppLanguage.h"
 
+#include <QLocale>
+
 using namespace Qt::Literals::StringLiterals;
 
 QString rawValue(AppLanguage language)
@@ -45,4 +47,15 @@ QString resolvedLanguage(AppLanguage language, const QStringList &systemLanguage
     const bool isChinese =
         !systemLanguages.isEmpty() && systemLanguages.first().startsWith(u"zh"_s);
     return rawValue(isChinese ? AppLanguage::chinese : AppLanguage::english);
+}
+
+QStringList systemLanguages()
+{
+    for (const char *const variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const QByteArray locale = qgetenv(variable);
+        if (!locale.isEmpty())
+            return locale == "C" || locale == "POSIX" ? QStringList()
+                                                      : QLocale::system().uiLanguages();
+    }
+    return {};
 }

@@ -23,3 +23,7 @@ inline constexpr std::array allAppLanguages{AppLanguage::system, AppLanguage::en
 /// "en" or "zh-Hans". For AppLanguage::system the first of the system's languages decides: every
 /// kind of Chinese gives "zh-Hans", everything else and none gives "en".
 [[nodiscard]] QString resolvedLanguage(AppLanguage language, const QStringList &systemLanguages);
+
+/// The languages of the user's system, the preferred one first. As for every other program none
+/// where the locale of messages is C, whatever LANGUAGE says.
+[[nodiscard]] QStringList systemLanguages();

@@ -32,9 +32,9 @@ std::optional<Place> placeAt(const QString &format, qsizetype begin)
     return std::nullopt;
 }
 
-QString digits(qint64 number, qsizetype minimumDigits)
+QString digits(qint64 number, qsizetype minimumDigits, const QLocale &locale)
 {
-    QString text = QString::number(number);
+    QString text = locale.toString(number);
     const qsizetype sign = number < 0 ? 1 : 0;
     if (text.size() < minimumDigits)
         text.insert(sign, QString(minimumDigits - text.size(), u'0'));
@@ -42,18 +42,22 @@ QString digits(qint64 number, qsizetype minimumDigits)
 }
 
 /// The text that belongs in the place, when the argument is of its kind.
-std::optional<QString> filling(const Place &place, const FormatArgument &argument)
+std::optional<QString> filling(const Place &place, const FormatArgument &argument,
+                               const QLocale &locale)
 {
     if (const auto *number = std::get_if<qint64>(&argument); number && place.kind == u'd')
-        return digits(*number, place.minimumDigits);
+        return digits(*number, place.minimumDigits, locale);
     if (const auto *text = std::get_if<QString>(&argument); text && place.kind == u'@')
         return *text;
+    if (const auto *phrase = std::get_if<Phrase>(&argument); phrase && place.kind == u'@')
+        return phrase->key;
     return std::nullopt;
 }
 
 } // namespace
 
-QString formatted(const QString &format, const QList<FormatArgument> &arguments)
+QString formatted(const QString &format, const QList<FormatArgument> &arguments,
+                  const QLocale &locale)
 {
     QString result;
     result.reserve(format.size());
@@ -68,7 +72,7 @@ QString formatted(const QString &format, const QList<FormatArgument> &arguments)
         std::optional<QString> text;
         if (place->kind == u'%')
             text = QStringLiteral("%");
-        else if (next != arguments.cend() && (text = filling(*place, *next)))
+        else if (next != arguments.cend() && (text = filling(*place, *next, locale)))
             ++next;
         result += text ? *text : format.sliced(at, place->end - at);
         at = place->end;

@@ -40,7 +40,7 @@ QString AppPreferences::defaultResourcesFolder()
 
 QString AppPreferences::resolvedLanguage() const
 {
-    return ::resolvedLanguage(m_language, QLocale::system().uiLanguages());
+    return ::resolvedLanguage(m_language, systemLanguages());
 }
 
 QLocale AppPreferences::locale() const
@@ -53,8 +53,7 @@ QString AppPreferences::text(const QString &key) const
     const QString language = resolvedLanguage();
     const QTranslator *translations = &table(language);
     if (translations->isEmpty()) {
-        const QStringList systemLanguages = QLocale::system().uiLanguages();
-        translations = &table(::resolvedLanguage(AppLanguage::system, systemLanguages));
+        translations = &table(::resolvedLanguage(AppLanguage::system, systemLanguages()));
     }
     const QString translation = translations->translate("Localizable", key.toUtf8().constData());
     return translation.isNull() ? key : translation;
@@ -62,7 +61,12 @@ QString AppPreferences::text(const QString &key) const
 
 QString AppPreferences::format(const QString &key, const QList<FormatArgument> &arguments) const
 {
-    return formatted(text(key), arguments);
+    QList<FormatArgument> translated = arguments;
+    for (FormatArgument &argument : translated) {
+        if (const auto *phrase = std::get_if<Phrase>(&argument))
+            argument = text(phrase->key);
+    }
+    return formatted(text(key), translated, locale());
 }
 
 void AppPreferences::setLanguage(AppLanguage language)

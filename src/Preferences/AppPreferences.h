@@ -41,7 +41,7 @@ public:
     /// "en" or "zh-Hans".
     [[nodiscard]] QString resolvedLanguage() const;
 
-    /// The locale of resolvedLanguage(), for dates and for right marks.
+    /// The locale of resolvedLanguage(), for dates, numbers and right marks.
     [[nodiscard]] QLocale locale() const;
 
     [[nodiscard]] QString text(const QString &key) const;

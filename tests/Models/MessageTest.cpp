@@ -11,6 +11,8 @@ class MessageTest : public QObject {
 private Q_SLOTS:
     void fillsNumbersAndTextsInOrder();
     void padsNumbersWithZeros();
+    void writesNumbersAsInTheLocale();
+    void takesAPhraseForItsKey();
     void writesAPerCentSignForTwo();
     void leavesAPlaceWithoutItsArgumentAsWritten();
     void doesNotLookForPlacesInsideAnArgument();
@@ -33,6 +35,21 @@ void MessageTest::padsNumbersWithZeros()
     QCOMPARE(formatted(u"%09d"_s, {7}), u"000000007"_s);
     QCOMPARE(formatted(u"%010d"_s, {7}), u"0000000007"_s);
     QCOMPARE(formatted(u"%0999999999999d"_s, {7}).size(), qsizetype(99));
+}
+
+void MessageTest::writesNumbersAsInTheLocale()
+{
+    const QLocale english(QLocale::English);
+    QCOMPARE(formatted(u"%d characters"_s, {12345}, english), u"12,345 characters"_s);
+    QCOMPARE(formatted(u"%02d"_s, {12345}, english), u"12,345"_s);
+    QCOMPARE(formatted(u"%02d"_s, {7}, english), u"07"_s);
+    QCOMPARE(formatted(u"%d Zeichen"_s, {12345}, QLocale(QLocale::German)), u"12.345 Zeichen"_s);
+}
+
+void MessageTest::takesAPhraseForItsKey()
+{
+    QCOMPARE(formatted(u"“%@”: %@."_s, {u"a.md"_s, Phrase{u"File exists"_s}}),
+             u"“a.md”: File exists."_s);
 }
 
 void MessageTest::writesAPerCentSignForTwo()

@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <map>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,6 +25,9 @@ private Q_SLOTS:
     void followsTheSystemWithoutStoredValues();
     void readsTheStoredValues();
     void takesAnUnknownStoredValueForTheSystem();
+    void hasNoSystemLanguageInTheLocaleC_data();
+    void hasNoSystemLanguageInTheLocaleC();
+    void translatesPhrasesAndWritesNumbersOfTheLocale();
     void prefersGivenValuesAndStoresNothing();
     void writesBothKeysAtEveryChange();
     void rewritesAndPostsButNotifiesNobodyWhenTheValueIsTheSame();
@@ -122,6 +126,56 @@ void AppPreferencesTest::readsTheStoredValues()
 
     QCOMPARE(preferences.language(), AppLanguage::chinese);
     QCOMPARE(preferences.appearance(), AppAppearance::dark);
+}
+
+void AppPreferencesTest::hasNoSystemLanguageInTheLocaleC_data()
+{
+    QTest::addColumn<QByteArray>("all");
+    QTest::addColumn<QByteArray>("messages");
+    QTest::addColumn<QByteArray>("lang");
+    QTest::addColumn<bool>("hasLanguage");
+    QTest::newRow("C") << QByteArray() << QByteArray() << QByteArray("C") << false;
+    QTest::newRow("POSIX") << QByteArray() << QByteArray() << QByteArray("POSIX") << false;
+    QTest::newRow("nothing set") << QByteArray() << QByteArray() << QByteArray() << false;
+    QTest::newRow("English") << QByteArray() << QByteArray() << QByteArray("en_US.UTF-8") << true;
+    QTest::newRow("messages in C")
+        << QByteArray() << QByteArray("C") << QByteArray("zh_CN.UTF-8") << false;
+    QTest::newRow("all in C") << QByteArray("C") << QByteArray("zh_CN.UTF-8")
+                              << QByteArray("zh_CN.UTF-8") << false;
+}
+
+void AppPreferencesTest::hasNoSystemLanguageInTheLocaleC()
+{
+    QFETCH(QByteArray, all);
+    QFETCH(QByteArray, messages);
+    QFETCH(QByteArray, lang);
+    QFETCH(bool, hasLanguage);
+    std::map<const char *, QByteArray> before;
+    for (const auto &[name, value] : std::map<const char *, QByteArray>{
+             {"LC_ALL", all}, {"LC_MESSAGES", messages}, {"LANG", lang}, {"LANGUAGE", "zh_CN"}}) {
+        before[name] = qgetenv(name);
+        qputenv(name, value);
+    }
+
+    const QStringList languages = systemLanguages();
+
+    for (const auto &[name, value] : before) {
+        if (value.isNull())
+            qunsetenv(name);
+        else
+            qputenv(name, value);
+    }
+    QCOMPARE(!languages.isEmpty(), hasLanguage);
+}
+
+void AppPreferencesTest::translatesPhrasesAndWritesNumbersOfTheLocale()
+{
+    const AppPreferences preferences(nullptr, AppLanguage::chinese);
+
+    QCOMPARE(preferences.text({u"“%@” could not be used: %@. Mend that, then try again."_s,
+                               {u"a.md"_s, Phrase{u"Connection timed out"_s}}}),
+             u"“a.md”无法使用：连接超时。请排除此问题，然后重试。"_s);
+    QCOMPARE(preferences.format(u"%d characters"_s, {12345}), u"12,345 个字符"_s);
 }
 
 void AppPreferencesTest::takesAnUnknownStoredValueForTheSystem()
@@ -275,7 +329,7 @@ void AppPreferencesTest::fillsInATranslatedFormat()
 {
     AppPreferences preferences(nullptr, AppLanguage::chinese);
 
-    QCOMPARE(preferences.format(u"%d notes"_s, {1234}), u"1234 条笔记"_s);
+    QCOMPARE(preferences.format(u"%d notes"_s, {1234}), u"1,234 条笔记"_s);
     QCOMPARE(preferences.format(u"Open note: %@"_s, {u"牛奶 %d"_s}), u"打开笔记：牛奶 %d"_s);
     QCOMPARE(preferences.format(u"%02d"_s, {7}), u"07"_s);
 }
