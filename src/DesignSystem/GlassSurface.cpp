@@ -25,7 +25,7 @@ struct Layer {
 constexpr Layer backdrop(ColorScheme scheme)
 {
     return scheme == ColorScheme::dark ? Layer{0.13F, 0.125F, 0.12F, 0.90F}
-                                       : Layer{0.93F, 0.925F, 0.915F, 0.86F};
+                                       : Layer{0.885F, 0.875F, 0.86F, 0.88F};
 }
 
 constexpr Layer tint(ColorScheme scheme)

@@ -4,6 +4,8 @@
 #include "Metrics.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,18 +27,45 @@ Colors colors(ColorScheme scheme)
     if (scheme == ColorScheme::dark)
         return {.primary = QColor(245, 242, 238),
                 .secondary = QColor(186, 180, 173),
-                .tertiary = QColor(142, 136, 129),
+                .tertiary = QColor(166, 160, 153),
                 .failure = QColor(255, 138, 122),
                 .window = QColor(38, 36, 34),
                 .base = QColor(28, 27, 25),
                 .raised = QColor(52, 50, 47)};
     return {.primary = QColor(30, 27, 25),
-            .secondary = QColor(88, 82, 77),
-            .tertiary = QColor(120, 113, 106),
+            .secondary = QColor(82, 76, 71),
+            .tertiary = QColor(92, 85, 78),
             .failure = QColor(168, 28, 20),
-            .window = QColor(246, 242, 236),
+            .window = QColor(238, 233, 226),
             .base = QColor(255, 253, 250),
-            .raised = QColor(233, 228, 221)};
+            .raised = QColor(226, 220, 212)};
+}
+
+/// The accent, dark enough for white text: selected text is to be read, as any other.
+QColor selection()
+{
+    return QColor::fromRgbF(0.73F, 0.32F, 0.175F);
+}
+
+/// The common fonts of one way to write Chinese characters. Of those that are not installed no
+/// notice is taken when a text is drawn; to ask which are would load all of them, also for a
+/// launcher without a text.
+struct CjkFamilies {
+    QString language; ///< The beginning of its name.
+    QStringList families;
+};
+
+const QList<CjkFamilies> &allCjkFamilies()
+{
+    static const QList<CjkFamilies> all = {
+        {u"zh-Hant-HK"_s, {u"Noto Sans CJK HK"_s, u"Noto Sans HK"_s, u"Source Han Sans HC"_s}},
+        {u"zh-Hant"_s, {u"Noto Sans CJK TC"_s, u"Noto Sans TC"_s, u"Source Han Sans TC"_s}},
+        {u"zh"_s,
+         {u"Noto Sans CJK SC"_s, u"Noto Sans SC"_s, u"Source Han Sans SC"_s,
+          u"Source Han Sans CN"_s, u"WenQuanYi Micro Hei"_s, u"WenQuanYi Zen Hei"_s}},
+        {u"ja"_s, {u"Noto Sans CJK JP"_s, u"Noto Sans JP"_s, u"Source Han Sans JP"_s}},
+        {u"ko"_s, {u"Noto Sans CJK KR"_s, u"Noto Sans KR"_s, u"Source Han Sans KR"_s}}};
+    return all;
 }
 
 /// Black on white and white on black; what tells the tones apart is small.
@@ -74,23 +103,55 @@ AccentColors accentColors(ColorScheme scheme, Contrast contrast)
     return {QColor(124, 45, 16), Qt::white};
 }
 
-/// The common fonts of that script, of those that are installed.
 const QStringList &simplifiedChineseFamilies()
 {
-    static const QStringList families = [] {
-        QStringList installed;
-        for (const QString &family :
-             {u"Noto Sans CJK SC"_s, u"Noto Sans SC"_s, u"Source Han Sans SC"_s,
-              u"Source Han Sans CN"_s, u"WenQuanYi Micro Hei"_s, u"WenQuanYi Zen Hei"_s}) {
-            if (QFontDatabase::hasFamily(family))
-                installed.append(family);
+    return allCjkFamilies().at(2).families;
+}
+
+/// Of the first of the languages that is written with Chinese characters.
+QStringList preferredFamilies(const QStringList &languages)
+{
+    for (const QString &language : languages) {
+        const QLocale locale(language);
+        QString name = QLocale::languageToCode(locale.language());
+        if (locale.language() == QLocale::Chinese &&
+            locale.script() == QLocale::TraditionalHanScript)
+            name += locale.territory() == QLocale::Taiwan ? "-Hant"_L1 : "-Hant-HK"_L1;
+        for (const CjkFamilies &cjk : allCjkFamilies()) {
+            if (cjk.language == name)
+                return cjk.families;
         }
-        return installed;
-    }();
-    return families;
+    }
+    return simplifiedChineseFamilies();
+}
+
+bool isCjk(const QString &family)
+{
+    return std::any_of(allCjkFamilies().begin(), allCjkFamilies().end(),
+                       [&family](const CjkFamilies &cjk) { return cjk.families.contains(family); });
 }
 
 } // namespace
+
+QStringList NoteTheme::families(const QStringList &interface, const QLocale &locale,
+                                const QStringList &systemLanguages)
+{
+    QStringList chinese = preferredFamilies(systemLanguages);
+    // A view in Simplified Chinese is written so, whoever reads it.
+    const bool isForeign = !systemLanguages.isEmpty() &&
+                           QLocale(systemLanguages.first()).language() != QLocale::Chinese;
+    if (locale.language() == QLocale::Chinese && isForeign)
+        chinese = simplifiedChineseFamilies();
+    for (const QString &family : simplifiedChineseFamilies()) {
+        if (!chinese.contains(family))
+            chinese.append(family);
+    }
+    // The interface font of another country has all characters, in its own forms.
+    const bool hasOtherForms =
+        std::any_of(interface.begin(), interface.end(),
+                    [&](const QString &f) { return isCjk(f) && f != chinese.first(); });
+    return hasOtherForms && locale.language() == QLocale::Chinese ? chinese + interface : interface + chinese;
+}
 
 const QColor &NoteTheme::accent()
 {
@@ -146,7 +207,7 @@ QPalette::ColorRole NoteTheme::role(Tone tone)
     case Tone::tertiary:
         return QPalette::PlaceholderText;
     case Tone::accent:
-        return QPalette::Highlight;
+        return QPalette::Link;
     case Tone::failure:
         return QPalette::BrightText;
     case Tone::onAccent:
@@ -170,11 +231,16 @@ QColor NoteTheme::color(const QPalette &palette, Tone tone, double opacity)
 QFont NoteTheme::font(int pixelSize, QFont::Weight weight, const QLocale &locale)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    if (locale.language() == QLocale::Chinese)
-        font.setFamilies(font.families() + simplifiedChineseFamilies());
+    // The system's name for it may be no family's, as "Sans Serif", and would then be passed over.
+    font.setFamilies(families({QFontInfo(font).family()}, locale, QLocale::system().uiLanguages()));
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
     return font;
+}
+
+QStringList NoteTheme::emojiFamilies()
+{
+    return {u"Noto Color Emoji"_s, u"Twemoji"_s, u"Twitter Color Emoji"_s};
 }
 
 QFont NoteTheme::serifFont(int pixelSize, QFont::Weight weight)

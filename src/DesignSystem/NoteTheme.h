@@ -12,7 +12,7 @@
 enum class Tone {
     primary,
     secondary, ///< Text of lesser weight. At least 4.5:1 on the surface.
-    tertiary,  ///< Prompts and marks of no importance. At least 3:1 on the surface.
+    tertiary,  ///< Prompts and marks of no importance. At least 4.5:1 on the surface.
     accent,
     failure, ///< The red of failures; readable as text on the surface.
     onAccent
@@ -48,11 +48,19 @@ namespace NoteTheme {
 /// The tone at an opacity from 0 to 1, for fills and lines.
 [[nodiscard]] QColor color(const QPalette &palette, Tone tone, double opacity);
 
-/// The system's interface font at a pixel size. Chinese characters that it lacks are drawn as they
-/// are written in the locale: on a system that does not speak Chinese the first font at hand would
-/// often give them their Japanese form.
+/// The system's interface font at a pixel size, see families().
 [[nodiscard]] QFont font(int pixelSize, QFont::Weight weight = QFont::Normal,
                          const QLocale &locale = {});
+
+/// The families of the interface font, and behind them those for Chinese characters that it lacks:
+/// in the forms of the first of the system's languages that is written with them, else of
+/// Simplified Chinese, which a view in Chinese always takes. The first font at hand would often
+/// give them their Japanese form, in a weight that is not the text's.
+[[nodiscard]] QStringList families(const QStringList &interface, const QLocale &locale,
+                                   const QStringList &systemLanguages);
+
+/// Fonts with emoji in colours, the preferred one first.
+[[nodiscard]] QStringList emojiFamilies();
 
 /// The serif design of the product title.
 [[nodiscard]] QFont serifFont(int pixelSize, QFont::Weight weight = QFont::Normal);

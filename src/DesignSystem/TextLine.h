@@ -11,7 +11,8 @@ class QPainter;
 /// One line of text whose capitals stand in the middle of their rectangle.
 ///
 /// Symbols and dots beside the line are then level with it, and another script, whose font has
-/// other heights, moves nothing: a view in Chinese is laid out like one in English.
+/// other heights, moves nothing: a view in Chinese is laid out like one in English. A line stands
+/// and runs in the direction of its own text, and emoji are drawn in colour.
 namespace TextLine {
 
 /// As wide as the text. The height is that of the font whatever the text is.
@@ -20,5 +21,8 @@ namespace TextLine {
 /// With the painter's font and pen. Only the horizontal part of the alignment counts.
 void paint(QPainter &painter, const QRectF &rect, const QString &text,
            Qt::Alignment alignment = Qt::AlignLeading);
+
+/// The same for a line that is cut, between characters, where the rectangle ends.
+void paintElided(QPainter &painter, const QRectF &rect, const QString &text);
 
 } // namespace TextLine

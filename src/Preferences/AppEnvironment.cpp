@@ -50,7 +50,11 @@ void AppEnvironment::apply()
     const QPalette palette = NoteTheme::palette(
         colorScheme(), m_system.highContrast() ? Contrast::high : Contrast::normal);
     setLocale(m_preferences.locale());
-    setFont(TextStyles::environment.font(locale()));
+    // Whatever shows a text takes the font of its style. To look for families here would load the
+    // fonts for a launcher that shows none.
+    QFont font = this->font();
+    font.setPixelSize(TextStyles::environment.pixelSize);
+    setFont(font);
     setPalette(palette);
     // Tooltips are windows of their own, with one palette for the whole program.
     QToolTip::setPalette(palette);

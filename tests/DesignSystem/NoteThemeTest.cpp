@@ -9,6 +9,8 @@
 #include <QLocale>
 #include <QTest>
 
+using namespace Qt::Literals::StringLiterals;
+
 Q_DECLARE_METATYPE(ColorScheme)
 
 class NoteThemeTest final : public QObject {
@@ -19,10 +21,12 @@ private Q_SLOTS:
     void knowsTheSchemeOfItsPalettes();
     void keepsTextReadableOverEveryWallpaper_data();
     void keepsTextReadableOverEveryWallpaper();
+    void keepsTextReadableInAlertsAndMenus();
     void keepsSelectedTextReadable();
     void makesEveryToneStandOutInHighContrast();
     void setsFontsInPixels();
-    void prefersChineseFormsInAChineseView();
+    void drawsChineseAsTheUserReadsIt_data();
+    void drawsChineseAsTheUserReadsIt();
 };
 
 namespace {
@@ -96,15 +100,51 @@ void NoteThemeTest::keepsTextReadableOverEveryWallpaper()
         const QColor banner =
             Pixels::over(NoteTheme::color(palette, Tone::failure, Metrics::bannerFill), surface);
 
-        for (const QColor &ground : {surface, row}) {
-            QVERIFY(Pixels::contrast(primary, ground) >= textContrast);
-            QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::secondary), ground) >=
-                    textContrast);
-            QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::tertiary), ground) >=
-                    largeTextContrast);
+        const QColor search =
+            Pixels::over(NoteTheme::color(palette, Tone::primary, Metrics::searchFill), surface);
+        const QColor tab =
+            Pixels::over(NoteTheme::color(palette, Tone::primary, Metrics::tabFill), surface);
+
+        const auto contrast = [&](Tone tone, const QColor &ground) {
+            return Pixels::contrast(NoteTheme::color(palette, tone), ground);
+        };
+        for (const QColor &ground : {surface, row, search, tab})
+            QVERIFY(contrast(Tone::primary, ground) >= textContrast);
+        for (const QColor &ground : {surface, row})
+            QVERIFY(contrast(Tone::secondary, ground) >= textContrast);
+        // The placeholder and the prompt of the search.
+        for (const QColor &ground : {surface, search})
+            QVERIFY(contrast(Tone::tertiary, ground) >= textContrast);
+        for (const QColor &ground : {surface, banner})
+            QVERIFY(contrast(Tone::failure, ground) >= textContrast);
+        QVERIFY(contrast(Tone::accent, surface) >= largeTextContrast);
+
+        // The primary button's label is white over the accent, whatever that gives.
+        QColor pressed = NoteTheme::accent();
+        pressed.setAlphaF(Metrics::primaryButtonPressed);
+        QVERIFY(contrast(Tone::onAccent, Pixels::over(pressed, surface)) >= largeTextContrast);
+    }
+}
+
+void NoteThemeTest::keepsTextReadableInAlertsAndMenus()
+{
+    for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {
+        const QPalette palette = NoteTheme::palette(scheme);
+        const QColor card = palette.color(QPalette::Window);
+        for (const double fill : {0.0, Metrics::alertButtonFill, Metrics::alertButtonPressedFill}) {
+            const QColor button =
+                Pixels::over(NoteTheme::color(palette, Tone::primary, fill), card);
+            for (const Tone tone : {Tone::primary, Tone::failure})
+                QVERIFY(Pixels::contrast(NoteTheme::color(palette, tone), button) >= textContrast);
         }
-        QVERIFY(Pixels::contrast(failure, banner) >= textContrast);
-        QVERIFY(Pixels::contrast(NoteTheme::accent(), surface) >= largeTextContrast);
+        QVERIFY(Pixels::contrast(NoteTheme::color(palette, Tone::secondary), card) >= textContrast);
+        QVERIFY(Pixels::contrast(palette.color(QPalette::ToolTipText),
+                                 palette.color(QPalette::ToolTipBase)) >= textContrast);
+        for (const QPalette::ColorRole ground :
+             {QPalette::Base, QPalette::Window, QPalette::Button}) {
+            QVERIFY(Pixels::contrast(palette.color(QPalette::WindowText), palette.color(ground)) >=
+                    textContrast);
+        }
     }
 }
 
@@ -114,8 +154,7 @@ void NoteThemeTest::keepsSelectedTextReadable()
         const QPalette palette = NoteTheme::palette(scheme);
         for (const auto group : {QPalette::Active, QPalette::Inactive}) {
             QVERIFY(Pixels::contrast(palette.color(group, QPalette::HighlightedText),
-                                     palette.color(group, QPalette::Highlight)) >=
-                    largeTextContrast);
+                                     palette.color(group, QPalette::Highlight)) >= textContrast);
         }
         // A disabled editor still shows text that someone wants to read.
         QVERIFY(Pixels::contrast(palette.color(QPalette::Disabled, QPalette::Text),
@@ -151,16 +190,48 @@ void NoteThemeTest::setsFontsInPixels()
     QCOMPARE(TextStyles::productTitle.font().styleHint(), QFont::Serif);
 }
 
-void NoteThemeTest::prefersChineseFormsInAChineseView()
+void NoteThemeTest::drawsChineseAsTheUserReadsIt_data()
 {
-    const QStringList english = TextStyles::editor.font(QLocale(QLocale::English)).families();
-    const QStringList chinese = TextStyles::editor.font(QLocale(QLocale::Chinese)).families();
+    QTest::addColumn<QString>("interface");
+    QTest::addColumn<QLocale>("view");
+    QTest::addColumn<QStringList>("languages");
+    QTest::addColumn<QStringList>("first");
+    const QLocale english(QLocale::English);
+    const QLocale chinese(u"zh-Hans"_s);
+    const QString latin = u"DejaVu Sans"_s;
 
-    QCOMPARE(chinese.first(), english.first());
-    for (const QString &family : chinese.sliced(english.size())) {
-        QVERIFY(QFontDatabase::hasFamily(family));
-        QVERIFY(QFontDatabase::writingSystems(family).contains(QFontDatabase::SimplifiedChinese));
-    }
+    QTest::newRow("English") << latin << english << QStringList{u"en-US"_s}
+                             << QStringList{latin, u"Noto Sans CJK SC"_s};
+    QTest::newRow("no language") << latin << english << QStringList{}
+                                 << QStringList{latin, u"Noto Sans CJK SC"_s};
+    QTest::newRow("Chinese") << latin << chinese << QStringList{u"zh-CN"_s}
+                             << QStringList{latin, u"Noto Sans CJK SC"_s};
+    QTest::newRow("Taiwan") << latin << chinese << QStringList{u"zh-TW"_s}
+                            << QStringList{latin, u"Noto Sans CJK TC"_s};
+    QTest::newRow("Japanese, then Chinese")
+        << latin << english << QStringList{u"de-DE"_s, u"ja-JP"_s, u"zh-CN"_s}
+        << QStringList{latin, u"Noto Sans CJK JP"_s};
+    QTest::newRow("Korean") << latin << english << QStringList{u"ko-KR"_s}
+                            << QStringList{latin, u"Noto Sans CJK KR"_s};
+    QTest::newRow("Chinese view in Japan")
+        << latin << chinese << QStringList{u"ja-JP"_s} << QStringList{latin, u"Noto Sans CJK SC"_s};
+    QTest::newRow("Japanese interface font")
+        << u"Noto Sans CJK JP"_s << chinese << QStringList{u"ja-JP"_s}
+        << QStringList{u"Noto Sans CJK SC"_s};
+}
+
+void NoteThemeTest::drawsChineseAsTheUserReadsIt()
+{
+    QFETCH(QString, interface);
+    QFETCH(QLocale, view);
+    QFETCH(QStringList, languages);
+    QFETCH(QStringList, first);
+
+    const QStringList families = NoteTheme::families({interface}, view, languages);
+
+    QCOMPARE(families.first(first.size()), first);
+    QVERIFY(families.contains(interface));
+    QVERIFY(families.contains(u"Noto Sans CJK SC"_s));
 }
 
 QTEST_MAIN(NoteThemeTest)

@@ -28,6 +28,7 @@ public:
 
 private Q_SLOTS:
     void showsTheNoteWithTheTimeOfItsCreation();
+    void asksInTheLanguageOfTheUser();
     void showsTheUnsavedEditInPlaceOfTheNote();
     void keepsWhatIsTypedAsADraftAndLeavesTheNoteAsItIs();
     void savesWithTheButtonAndGoesBack();
@@ -117,6 +118,20 @@ void EditNoteViewTest::showsTheNoteWithTheTimeOfItsCreation()
              u"Mar 1, 2025, 8:15 AM"_s);
     QCOMPARE(Views::text(screen.view, "editStatus"), u"Saved on this Mac"_s);
     QTRY_VERIFY(screen.editor()->hasFocus());
+}
+
+void EditNoteViewTest::asksInTheLanguageOfTheUser()
+{
+    Screen screen;
+    screen.preferences.setLanguage(AppLanguage::chinese);
+    QVERIFY(Views::show(screen.view));
+
+    Views::click(screen.view, "deleteNote");
+
+    // It lies over the window, outside the views that have the locale from above.
+    QCOMPARE(screen.alert()->locale().language(), QLocale::Chinese);
+    for (const QWidget *part : screen.alert()->findChildren<QWidget *>())
+        QCOMPARE(part->locale().language(), QLocale::Chinese);
 }
 
 void EditNoteViewTest::showsTheUnsavedEditInPlaceOfTheNote()

@@ -163,6 +163,8 @@ void DeleteAlert::placeCard()
 
 void DeleteAlert::render()
 {
+    // The window above is none of the views that have the user's language.
+    setLocale(m_preferences.locale());
     m_title->setText(m_preferences.text(u"Delete this note?"_s));
     m_message->setText(m_preferences.text(
         u"This removes the note and its editing draft from this Mac. You cannot undo this in the app."_s));

@@ -34,8 +34,7 @@ void drawText(QPainter &painter, const QStyleOptionViewItem &option, const QRect
 {
     painter.setFont(style.font(option.locale));
     painter.setPen(NoteTheme::color(option.palette, style.tone));
-    TextLine::paint(painter, QStyle::visualRect(option.direction, option.rect, line),
-                    painter.fontMetrics().elidedText(text, Qt::ElideRight, line.width()));
+    TextLine::paintElided(painter, QStyle::visualRect(option.direction, option.rect, line), text);
 }
 
 } // namespace
