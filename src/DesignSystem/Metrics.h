@@ -18,7 +18,9 @@ inline constexpr int launcherRefusalMilliseconds = 8000;
 // The panel: header, banner, footer.
 inline constexpr QSize panelSize{424, 560};
 inline constexpr int panelMargin = 26;
-inline constexpr QMargins headerPadding{panelMargin, 22, panelMargin, 24};
+// An icon button stands that far outside the margin, so that its icon ends where texts end.
+inline constexpr int iconOverhang = 8;
+inline constexpr QMargins headerPadding{panelMargin, 22, panelMargin - iconOverhang, 24};
 inline constexpr int headerSpacing = 7;
 inline constexpr int tabSpacing = 3;
 inline constexpr QMargins tabPadding{11, 6, 11, 6};
@@ -27,6 +29,7 @@ inline constexpr QMargins bannerMargins{panelMargin, 0, panelMargin, 18};
 inline constexpr QMargins bannerPadding{12, 12, 12, 12};
 inline constexpr int bannerSpacing = 8;
 inline constexpr int paragraphLineSpacing = 2;
+inline constexpr int bannerMostLines = 4;
 inline constexpr int bannerRadius = 12;
 inline constexpr double bannerFill = 0.07;
 inline constexpr QMargins footerPadding{panelMargin, 11, panelMargin, 14};
@@ -50,6 +53,8 @@ inline constexpr int actionSpacing = 9;
 
 // The edit screen.
 inline constexpr int editSpacing = 16;
+inline constexpr QMargins editPadding{panelMargin, 0, panelMargin - iconOverhang, 23};
+inline constexpr QMargins editContentPadding{0, 0, iconOverhang, 0};
 
 // The question before a note is deleted.
 inline constexpr int alertWidth = 344;
@@ -105,6 +110,7 @@ inline constexpr double menuBorder = 0.12;
 inline constexpr QSize quietIconButton{30, 30};
 inline constexpr QSize preferencesButton{25, 28};
 inline constexpr int plainButtonSpacing = 4;
+inline constexpr int chevronInset = 3; // What its drawing leaves free in front.
 inline constexpr QMargins primaryButtonPadding{17, 11, 17, 11};
 inline constexpr int primaryButtonSpacing = 7;
 inline constexpr double primaryButtonPressed = 0.72;

@@ -10,6 +10,8 @@
 #include <QPainter>
 #include <QStyle>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 /// Qt's own interface of a button would do nothing when the checked one of several is to be
@@ -78,13 +80,20 @@ PlainButton *PlainButton::makeTab(QWidget *parent)
     return tab;
 }
 
+PlainButton *PlainButton::makeBack(QWidget *parent)
+{
+    auto *back = new PlainButton(TextStyles::backButton, u"chevron.left"_s, parent);
+    back->m_symbolInset = Metrics::chevronInset;
+    return back;
+}
+
 QSize PlainButton::sizeHint() const
 {
     QSize label = TextLine::size(fontMetrics(), text());
     if (!m_symbol.isEmpty()) {
         const QSize symbol = Symbol::size(textStyle().pixelSize);
         const int between = text().isEmpty() ? 0 : Metrics::plainButtonSpacing;
-        label.rwidth() += symbol.width() + between;
+        label.rwidth() += symbol.width() - m_symbolInset + between;
         label.setHeight(std::max(label.height(), symbol.height()));
     }
     return label.grownBy(m_padding);
@@ -114,10 +123,10 @@ void PlainButton::paintEvent(QPaintEvent *)
     QRect label = rect().marginsRemoved(m_padding);
     if (!m_symbol.isEmpty()) {
         const int symbolWidth = Symbol::size(textStyle().pixelSize).width();
-        const QRect place(label.left(), 0, symbolWidth, height());
+        const QRect place(label.left() - m_symbolInset, 0, symbolWidth, height());
         Symbol::paint(painter, QStyle::visualRect(layoutDirection(), rect(), place), m_symbol,
                       textStyle().pixelSize, color, textStyle().weight);
-        label.setLeft(label.left() + symbolWidth + Metrics::plainButtonSpacing);
+        label.setLeft(place.right() + 1 + Metrics::plainButtonSpacing);
     }
     painter.setFont(font());
     painter.setPen(color);

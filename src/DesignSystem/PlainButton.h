@@ -18,6 +18,9 @@ public:
     /// assistive tools is to click it, also when it is checked.
     [[nodiscard]] static PlainButton *makeTab(QWidget *parent = nullptr);
 
+    /// A way back: a chevron whose tip stands at the left edge, and the text.
+    [[nodiscard]] static PlainButton *makeBack(QWidget *parent = nullptr);
+
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
@@ -27,4 +30,5 @@ protected:
 private:
     QString m_symbol;
     QMargins m_padding;
+    int m_symbolInset = 0;
 };

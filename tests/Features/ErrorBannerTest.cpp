@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "ErrorBanner.h"
+#include "Layouts.h"
 #include "NoteTheme.h"
 #include "Pixels.h"
 #include "SymbolView.h"
+#include "TextStyle.h"
 #include "Views.h"
 
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <numbers>
 
@@ -21,6 +25,7 @@ private Q_SLOTS:
 
     void liesWithinTheMarginsOfThePanel();
     void isARowOfSymbolMessageAndButton();
+    void scrollsALongMessageWithinFourLines();
     void isFilledWithSevenPerCentOfRed_data();
     void isFilledWithSevenPerCentOfRed();
     void hasCornersOfRadiusTwelve();
@@ -87,6 +92,33 @@ void ErrorBannerTest::isARowOfSymbolMessageAndButton()
     QCOMPARE(place(retry).right(), frame.right() - 12);
     for (const QWidget *part : {static_cast<const QWidget *>(symbol), message, retry})
         QCOMPARE(place(part).top(), frame.top() + 12);
+}
+
+void ErrorBannerTest::scrollsALongMessageWithinFourLines()
+{
+    QWidget panel;
+    auto *const banner = m_banner.release();
+    banner->setParent(&panel);
+    banner->setMinimumSize(0, 0);
+    banner->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    column(&panel, {banner, filling(new QWidget)});
+    panel.resize(424, 400);
+    const QString path = u"/home/user/"_s + u"very long folder "_s.repeated(30);
+
+    banner->setMessage(path);
+    QVERIFY(Views::show(panel));
+
+    const auto *const text = banner->findChild<QScrollArea *>();
+    const int line = QFontMetrics(TextStyles::banner.font()).height();
+    QTRY_VERIFY(text->height() > 3 * line);
+    QVERIFY(text->height() <= 5 * line);
+    QVERIFY(text->verticalScrollBar()->maximum() > 0);
+    QCOMPARE(text->focusPolicy(), Qt::TabFocus);
+    QVERIFY(Views::find(*banner, "errorMessage")->height() > text->height());
+
+    banner->setMessage(u"The disk is full."_s);
+    QTRY_COMPARE(text->height(), line);
+    QTRY_COMPARE(text->focusPolicy(), Qt::NoFocus);
 }
 
 void ErrorBannerTest::isFilledWithSevenPerCentOfRed_data()

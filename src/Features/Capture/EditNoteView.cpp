@@ -29,7 +29,7 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
     , m_store(store)
     , m_preferences(preferences)
     , m_note(std::move(note))
-    , m_back(named(u"allNotes"_s, new PlainButton(TextStyles::backButton, u"chevron.left"_s, this)))
+    , m_back(named(u"allNotes"_s, PlainButton::makeBack(this)))
     , m_copy(named(u"copyText"_s,
                    new QuietIconButton(u"doc.on.doc"_s, TextStyles::copyIcon.pixelSize, this)))
     , m_delete(named(u"deleteNote"_s, new QuietIconButton(u"trash"_s, this)))
@@ -42,9 +42,11 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
     , m_saveKeys(new SaveKeys(this))
 {
     column(this,
-           {row({m_back, stretch(), m_copy, m_delete}), m_date, filling(m_editor),
-            row({m_status, stretch(), m_save})},
-           {Metrics::editSpacing, Metrics::screenPadding});
+           {row({m_back, stretch(), m_copy, m_delete}),
+            row({filling(m_date)}, {0, Metrics::editContentPadding}),
+            filling(row({filling(m_editor)}, {0, Metrics::editContentPadding})),
+            row({m_status, stretch(), m_save}, {0, Metrics::editContentPadding})},
+           {Metrics::editSpacing, Metrics::editPadding});
 
     setFocusProxy(m_editor);
     setAccessibleRole(this, QAccessible::Client);

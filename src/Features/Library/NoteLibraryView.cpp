@@ -19,6 +19,7 @@
 #include "TintedFrame.h"
 
 #include <QKeyEvent>
+#include <initializer_list>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -211,6 +212,11 @@ void NoteLibraryView::render()
     m_list->setVisible(m_model->rowCount() > 0);
     setAccessibleText(m_list, m_preferences.text(u"Notes"_s));
 
+    // An empty store invites to write; one that could not be read has its say in the banner alone.
+    const bool isUnread = m_store.isReadOnly() && query.isEmpty();
+    for (QWidget *const part :
+         std::initializer_list<QWidget *>{m_emptySymbol, m_emptyHeading, m_emptyHint})
+        part->setVisible(!isUnread);
     m_empty->setVisible(m_model->rowCount() == 0);
     m_emptySymbol->setSymbol(query.isEmpty() ? u"sparkle"_s : u"magnifyingglass"_s);
     m_emptyHeading->setText(m_preferences.text(query.isEmpty()

@@ -6,6 +6,7 @@
 #include "Metrics.h"
 #include "Named.h"
 #include "PlainButton.h"
+#include "ScrolledText.h"
 #include "SymbolView.h"
 #include "TextLabel.h"
 #include "TintedFrame.h"
@@ -17,20 +18,20 @@ using namespace Qt::Literals::StringLiterals;
 ErrorBanner::ErrorBanner(QWidget *parent)
     : QWidget(parent)
     , m_message(named(u"errorMessage"_s, new TextLabel(TextStyles::banner, this)))
+    , m_text(new ScrolledText(m_message, Metrics::bannerMostLines, this))
     , m_retry(named(u"retry"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_show(named(u"showFile"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_reload(named(u"reload"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
 {
     setObjectName(u"errorBanner"_s);
-    m_message->setWraps(true);
     setAccessibleRole(this, QAccessible::AlertMessage);
 
     auto *frame = new TintedFrame(Tone::failure, Metrics::bannerFill, Metrics::bannerRadius, this);
     auto *symbol = new SymbolView(u"exclamationmark.triangle"_s, TextStyles::banner, frame);
     row(frame,
         {aligned(Qt::AlignTop, symbol),
-         filling(column({m_message, aligned(Qt::AlignLeft, m_reload), stretch()},
-                        {Metrics::bannerSpacing, {}})),
+         column({m_text, aligned(Qt::AlignLeft, m_reload), stretch()},
+                {Metrics::bannerSpacing, {}}),
          column({aligned(Qt::AlignRight, m_retry), aligned(Qt::AlignRight, m_show), stretch()},
                 {Metrics::bannerSpacing, {}})},
         {Metrics::bannerSpacing, Metrics::bannerPadding});
@@ -48,6 +49,7 @@ void ErrorBanner::setMessage(const QString &message)
 {
     const bool isNews = !message.isEmpty() && (message != m_message->text() || isHidden());
     m_message->setText(message);
+    m_text->showFromTop();
     setAccessibleText(this, message);
     setHidden(message.isEmpty());
     if (isNews) {

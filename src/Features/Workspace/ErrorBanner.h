@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class PlainButton;
+class ScrolledText;
 class TextLabel;
 
 /// What went wrong and whether the words are safe, with a button to try again, when it is about a
@@ -31,6 +32,7 @@ Q_SIGNALS:
 
 private:
     TextLabel *const m_message;
+    ScrolledText *const m_text;
     PlainButton *const m_retry;
     PlainButton *const m_show;
     PlainButton *const m_reload;
