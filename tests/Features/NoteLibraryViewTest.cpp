@@ -11,8 +11,10 @@
 
 #include <QAbstractItemModel>
 #include <QAccessible>
+#include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -31,7 +33,9 @@ private Q_SLOTS:
     void emptiesTheFieldWithTheButtonAndGoesOnTyping();
     void emptiesTheFieldWithTheKeyboard();
     void invitesToWriteWhenThereAreNoNotes();
+    void saysNothingWhenTheNotesCouldNotBeRead();
     void saysThatNothingMatches();
+    void hasAMenuInTheLanguageOfTheUser();
     void takesASpaceForASearch();
     void marksTheRowUnderThePointerAlone();
     void opensTheNoteThatIsClicked();
@@ -209,6 +213,24 @@ void NoteLibraryViewTest::invitesToWriteWhenThereAreNoNotes()
              u"Every good idea starts\nwith a quick note."_s);
     QCOMPARE(Views::text(screen.view, "emptyHint"), u"Open Capture to write your first one."_s);
     QCOMPARE(Views::text(screen.view, "libraryCount"), u"00"_s);
+}
+
+void NoteLibraryViewTest::saysNothingWhenTheNotesCouldNotBeRead()
+{
+    auto repository = std::make_unique<FailingRepository>();
+    repository->failWith(std::runtime_error("unreadable"));
+    NoteStore store(std::move(repository));
+    AppPreferences preferences(nullptr, AppLanguage::english);
+    NoteLibraryView view(store, preferences);
+    view.resize(424, 440);
+    QVERIFY(Views::show(view));
+
+    QVERIFY(store.isReadOnly());
+    for (const char *part : {"emptySymbol", "emptyHeading", "emptyHint"})
+        QVERIFY(!Views::find(view, part));
+
+    QTest::keyClicks(Views::find<QLineEdit>(view, "searchNotes"), u"milk"_s);
+    QCOMPARE(Views::text(view, "emptyHeading"), u"No matching thoughts yet."_s);
 }
 
 void NoteLibraryViewTest::saysThatNothingMatches()
@@ -490,6 +512,30 @@ void NoteLibraryViewTest::changesItsTextsWithTheLanguage()
         QVERIFY2(Views::isChinese(Views::text(screen.view, name)), name);
     QVERIFY(Views::isChinese(screen.search()->placeholderText()));
     QCOMPARE(screen.search()->text(), u"bread"_s);
+}
+
+void NoteLibraryViewTest::hasAMenuInTheLanguageOfTheUser()
+{
+    Screen screen({});
+    QVERIFY(Views::show(screen.view));
+    screen.preferences.setLanguage(AppLanguage::chinese);
+    QTest::keyClicks(screen.search(), u"milk"_s);
+
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
+    QCoreApplication::sendEvent(screen.search(), &event);
+
+    auto *const menu = screen.search()->findChild<QMenu *>();
+    QVERIFY(menu && menu->isVisible());
+    QStringList texts;
+    for (const QAction *action : menu->actions()) {
+        if (!action->isSeparator())
+            texts.append(action->text().section(u'\t', 0, 0));
+    }
+    QCOMPARE(texts,
+             (QStringList{u"撤销"_s, u"重做"_s, u"剪切"_s, u"复制"_s, u"粘贴"_s, u"全选"_s}));
+    menu->findChild<QAction *>(u"Select all"_s)->trigger();
+    QCOMPARE(screen.search()->selectedText(), u"milk"_s);
+    menu->close();
 }
 
 QTEST_MAIN(NoteLibraryViewTest)

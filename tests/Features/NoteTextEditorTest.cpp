@@ -28,6 +28,7 @@ class NoteTextEditorTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void writesEachParagraphInItsOwnDirection();
     void returnsTheTextAsItWasSet_data();
     void returnsTheTextAsItWasSet();
     void keepsUniformLineEndsThroughAnEdit_data();
@@ -691,6 +692,19 @@ void NoteTextEditorTest::breaksEndlessWordsAnywhere()
     fixture.editor.paste();
     QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAnywhere);
     QCOMPARE(fixture.editor.noteText(), u"word"_s + endless);
+}
+
+void NoteTextEditorTest::writesEachParagraphInItsOwnDirection()
+{
+    Fixture fixture;
+
+    fixture.editor.setNoteText(u"Milk\nחלב\nحليب"_s);
+
+    QTextBlock block = fixture.editor.document()->firstBlock();
+    QCOMPARE(block.textDirection(), Qt::LeftToRight);
+    block = block.next();
+    QCOMPARE(block.textDirection(), Qt::RightToLeft);
+    QCOMPARE(block.next().textDirection(), Qt::RightToLeft);
 }
 
 QTEST_MAIN(NoteTextEditorTest)

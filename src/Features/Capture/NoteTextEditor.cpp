@@ -4,13 +4,15 @@
 #include "AccessibleRole.h"
 #include "AppPreferences.h"
 #include "ClipboardReader.h"
+#include "EditMenu.h"
+#include "EmojiFormats.h"
 #include "Metrics.h"
 #include "Named.h"
 #include "PanelHints.h"
+#include "Pasting.h"
 #include "SlimScrollBar.h"
 #include "TextLabel.h"
 #include "TextStyle.h"
-#include "ThemedMenu.h"
 #include "UserText.h"
 #include "WellFormed.h"
 
@@ -23,7 +25,6 @@
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QTextBlock>
-#include <QTextDocumentFragment>
 #include <QTextFrame>
 #include <cmath>
 
@@ -107,13 +108,6 @@ bool hasEndlessWord(QStringView text)
     return false;
 }
 
-QString plainText(const QMimeData &data)
-{
-    if (data.hasText() || !data.hasHtml())
-        return data.text();
-    return QTextDocumentFragment::fromHtml(data.html()).toPlainText();
-}
-
 } // namespace
 
 NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString &placeholder,
@@ -139,6 +133,7 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     setCursorWidth(Metrics::caretWidth);
     setFont(TextStyles::editor.font(m_preferences.locale()));
     replaceText(*document(), {});
+    new EmojiHighlighter(document());
 
     m_refusal->setWraps(true);
     setAccessibleRole(m_refusal, QAccessible::AlertMessage);
@@ -284,10 +279,8 @@ void NoteTextEditor::keyPressEvent(QKeyEvent *event)
 {
     if (isComposing() && event->key() == Qt::Key_Escape) {
         event->accept();
-    } else if (event->matches(QKeySequence::Paste)) {
-        const bool isSelection = event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier) &&
-                                 event->key() == Qt::Key_Insert;
-        pasteFrom(isSelection ? QClipboard::Selection : QClipboard::Clipboard);
+    } else if (const auto mode = Pasting::askedBy(*event)) {
+        pasteFrom(*mode);
         event->accept();
     } else if (event->matches(QKeySequence::InsertLineSeparator)) {
         // Shift+Return is a plain new line: U+2028 means nothing in a Markdown file.
@@ -354,31 +347,13 @@ void NoteTextEditor::translate()
 
 void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
 {
-    auto *menu = new ThemedMenu(this);
-    menu->setObjectName(u"noteEditorMenu"_s);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    const auto add = [&](const QString &key, QKeySequence::StandardKey shortcut, bool isPossible,
-                         auto perform) {
-        const QString shown = QKeySequence(shortcut).toString(QKeySequence::NativeText);
-        QAction *action = menu->addAction(m_preferences.text(key) + u'\t' + shown);
-        action->setEnabled(isPossible);
-        connect(action, &QAction::triggered, this, perform);
-    };
-    const bool hasSelection = textCursor().hasSelection();
-    add(u"Undo"_s, QKeySequence::Undo, document()->isUndoAvailable(), &QTextEdit::undo);
-    add(u"Redo"_s, QKeySequence::Redo, document()->isRedoAvailable(), &QTextEdit::redo);
-    menu->addSeparator();
-    add(u"Cut"_s, QKeySequence::Cut, hasSelection, &QTextEdit::cut);
-    add(u"Copy"_s, QKeySequence::Copy, hasSelection, &QTextEdit::copy);
-    add(u"Paste"_s, QKeySequence::Paste, ClipboardReader::mayHaveText(QClipboard::Clipboard),
-        &NoteTextEditor::paste);
-    menu->addSeparator();
-    add(u"Select all"_s, QKeySequence::SelectAll, !document()->isEmpty(), &QTextEdit::selectAll);
-
-    const bool isByKeyboard = event->reason() == QContextMenuEvent::Keyboard;
-    menu->popup(isByKeyboard ? viewport()->mapToGlobal(cursorRect().bottomLeft())
-                             : event->globalPos());
-    event->accept();
+    QMenu *const menu = EditMenu::make(this, m_preferences,
+                                       {.canUndo = document()->isUndoAvailable(),
+                                        .canRedo = document()->isRedoAvailable(),
+                                        .hasSelection = textCursor().hasSelection(),
+                                        .isEmpty = document()->isEmpty()});
+    EditMenu::connectTo(*menu, this);
+    EditMenu::popUp(*menu, *event, viewport()->mapToGlobal(cursorRect().bottomLeft()));
 }
 
 void NoteTextEditor::dropEvent(QDropEvent *event)
@@ -434,7 +409,7 @@ bool NoteTextEditor::canInsertFromMimeData(const QMimeData *source) const
 
 void NoteTextEditor::insertFromMimeData(const QMimeData *source)
 {
-    const QString text = plainText(*source);
+    const QString text = Pasting::plainText(*source);
     if (!hasRoomFor(text)) {
         showRefusal();
         return;

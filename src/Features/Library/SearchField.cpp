@@ -4,15 +4,11 @@
 #include "AppPreferences.h"
 #include "ClipboardReader.h"
 #include "Composition.h"
-#include "ThemedMenu.h"
+#include "EditMenu.h"
+#include "Pasting.h"
 
-#include <QAction>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
-#include <QMimeData>
-#include <QTextDocumentFragment>
-
-using namespace Qt::Literals::StringLiterals;
 
 SearchField::SearchField(const AppPreferences &preferences, QWidget *parent)
     : PlainTextField(TextStyles::search, parent)
@@ -42,20 +38,17 @@ void SearchField::pasteFrom(QClipboard::Mode mode)
 
 void SearchField::insertPasted(const QMimeData &pasted)
 {
-    insert(pasted.hasText() ? pasted.text()
-                            : QTextDocumentFragment::fromHtml(pasted.html()).toPlainText());
+    insert(Pasting::plainText(pasted));
 }
 
 void SearchField::keyPressEvent(QKeyEvent *event)
 {
-    if (!event->matches(QKeySequence::Paste)) {
+    if (const auto mode = Pasting::askedBy(*event)) {
+        pasteFrom(*mode);
+        event->accept();
+    } else {
         PlainTextField::keyPressEvent(event);
-        return;
     }
-    const bool isSelection = event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier) &&
-                             event->key() == Qt::Key_Insert;
-    pasteFrom(isSelection ? QClipboard::Selection : QClipboard::Clipboard);
-    event->accept();
 }
 
 void SearchField::mouseReleaseEvent(QMouseEvent *event)
@@ -71,27 +64,11 @@ void SearchField::mouseReleaseEvent(QMouseEvent *event)
 
 void SearchField::contextMenuEvent(QContextMenuEvent *event)
 {
-    auto *const menu = new ThemedMenu(this);
-    menu->setObjectName(u"searchFieldMenu"_s);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    const auto add = [&](const QString &key, QKeySequence::StandardKey shortcut, bool isPossible,
-                         auto perform) {
-        const QString shown = QKeySequence(shortcut).toString(QKeySequence::NativeText);
-        QAction *const action = menu->addAction(m_preferences.text(key) + u'\t' + shown);
-        action->setEnabled(isPossible);
-        connect(action, &QAction::triggered, this, perform);
-    };
-    add(u"Undo"_s, QKeySequence::Undo, isUndoAvailable(), &QLineEdit::undo);
-    add(u"Redo"_s, QKeySequence::Redo, isRedoAvailable(), &QLineEdit::redo);
-    menu->addSeparator();
-    add(u"Cut"_s, QKeySequence::Cut, hasSelectedText(), &QLineEdit::cut);
-    add(u"Copy"_s, QKeySequence::Copy, hasSelectedText(), &QLineEdit::copy);
-    add(u"Paste"_s, QKeySequence::Paste, ClipboardReader::mayHaveText(QClipboard::Clipboard),
-        &SearchField::paste);
-    menu->addSeparator();
-    add(u"Select all"_s, QKeySequence::SelectAll, !text().isEmpty(), &QLineEdit::selectAll);
-
-    const bool isByKeyboard = event->reason() == QContextMenuEvent::Keyboard;
-    menu->popup(isByKeyboard ? mapToGlobal(cursorRect().bottomLeft()) : event->globalPos());
-    event->accept();
+    QMenu *const menu = EditMenu::make(this, m_preferences,
+                                       {.canUndo = isUndoAvailable(),
+                                        .canRedo = isRedoAvailable(),
+                                        .hasSelection = hasSelectedText(),
+                                        .isEmpty = text().isEmpty()});
+    EditMenu::connectTo(*menu, this);
+    EditMenu::popUp(*menu, *event, mapToGlobal(cursorRect().bottomLeft()));
 }
