@@ -30,8 +30,10 @@ using namespace Qt::Literals::StringLiterals;
 /// for each language and colour scheme, over a wallpaper:
 ///
 ///     Screenshots FOLDER [PART-OF-A-NAME]
+///     Screenshots --sheets FOLDER
 ///
-/// The pictures are named SCREEN-LANGUAGE-SCHEME@SCALEx.png.
+/// The pictures are named SCREEN-LANGUAGE-SCHEME@SCALEx.png, or all of a language and a scheme are
+/// put together on one sheet, all-LANGUAGE-SCHEME.png.
 namespace {
 
 constexpr int wallpaperMargin = 32;
@@ -91,6 +93,25 @@ NoteSnapshot manyNotes(AppLanguage language)
         many.notes.append(note);
     }
     return many;
+}
+
+/// The same in every language: scripts of both directions, and emoji of several characters.
+NoteSnapshot manyScripts(AppLanguage)
+{
+    NoteSnapshot snapshot;
+    snapshot.notes = {
+        noteOf(
+            u"לקנות חלב, לחם ו-12 ביצים.\nשלום English בתוך משפט\nشراء الحليب والخبز\n"
+            "Then on in English, 骨直 and 👩🏻‍💻 👨‍👩‍👧‍👦 🇩🇪."_s,
+            u"2025-11-19T09:12:00.000Z"_s),
+        noteOf(u"اشترِ الحليب (2)!\nلا تنسَ الخبز."_s, u"2025-11-18T21:40:00.000Z"_s),
+        noteOf(u"直骨角 Chinese in the middle 今令\n想到就记下来，然后回到刚才的事情上。"_s,
+               u"2025-11-17T18:05:00.000Z"_s),
+        noteOf(
+            u"👩🏻‍💻 👨‍👩‍👧‍👦 🇩🇪 ❤️ 1️⃣ 👍🏽 😀\n☕ at ten, ✔ done"_s,
+            u"2025-11-16T07:30:00.000Z"_s),
+    };
+    return snapshot;
 }
 
 QString thought(AppLanguage language)
@@ -202,6 +223,12 @@ QList<Scene> scenes()
          [](Stage &stage) { QTest::keyClick(stage.environment.focusWidget(), Qt::Key_Tab); },
          {}},
         {u"library-empty"_s, nothing, openLibrary, {}},
+        {u"library-scripts"_s, manyScripts, openLibrary, {}},
+        {u"edit-scripts"_s, manyScripts, [](Stage &stage) { stage.openNote(0); }, {}},
+        {u"library-unread"_s, nothing, openLibrary,
+         [](FailingRepository &repository) {
+             repository.failWith(RepositoryError::unsupportedVersion(3));
+         }},
         {u"library-7"_s, sevenNotes, openLibrary, {}},
         {u"library-120"_s, manyNotes, openLibrary, {}},
         {u"library-keyboard"_s,
@@ -325,17 +352,13 @@ void settle()
     }
 }
 
-bool savePicture(const QString &name, QWidget &panel, AppLanguage language,
-                 AppAppearance appearance, const QDir &folder)
-{
-    const QString scale = QString::number(panel.devicePixelRatioF());
-    const QString file =
-        u"%1-%2-%3@%4x.png"_s.arg(name, rawValue(language), rawValue(appearance), scale);
-    return picture(panel, appearance).save(folder.filePath(file));
-}
+/// A picture and what it is of.
+struct NamedPicture {
+    QString name;
+    QImage image;
+};
 
-bool takePictureOfBubble(bool isHovered, AppLanguage language, AppAppearance appearance,
-                         const QDir &folder)
+NamedPicture takePictureOfBubble(bool isHovered, AppLanguage language, AppAppearance appearance)
 {
     AppPreferences preferences(nullptr, language, appearance);
     SystemAppearance system;
@@ -353,24 +376,70 @@ bool takePictureOfBubble(bool isHovered, AppLanguage language, AppAppearance app
         QEnterEvent enter(centre, centre, view->mapToGlobal(centre));
         QApplication::sendEvent(view, &enter);
         if (!QTest::qWaitFor([&] { return view->disc().width() > 1.039 * width; }))
-            return false;
+            return {};
     }
-    return savePicture(isHovered ? u"bubble-hovered"_s : u"bubble"_s, environment, language,
-                       appearance, folder);
+    return {isHovered ? u"bubble-hovered"_s : u"bubble"_s, picture(environment, appearance)};
 }
 
-bool takePicture(const Scene &scene, AppLanguage language, AppAppearance appearance,
-                 const QDir &folder)
+NamedPicture takePicture(const Scene &scene, AppLanguage language, AppAppearance appearance)
 {
     Stage stage(language, appearance, scene.notes(language), scene.prepare);
     settle();
     if (scene.act)
         scene.act(stage);
     settle();
-    const bool isSaved = savePicture(scene.name, stage.environment, language, appearance, folder);
+    NamedPicture taken{scene.name, picture(stage.environment, appearance)};
     for (QMenu *const menu : stage.environment.findChildren<QMenu *>())
         menu->close();
-    return isSaved;
+    return taken;
+}
+
+QList<NamedPicture> takePictures(AppLanguage language, AppAppearance appearance,
+                                 const QString &wanted)
+{
+    QList<NamedPicture> pictures;
+    for (const Scene &scene : scenes()) {
+        if (scene.name.contains(wanted))
+            pictures.append(takePicture(scene, language, appearance));
+    }
+    for (const bool isHovered : {false, true}) {
+        if (u"bubble-hovered"_s.contains(wanted))
+            pictures.append(takePictureOfBubble(isHovered, language, appearance));
+    }
+    return pictures;
+}
+
+bool savePictures(const QList<NamedPicture> &pictures, const QString &kind, const QDir &folder)
+{
+    return std::ranges::all_of(pictures, [&](const NamedPicture &taken) {
+        const QString scale = QString::number(taken.image.devicePixelRatioF());
+        return taken.image.save(folder.filePath(u"%1-%2@%3x.png"_s.arg(taken.name, kind, scale)));
+    });
+}
+
+/// All pictures side by side, each over its name.
+bool saveSheet(const QList<NamedPicture> &pictures, const QString &kind, const QDir &folder)
+{
+    constexpr int columns = 6;
+    constexpr int captionHeight = 28;
+    QSize cell;
+    for (const NamedPicture &taken : pictures)
+        cell = cell.expandedTo(taken.image.deviceIndependentSize().toSize());
+    cell.rheight() += captionHeight;
+    const int rows = static_cast<int>((pictures.size() + columns - 1) / columns);
+    QImage sheet(cell.width() * columns, cell.height() * rows, QImage::Format_RGB32);
+    sheet.fill(Qt::white);
+    QPainter painter(&sheet);
+    for (qsizetype i = 0; i < pictures.size(); ++i) {
+        const QPoint place(cell.width() * static_cast<int>(i % columns),
+                           cell.height() * static_cast<int>(i / columns));
+        painter.drawImage(place, pictures[i].image);
+        const QRect caption(place + QPoint(0, cell.height() - captionHeight),
+                            QSize(cell.width(), captionHeight));
+        painter.drawText(caption, Qt::AlignCenter, pictures[i].name);
+    }
+    painter.end();
+    return sheet.save(folder.filePath(u"all-%1.png"_s.arg(kind)));
 }
 
 } // namespace
@@ -379,20 +448,17 @@ int main(int argc, char *argv[])
 {
     qputenv("TZ", "UTC");
     QApplication application(argc, argv);
-    const QStringList arguments = QApplication::arguments();
+    QStringList arguments = QApplication::arguments();
+    const bool asSheets = arguments.removeOne(u"--sheets"_s);
     const QDir folder(arguments.value(1, u"."_s));
     const QString wanted = arguments.value(2);
     bool isComplete = QDir().mkpath(folder.path());
     for (const AppLanguage language : {AppLanguage::english, AppLanguage::chinese}) {
         for (const AppAppearance appearance : {AppAppearance::light, AppAppearance::dark}) {
-            for (const Scene &scene : scenes()) {
-                if (scene.name.contains(wanted))
-                    isComplete &= takePicture(scene, language, appearance, folder);
-            }
-            for (const bool isHovered : {false, true}) {
-                if (u"bubble-hovered"_s.contains(wanted))
-                    isComplete &= takePictureOfBubble(isHovered, language, appearance, folder);
-            }
+            const QString kind = rawValue(language) + u'-' + rawValue(appearance);
+            const QList<NamedPicture> pictures = takePictures(language, appearance, wanted);
+            isComplete &=
+                asSheets ? saveSheet(pictures, kind, folder) : savePictures(pictures, kind, folder);
         }
     }
     if (!isComplete)
