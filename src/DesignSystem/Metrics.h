@@ -29,7 +29,7 @@ inline constexpr QMargins bannerMargins{panelMargin, 0, panelMargin, 18};
 inline constexpr QMargins bannerPadding{12, 12, 12, 12};
 inline constexpr int bannerSpacing = 8;
 inline constexpr int paragraphLineSpacing = 2;
-inline constexpr int bannerMostLines = 4;
+inline constexpr int bannerMostLines = 5;
 inline constexpr int bannerRadius = 12;
 inline constexpr double bannerFill = 0.07;
 inline constexpr QMargins footerPadding{panelMargin, 11, panelMargin, 14};

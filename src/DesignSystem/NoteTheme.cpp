@@ -28,14 +28,14 @@ Colors colors(ColorScheme scheme)
         return {.primary = QColor(245, 242, 238),
                 .secondary = QColor(186, 180, 173),
                 .tertiary = QColor(166, 160, 153),
-                .failure = QColor(255, 138, 122),
+                .failure = QColor(255, 154, 140),
                 .window = QColor(38, 36, 34),
                 .base = QColor(28, 27, 25),
                 .raised = QColor(52, 50, 47)};
     return {.primary = QColor(30, 27, 25),
             .secondary = QColor(82, 76, 71),
             .tertiary = QColor(92, 85, 78),
-            .failure = QColor(168, 28, 20),
+            .failure = QColor(160, 26, 18),
             .window = QColor(238, 233, 226),
             .base = QColor(255, 253, 250),
             .raised = QColor(226, 220, 212)};

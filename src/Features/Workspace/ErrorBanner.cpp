@@ -18,7 +18,7 @@ using namespace Qt::Literals::StringLiterals;
 ErrorBanner::ErrorBanner(QWidget *parent)
     : QWidget(parent)
     , m_message(named(u"errorMessage"_s, new TextLabel(TextStyles::banner, this)))
-    , m_text(new ScrolledText(m_message, Metrics::bannerMostLines, this))
+    , m_text(named(u"errorText"_s, new ScrolledText(m_message, Metrics::bannerMostLines, this)))
     , m_retry(named(u"retry"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_show(named(u"showFile"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_reload(named(u"reload"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
