@@ -79,12 +79,10 @@ QString DesktopScreens::arrangement() const
     const QList<QScreen *> screens = QGuiApplication::screens();
     for (const QScreen *const screen : screens) {
         const QRect place = screen->geometry();
-        result.append(u"%1 %2,%3 %4x%5 @%6"_s.arg(screen->name())
-                          .arg(place.x())
-                          .arg(place.y())
-                          .arg(place.width())
-                          .arg(place.height())
-                          .arg(screen->devicePixelRatio()));
+        QStringList facts{screen->name(), QString::number(screen->devicePixelRatio())};
+        for (const int number : {place.x(), place.y(), place.width(), place.height()})
+            facts.append(QString::number(number));
+        result.append(facts.join(u' '));
     }
     result.sort();
     return result.join(u'\n');

@@ -80,9 +80,14 @@ private:
 
 namespace {
 
-constexpr LaunchOptions normal;
-constexpr LaunchOptions interfaceTest{LaunchOptions::Mode::interfaceTest, AppLanguage::english,
-                                      AppAppearance::light};
+const LaunchOptions normal;
+const LaunchOptions interfaceTest = [] {
+    LaunchOptions options;
+    options.mode = LaunchOptions::Mode::interfaceTest;
+    options.language = AppLanguage::english;
+    options.appearance = AppAppearance::light;
+    return options;
+}();
 
 NoteSnapshot storedNotes()
 {
