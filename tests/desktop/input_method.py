@@ -16,6 +16,7 @@ class WithInputMethod(DesktopTest):
         input_method.share_with(self.desktop, self.home)
         self.quillmark = self.start(**self.variables)
         self.quillmark.open_editor()
+        self.until_writing()
 
     @property
     def editor(self):
