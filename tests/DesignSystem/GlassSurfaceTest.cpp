@@ -69,7 +69,7 @@ void GlassSurfaceTest::liesUnderItsTint()
     QFETCH(ColorScheme, scheme);
     const bool isDark = scheme == ColorScheme::dark;
     const QColor backdrop = isDark ? QColor::fromRgbF(0.13F, 0.125F, 0.12F, 0.9F)
-                                   : QColor::fromRgbF(0.93F, 0.925F, 0.915F, 0.86F);
+                                   : QColor::fromRgbF(0.885F, 0.875F, 0.86F, 0.88F);
     const QColor tint =
         isDark ? QColor::fromRgbF(0, 0, 0, 0.2F) : QColor::fromRgbF(1, 0.97F, 0.91F, 0.4F);
     const float rest = backdrop.alphaF() * (1 - tint.alphaF());
