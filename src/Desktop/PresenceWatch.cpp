@@ -167,6 +167,7 @@ bool PresenceWatch::eventFilter(QObject *receiver, QEvent *event)
     if (receiver == &m_window && event->type() == QEvent::Show) {
         m_hadKeyboard = false;
         m_patience.stop();
+        m_isAway = false;
         if (m_care == Care::managed)
             listenToVisibility(*X11Session::current(), X11Session::window(m_window));
         scheduleCheck();
@@ -204,6 +205,9 @@ bool PresenceWatch::nativeEventFilter(const QByteArray & /*eventType*/, void *me
 
 void PresenceWatch::scheduleCheck()
 {
+    // Window managers restack in several steps: how things are is asked once more when it is quiet.
+    if (m_care == Care::managed && !m_patience.isActive())
+        m_patience.start();
     // One change of the desktop arrives as many events.
     if (!std::exchange(m_isCheckScheduled, true))
         QMetaObject::invokeMethod(
@@ -221,12 +225,15 @@ void PresenceWatch::check(bool isPatienceOver)
         return;
     const Presence now = presence();
     if (now == Presence::here) {
-        m_patience.stop();
-    } else if (now == Presence::minimised || m_care == Care::unmanaged || isPatienceOver) {
+        m_isAway = false;
+    } else if (now == Presence::minimised || m_care == Care::unmanaged ||
+               (m_isAway && isPatienceOver)) {
+        m_isAway = false;
         m_patience.stop();
         Q_EMIT lost();
-    } else if (!m_patience.isActive()) {
+    } else if (!m_isAway) {
         // The answers of the server have just arrived: its time begins now.
+        m_isAway = true;
         m_patience.start();
         m_window.raise();
     }

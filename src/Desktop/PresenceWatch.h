@@ -53,6 +53,7 @@ private:
     const Care m_care;
     QTimer m_patience;
     bool m_isCheckScheduled = false;
+    bool m_isAway = false;
     /// Since it was last shown.
     bool m_hadKeyboard = false;
 };
