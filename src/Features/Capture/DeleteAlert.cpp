@@ -67,6 +67,12 @@ DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
     QAccessible::updateAccessibility(&announcement);
 }
 
+DeleteAlert::~DeleteAlert()
+{
+    if (!isHidden())
+        setWindowEnabled(true);
+}
+
 bool DeleteAlert::event(QEvent *event)
 {
     // Every key is the alert's, so that no shortcut of the window answers in its place.

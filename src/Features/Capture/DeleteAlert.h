@@ -21,6 +21,9 @@ public:
     /// Shows itself; deletes itself when answered.
     DeleteAlert(const AppPreferences &preferences, QWidget *window);
 
+    /// Also when nobody has answered: what it covers is enabled again.
+    ~DeleteAlert() override;
+
 Q_SIGNALS:
     /// Answered, either way; the alert is on its way out.
     void dismissed();
