@@ -30,6 +30,9 @@ StrayPressFilter::StrayPressFilter(QObject *parent)
 
 bool StrayPressFilter::eventFilter(QObject *receiver, QEvent *event)
 {
+    // Who has typed since has seen what is there now.
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::InputMethod)
+        m_hasPress = false;
     // Events come to the window before they come to a widget in it.
     if (!receiver->isWindowType())
         return false;

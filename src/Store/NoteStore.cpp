@@ -284,20 +284,24 @@ bool NoteStore::deleteNote(const Note &note)
 
 std::optional<Refusal> NoteStore::addNotes(const QList<Note> &notes)
 {
-    takeInChanges();
     if (m_isReadOnly)
         return m_loadRefusal;
-    QSet<QUuid> known;
-    for (const Note &note : m_snapshot.notes)
-        known.insert(note.id);
-    NoteSnapshot next = m_snapshot;
-    QList<Note> added;
-    for (const Note &note : notes) {
-        if (!known.contains(note.id))
-            added.append(note);
-    }
-    next.notes = added + next.notes;
-    const auto failure = failureOf([&] { m_repository->save(next); });
+    NoteSnapshot next;
+    const auto failure = failureOf([&] {
+        if (!m_failure && !m_hasPendingChanges && m_repository->isChangedOutside())
+            setSnapshot(m_repository->reload(m_snapshot));
+        next = m_snapshot;
+        QSet<QUuid> known;
+        for (const Note &note : m_snapshot.notes)
+            known.insert(note.id);
+        next.notes.clear();
+        for (const Note &note : notes) {
+            if (!known.contains(note.id))
+                next.notes.append(note);
+        }
+        next.notes += m_snapshot.notes;
+        m_repository->save(next);
+    });
     if (!failure) {
         hasSaved(next);
         return std::nullopt;

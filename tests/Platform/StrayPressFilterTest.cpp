@@ -18,6 +18,7 @@ private Q_SLOTS:
     void keepsTheSecondPressFromWhatTheFirstBrought();
     void letsASecondPressOnTheSameThrough();
     void letsALaterPressThrough();
+    void letsAPressThroughWhenSomethingWasTypedSince();
     void letsAPressElsewhereThrough();
     void lettingThroughGoesOnAfterAStrayClick();
 
@@ -88,6 +89,17 @@ void StrayPressFilterTest::letsALaterPressThrough()
 
     click({20, 20}, 1000);
     click({20, 20}, 1000 + QGuiApplication::styleHints()->mouseDoubleClickInterval());
+
+    QCOMPARE(under.size(), 1);
+}
+
+void StrayPressFilterTest::letsAPressThroughWhenSomethingWasTypedSince()
+{
+    const QSignalSpy under(&m_under, &QPushButton::clicked);
+
+    click({20, 20}, 1000);
+    QTest::keyClick(&m_under, Qt::Key_A);
+    click({20, 20}, 1100);
 
     QCOMPARE(under.size(), 1);
 }

@@ -94,14 +94,23 @@ class CommandLine(DesktopTest):
 
     def test_the_refusal_of_the_window_is_told(self):
         quillmark = self.start_with_draft("draft")
-        self.data.add_note("by another program")
+        (self.data.notes / "plan.md").write_text("no note")
 
         done = self.run_it("add", "text")
 
         self.assertEqual((done.returncode, done.stdout), (FOLDER, ""))
-        self.assertIn(OUTSIDE, done.stderr)
-        self.assertEqual(self.bodies(), ["by another program"])
+        self.assertIn("invalid metadata", done.stderr)
+        self.assertEqual(os.listdir(self.data.notes), ["plan.md"])
         self.assertEqual(quillmark.element("text", "Note text").text(), "draft")
+
+    def test_what_another_program_changed_is_no_reason_to_refuse(self):
+        self.start_with_draft("draft")
+        self.data.add_note("by another program")
+
+        done = self.run_it("add", "text")
+
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual(sorted(self.bodies()), ["by another program", "text"])
 
     def test_a_window_that_does_not_answer_is_not_waited_for_for_ever(self):
         quillmark = self.start_with_draft("draft")

@@ -77,8 +77,11 @@ class Pointer(DesktopTest):
 
     def test_a_drag_ends_when_the_right_button_comes_in_between(self):
         quillmark = self.start()
-        x, y = quillmark.launcher().centre()
+        launcher = quillmark.launcher()
+        x, y = launcher.centre()
+        before = launcher.rectangle()
         self.mouse.drag((x, y), (x - 100, 20), release=False)
+        until(lambda: launcher.rectangle() != before, "it follows")
 
         self.mouse.press(Mouse.RIGHT)
         self.mouse.release(Mouse.RIGHT)
