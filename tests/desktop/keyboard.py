@@ -28,7 +28,7 @@ class Keyboard(DesktopTest):
         self.windows.activate(second.id)
         until(lambda: self.windows.has_input(second.id) and self.windows.active() == second.id,
               "the user goes elsewhere")
-        # Longer than the bus to the X server takes, as anybody does.
+        # As long as a person would: a glance of some milliseconds leaves no trace on the X server.
         holds_for(0.3, lambda: self.windows.active() == second.id, "the user works there")
         self.open_again(editor)
 
