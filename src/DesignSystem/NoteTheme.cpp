@@ -42,7 +42,7 @@ Colors colors(ColorScheme scheme)
 }
 
 /// The accent, dark enough for white text: selected text is to be read, as any other.
-QColor selection()
+QColor normalSelection()
 {
     return QColor::fromRgbF(0.73F, 0.32F, 0.175F);
 }
@@ -88,19 +88,20 @@ Colors highContrastColors(ColorScheme scheme)
             .raised = QColor(233, 228, 221)};
 }
 
-/// The accent, and what is written on it.
+/// The accent, what is written on it, and what is behind selected text.
 struct AccentColors {
     QColor accent;
     QColor onAccent;
+    QColor selection;
 };
 
 AccentColors accentColors(ColorScheme scheme, Contrast contrast)
 {
     if (contrast == Contrast::normal)
-        return {NoteTheme::accent(), Qt::white};
-    if (scheme == ColorScheme::dark)
-        return {QColor(245, 165, 130), Qt::black};
-    return {QColor(124, 45, 16), Qt::white};
+        return {NoteTheme::accent(), Qt::white, normalSelection()};
+    const bool isDark = scheme == ColorScheme::dark;
+    const QColor accent = isDark ? QColor(245, 165, 130) : QColor(124, 45, 16);
+    return {accent, isDark ? Qt::black : Qt::white, accent};
 }
 
 const QStringList &simplifiedChineseFamilies()
@@ -162,7 +163,7 @@ const QColor &NoteTheme::accent()
 QPalette NoteTheme::palette(ColorScheme scheme, Contrast contrast)
 {
     const Colors c = contrast == Contrast::high ? highContrastColors(scheme) : colors(scheme);
-    const auto [accent, onAccent] = accentColors(scheme, contrast);
+    const auto [accent, onAccent, selection] = accentColors(scheme, contrast);
     QPalette palette(c.raised, c.window);
     for (const auto textRole :
          {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
@@ -174,10 +175,10 @@ QPalette NoteTheme::palette(ColorScheme scheme, Contrast contrast)
     palette.setColor(QPalette::Base, c.base);
     palette.setColor(QPalette::AlternateBase, c.window);
     palette.setColor(QPalette::ToolTipBase, c.base);
-    palette.setColor(QPalette::Link, accent);
     palette.setColor(role(Tone::secondary), c.secondary);
     palette.setColor(role(Tone::tertiary), c.tertiary);
     palette.setColor(role(Tone::accent), accent);
+    palette.setColor(QPalette::Highlight, selection);
     palette.setColor(role(Tone::failure), c.failure);
     palette.setColor(role(Tone::onAccent), onAccent);
     return palette;

@@ -90,8 +90,6 @@ void NoteThemeTest::keepsTextReadableOverEveryWallpaper()
     QFETCH(ColorScheme, scheme);
     QFETCH(bool, isOpaque);
     const QPalette palette = NoteTheme::palette(scheme);
-    const QColor primary = NoteTheme::color(palette, Tone::primary);
-    const QColor failure = NoteTheme::color(palette, Tone::failure);
 
     for (const QColor &wallpaper : wallpapers()) {
         const QColor surface = Pixels::over(GlassSurface::fill(scheme, isOpaque), wallpaper);
@@ -121,7 +119,7 @@ void NoteThemeTest::keepsTextReadableOverEveryWallpaper()
 
         // The primary button's label is white over the accent, whatever that gives.
         QColor pressed = NoteTheme::accent();
-        pressed.setAlphaF(Metrics::primaryButtonPressed);
+        pressed.setAlphaF(static_cast<float>(Metrics::primaryButtonPressed));
         QVERIFY(contrast(Tone::onAccent, Pixels::over(pressed, surface)) >= largeTextContrast);
     }
 }

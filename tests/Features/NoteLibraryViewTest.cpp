@@ -521,7 +521,7 @@ void NoteLibraryViewTest::hasAMenuInTheLanguageOfTheUser()
     screen.preferences.setLanguage(AppLanguage::chinese);
     QTest::keyClicks(screen.search(), u"milk"_s);
 
-    QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
     QCoreApplication::sendEvent(screen.search(), &event);
 
     auto *const menu = screen.search()->findChild<QMenu *>();
