@@ -17,7 +17,6 @@
 
 #include <QApplication>
 #include <QFile>
-#include <QInputMethod>
 #include <QPalette>
 #include <QSettings>
 
@@ -129,7 +128,8 @@ AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
 
 bool AppDelegate::applicationWillTerminate()
 {
-    return !m_store || m_store->isReadOnly() || writeNow();
+    // What another program changed meanwhile is none of what the user would lose.
+    return !m_store || m_panels->write() || !m_store->hasPendingChanges();
 }
 
 QString AppDelegate::keepForNextStart()
@@ -142,12 +142,4 @@ QString AppDelegate::keepForNextStart()
                       {QFile::decodeName(path->c_str())}}
             : Message{u"What was typed could not be saved."_s, {}};
     return m_preferences->text(told) + u' ' + (reason ? m_preferences->text(*reason) : QString());
-}
-
-bool AppDelegate::writeNow()
-{
-    // What an input method is still composing belongs to the text.
-    QApplication::inputMethod()->commit();
-    // What another program changed meanwhile is none of what the user would lose.
-    return m_store->flush() || !m_store->hasPendingChanges();
 }

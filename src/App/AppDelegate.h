@@ -75,8 +75,6 @@ Q_SIGNALS:
     void quitRequested();
 
 private:
-    bool writeNow();
-
     const QuitQuestion m_quitQuestion;
 
     // In the order of building; each may use those above it.

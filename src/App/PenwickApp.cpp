@@ -59,7 +59,7 @@ PenwickApp::PenwickApp(int &argc, char **argv)
     connect(&m_quitSignals, &QuitSignals::quitRequested, this, &PenwickApp::end);
     connect(&m_instance, &SingleInstance::activated, this, &PenwickApp::reopen);
     connect(&m_instance, &SingleInstance::newNoteRequested, this, &PenwickApp::showEditor);
-    connect(&m_instance, &SingleInstance::notesRequested, this, &PenwickApp::showNotes);
+    connect(&m_instance, &SingleInstance::notesRequested, &m_delegate, &AppDelegate::showNotes);
     connect(&m_instance, &SingleInstance::addressesOpened, &m_delegate, &AppDelegate::open);
     connect(&m_delegate, &AppDelegate::quitRequested, this, &PenwickApp::quit);
     // Direct: the session waits for this to return, and may yet go on afterwards.
@@ -118,12 +118,6 @@ void PenwickApp::reopen()
 void PenwickApp::showEditor()
 {
     m_delegate.applicationShouldHandleReopen(true);
-}
-
-void PenwickApp::showNotes()
-{
-    m_isStartedByBus = false;
-    m_delegate.showNotes();
 }
 
 void PenwickApp::commitSession(QSessionManager &session)

@@ -29,7 +29,6 @@ public:
 private:
     void reopen();
     void showEditor();
-    void showNotes();
     void commitSession(QSessionManager &session);
     void quit();
     void end();

@@ -36,9 +36,10 @@ QWidget *openPanel(const QWidget &alert)
 ProgramAlert::ProgramAlert(const AppPreferences *preferences)
 {
     setWindowTitle(u"Quillmark"_s);
-    setWindowIcon(icon());
+    const QIcon image = icon();
+    setWindowIcon(image);
     const int side = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-    setIconPixmap(icon().pixmap(QSize(side, side), devicePixelRatioF()));
+    setIconPixmap(image.pixmap(QSize(side, side), devicePixelRatioF()));
     setFont(TextStyles::environment.font(preferences ? preferences->locale() : QLocale::c()));
 
     // The program has no window that the user works in, so the alert could come up behind others.

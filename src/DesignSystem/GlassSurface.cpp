@@ -2,6 +2,7 @@
 #include "GlassSurface.h"
 
 #include "ContinuousCorners.h"
+#include "Metrics.h"
 #include "NoteTheme.h"
 #include "ViewEnvironment.h"
 
@@ -107,6 +108,19 @@ void GlassSurface::paint(QPainter &painter, const QRectF &rect, const QPalette &
 void GlassSurface::paint(QPainter &painter, const QRectF &rect, const QWidget *view)
 {
     paint(painter, rect, view->palette(), isOpaque(view));
+}
+
+void GlassSurface::paintCard(QWidget *cover, const QRect &card)
+{
+    QPainter painter(cover);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor dim(Qt::black);
+    dim.setAlphaF(static_cast<float>(Metrics::alertDim));
+    painter.fillPath(outline(cover->rect()), dim);
+
+    painter.setPen(NoteTheme::color(cover->palette(), Tone::primary, Metrics::alertBorder));
+    painter.setBrush(cover->palette().window());
+    painter.drawPath(outline(card, Metrics::alertRadius));
 }
 
 void GlassSurface::paintEvent(QPaintEvent *event)

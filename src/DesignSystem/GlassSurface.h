@@ -38,6 +38,9 @@ public:
     /// The surface of a view: in the colours of its palette, opaque when its environment says so.
     static void paint(QPainter &painter, const QRectF &rect, const QWidget *view);
 
+    /// An opaque card over a window that waits, which the cover darkens.
+    static void paintCard(QWidget *cover, const QRect &card);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 };

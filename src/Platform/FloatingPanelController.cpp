@@ -123,7 +123,6 @@ void FloatingPanelController::take(const DroppedText &dropped)
 
 bool FloatingPanelController::write()
 {
-    // What an input method is still composing belongs to the text.
     Composition::endIn(m_editor);
     return m_store.isReadOnly() || m_store.flush();
 }

@@ -55,8 +55,12 @@ public:
     void showNotes();
 
     /// Writes, and folds the editor back into the launcher when that succeeded; else the editor
-    /// says how to leave all the same. A read-only store has nothing to write.
+    /// says how to leave all the same.
     void collapse();
+
+    /// Ends a composition of the input method in the editor, so that its text is kept, and writes.
+    /// False when that failed; a read-only store has nothing to write.
+    [[nodiscard]] bool write();
 
     /// Makes a note of it at once and shows so for a moment; says why not when that fails. The text
     /// of the capture screen stays as it is.
@@ -69,7 +73,6 @@ private:
     /// Who gets the keyboard when the editor folds.
     enum class Handover { toPreviousApplication, toNobody };
 
-    [[nodiscard]] bool write();
     void fold(Handover handover);
     void giveKeyboardBack();
     void followLostEditor();

@@ -251,6 +251,7 @@ bool NoteStore::add(const QString &text)
     if (body.isEmpty())
         return false;
 
+    takeInChanges();
     const Timestamp now = m_clock();
     NoteSnapshot next = m_snapshot;
     next.notes.prepend({QUuid::createUuid(), body, now, now});
@@ -287,21 +288,27 @@ std::optional<Refusal> NoteStore::addNotes(const QList<Note> &notes)
     if (m_isReadOnly)
         return m_loadRefusal;
     NoteSnapshot next;
-    const auto failure = failureOf([&] {
-        if (!m_failure && !m_hasPendingChanges && m_repository->isChangedOutside())
-            setSnapshot(m_repository->reload(m_snapshot));
-        next = m_snapshot;
+    const auto save = [&] {
         QSet<QUuid> known;
         for (const Note &note : m_snapshot.notes)
             known.insert(note.id);
-        next.notes.clear();
+        QList<Note> added;
         for (const Note &note : notes) {
             if (!known.contains(note.id))
-                next.notes.append(note);
+                added.append(note);
         }
-        next.notes += m_snapshot.notes;
+        next = m_snapshot;
+        next.notes = added + m_snapshot.notes;
         m_repository->save(next);
-    });
+    };
+    auto failure = failureOf(save);
+    const bool isOutdated =
+        failure && failure->repositoryError == RepositoryError::externalChange();
+    if (isOutdated && !m_failure && !m_hasPendingChanges)
+        failure = failureOf([&] {
+            setSnapshot(m_repository->reload(m_snapshot));
+            save();
+        });
     if (!failure) {
         hasSaved(next);
         return std::nullopt;

@@ -32,6 +32,9 @@ private Q_SLOTS:
     void isLeftAloneWhileSomethingWaitsToBeWritten();
     void isLeftAloneWhileAnErrorStands();
     void isNoReasonToFailWithNothingToBeWritten();
+    void isTakenInBeforeANoteIsAdded();
+    void isTakenInBeforeNotesOfOthersAreAdded();
+    void refusesNotesOfOthersQuietlyWhenItCannotBeRead();
     void failsTheSaveOfWhatWaits();
     void isTakenInOnRequest();
     void endsAReadOnlyStore();
@@ -98,6 +101,40 @@ void OutsideChangeTest::isNoReasonToFailWithNothingToBeWritten()
 
     QCOMPARE(m_store->draft(), u"theirs"_s);
     QCOMPARE(m_repository->stored(), withDraft(u"theirs"_s));
+    QVERIFY(!m_store->failure());
+}
+
+void OutsideChangeTest::isTakenInBeforeANoteIsAdded()
+{
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+
+    QVERIFY(m_store->add(u"dropped"_s));
+
+    QCOMPARE(m_repository->stored().captureDraft, u"theirs"_s);
+    QCOMPARE(m_repository->stored().notes.first().body, u"dropped"_s);
+}
+
+void OutsideChangeTest::isTakenInBeforeNotesOfOthersAreAdded()
+{
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+    const Note added{QUuid::createUuid(), u"added"_s, {3}, {3}};
+
+    QVERIFY(!m_store->addNotes({added}));
+
+    QCOMPARE(m_repository->stored(), (NoteSnapshot{1, {added, note}, u"theirs"_s, {}}));
+    QCOMPARE(m_store->snapshot(), m_repository->stored());
+    QVERIFY(!m_store->failure());
+}
+
+void OutsideChangeTest::refusesNotesOfOthersQuietlyWhenItCannotBeRead()
+{
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+    m_repository->failToRead(RepositoryError::invalidMarkdown());
+
+    const auto refusal = m_store->addNotes({{QUuid::createUuid(), u"added"_s, {3}, {3}}});
+
+    QCOMPARE(refusal->message, RepositoryError::invalidMarkdown().message());
+    QCOMPARE(m_store->snapshot(), withDraft(u"old"_s));
     QVERIFY(!m_store->failure());
 }
 

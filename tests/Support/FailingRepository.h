@@ -26,6 +26,13 @@ public:
 
     void recover() { m_fail = nullptr; }
 
+    /// From now on load() and reload() throw this.
+    template <class Error>
+    void failToRead(const Error &error)
+    {
+        m_failToRead = [error] { throw error; };
+    }
+
     /// Another program stores this; until a reload() every save() is refused for it.
     void changeOutside(NoteSnapshot snapshot) { m_stored = std::move(snapshot); }
 
@@ -48,6 +55,8 @@ public:
     {
         if (m_fail)
             m_fail();
+        if (m_failToRead)
+            m_failToRead();
         m_known = m_stored;
         return m_stored;
     }
@@ -126,6 +135,7 @@ private:
     NoteSnapshot m_stored;
     NoteSnapshot m_known;
     std::function<void()> m_fail;
+    std::function<void()> m_failToRead;
     Tidy m_tidy;
     std::optional<QUrl> m_notesFolderURL;
     int m_saves = 0;

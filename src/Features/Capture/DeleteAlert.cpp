@@ -12,8 +12,6 @@
 
 #include <QAccessible>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QPainterPath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -121,19 +119,9 @@ void DeleteAlert::mousePressEvent(QMouseEvent *event)
     event->accept();
 }
 
-void DeleteAlert::paintEvent(QPaintEvent *)
+void DeleteAlert::paintEvent(QPaintEvent * /*event*/)
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    QColor dim(Qt::black);
-    dim.setAlphaF(static_cast<float>(Metrics::alertDim));
-    painter.setBrush(dim);
-    painter.drawPath(GlassSurface::outline(rect()));
-
-    painter.setPen(NoteTheme::color(palette(), Tone::primary, Metrics::alertBorder));
-    painter.setBrush(palette().window());
-    painter.drawPath(GlassSurface::outline(m_card->geometry(), Metrics::alertRadius));
+    GlassSurface::paintCard(this, m_card->geometry());
 }
 
 void DeleteAlert::dismiss()

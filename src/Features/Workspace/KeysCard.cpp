@@ -9,8 +9,6 @@
 
 #include <QGridLayout>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QPainterPath>
 #include <array>
 
 using namespace Qt::Literals::StringLiterals;
@@ -116,15 +114,5 @@ void KeysCard::focusOutEvent(QFocusEvent *event)
 
 void KeysCard::paintEvent(QPaintEvent * /*event*/)
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    QColor dim(Qt::black);
-    dim.setAlphaF(static_cast<float>(Metrics::alertDim));
-    painter.setBrush(dim);
-    painter.drawPath(GlassSurface::outline(rect()));
-
-    painter.setPen(NoteTheme::color(palette(), Tone::primary, Metrics::alertBorder));
-    painter.setBrush(palette().window());
-    painter.drawPath(GlassSurface::outline(m_card->geometry(), Metrics::alertRadius));
+    GlassSurface::paintCard(this, m_card->geometry());
 }
