@@ -165,6 +165,14 @@ class NothingCanBeSaved(AlwaysThereTest):
         quillmark.element(name="Not saved · Retry")
         return quillmark, editor
 
+    def ask_to_quit(self, quillmark):
+        """The question's window, once it has the keyboard."""
+        self.keyboard.press("ctrl+q")
+        quillmark.element(name=self.QUESTION)
+        question = until(quillmark.popup, "the question is on screen")
+        until(lambda: self.windows.has_input(question.id), "the question has the keyboard")
+        return question
+
     def test_an_editor_that_is_minimised_comes_back(self):
         quillmark, editor = self.fail_to_save()
 
@@ -188,8 +196,7 @@ class NothingCanBeSaved(AlwaysThereTest):
         for screen in ("Capture", "Notes"):
             quillmark.element(name=screen).press()
             with self.subTest(screen):
-                self.keyboard.press("ctrl+q")
-                quillmark.element(name=self.QUESTION)
+                self.ask_to_quit(quillmark)
                 self.keyboard.press("Escape")
                 until(lambda: not quillmark.has_element(name=self.QUESTION), "the question is gone")
                 quillmark.editor()
@@ -212,9 +219,7 @@ class NothingCanBeSaved(AlwaysThereTest):
         # So that the editor lies where window managers place alerts.
         self.write_settings({"launcher.x": 880, "launcher.y": 600})
         quillmark, editor = self.fail_to_save()
-        self.keyboard.press("ctrl+q")
-        quillmark.element(name=self.QUESTION)
-        question = until(quillmark.popup, "the question is on screen")
+        question = self.ask_to_quit(quillmark)
 
         self.mouse.click((editor.rectangle()[0] + 3, editor.centre()[1]))
         self.windows.activate(editor.id)
@@ -230,15 +235,14 @@ class NothingCanBeSaved(AlwaysThereTest):
     def test_a_second_start_raises_the_question(self):
         self.need_activation()
         quillmark, _ = self.fail_to_save()
-        self.keyboard.press("ctrl+q")
-        quillmark.element(name=self.QUESTION)
+        question = self.ask_to_quit(quillmark)
         other = self.open_text_window(x=500, y=300)
         until(lambda: self.windows.active() == other.id, "the user is elsewhere")
 
         self.assertEqual(self.start().wait_until_ended(), 0)
 
-        until(lambda: self.windows.find(self.windows.active()).process() == quillmark.process,
-              "the question is active")
+        until(lambda: self.windows.active() == question.id, "the question is active")
+        until(lambda: self.windows.has_input(question.id), "the question has the keyboard")
         self.keyboard.press("Escape")
         until(lambda: not quillmark.has_element(name=self.QUESTION), "it gets the keys")
 
