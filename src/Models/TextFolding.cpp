@@ -81,34 +81,12 @@ public:
 
     [[nodiscard]] std::u32string weights(Units text) const
     {
-        return weights(icu::UnicodeString(false, text.data(), static_cast<int32_t>(text.size())));
+        return read(icu::UnicodeString(false, text.data(), static_cast<int32_t>(text.size())));
     }
 
-    [[nodiscard]] std::u32string weights(const icu::UnicodeString &text) const
+    [[nodiscard]] std::u32string weights(char32_t codePoint) const
     {
-        std::u32string weights;
-        if (!m_elements) {
-            // Without the data of ICU what is written the same is equal still.
-            for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1))
-                weights += static_cast<char32_t>(u_foldCase(text.char32At(i), U_FOLD_CASE_DEFAULT));
-            return weights;
-        }
-        UErrorCode status = U_ZERO_ERROR;
-        m_elements->setText(text, status);
-        for (int32_t next = m_elements->next(status);
-             U_SUCCESS(status) && next != icu::CollationElementIterator::NULLORDER;
-             next = m_elements->next(status)) {
-            // An element that continues the one before carries the lower half of its weight.
-            constexpr uint32_t continuation = 0xC0;
-            const auto element = static_cast<uint32_t>(next);
-            const char32_t half = element & 0xFFFF0000;
-            if ((element & continuation) != continuation)
-                weights.push_back(half);
-            else if (!weights.empty())
-                weights.back() |= half >> 16;
-        }
-        std::erase(weights, U'\0');
-        return weights;
+        return read(icu::UnicodeString(static_cast<UChar32>(codePoint)));
     }
 
     /// What does not have one weight per character.
@@ -145,6 +123,34 @@ public:
     }
 
 private:
+    // A name of its own: ICU 76 makes a UnicodeString of whatever Units is made of, too.
+    [[nodiscard]] std::u32string read(const icu::UnicodeString &text) const
+    {
+        std::u32string weights;
+        if (!m_elements) {
+            // Without the data of ICU what is written the same is equal still.
+            for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1))
+                weights += static_cast<char32_t>(u_foldCase(text.char32At(i), U_FOLD_CASE_DEFAULT));
+            return weights;
+        }
+        UErrorCode status = U_ZERO_ERROR;
+        m_elements->setText(text, status);
+        for (int32_t next = m_elements->next(status);
+             U_SUCCESS(status) && next != icu::CollationElementIterator::NULLORDER;
+             next = m_elements->next(status)) {
+            // An element that continues the one before carries the lower half of its weight.
+            constexpr uint32_t continuation = 0xC0;
+            const auto element = static_cast<uint32_t>(next);
+            const char32_t half = element & 0xFFFF0000;
+            if ((element & continuation) != continuation)
+                weights.push_back(half);
+            else if (!weights.empty())
+                weights.back() |= half >> 16;
+        }
+        std::erase(weights, U'\0');
+        return weights;
+    }
+
     std::unique_ptr<icu::RuleBasedCollator> m_collator;
     std::unique_ptr<icu::CollationElementIterator> m_elements;
 };
@@ -379,7 +385,7 @@ std::unique_ptr<TextFolding::Page> TextFolding::makePage(char32_t firstCodePoint
     for (size_t i = 0; i < pageSize; ++i) {
         const auto codePoint = static_cast<char32_t>(firstCodePoint + i);
         page->starts[i] = static_cast<quint16>(page->weights.size());
-        page->weights += m_collation->weights(icu::UnicodeString(static_cast<UChar32>(codePoint)));
+        page->weights += m_collation->weights(codePoint);
 
         const icu::UnicodeString parts = decomposed(codePoint);
         page->joinsLetters[i] = m_longestJoined.contains(codePoint);
