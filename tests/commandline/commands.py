@@ -7,13 +7,18 @@ import os
 import pathlib
 import pty
 import resource
+import select
+import shutil
 import signal
 import socket
 import subprocess
 import time
+import unittest
 
 from harness import (AMBIGUOUS, BLANK, CommandLineTest, DISK, DONE, FILE, IN_USE, LIMITS,
                      NOT_UTF8, UNKNOWN, USAGE, main)
+
+COMPLETIONS = pathlib.Path(__file__).parents[2] / "packaging/completions"
 
 
 class Commands(CommandLineTest):
@@ -263,16 +268,19 @@ class Commands(CommandLineTest):
         self.addCleanup(daemon.kill)
         return daemon.stdout.readline().strip()
 
-    def test_bash_completes_commands_and_identifiers(self):
-        self.data.create()
-        self.data.add_note("one", 0xAB << 120)
+    def environment_of_shells(self):
+        """One in which the program is found by its name."""
         folder = self.home / "bin"
         folder.mkdir()
         (folder / "quillmark-notes").symlink_to(self.program)
-        source = pathlib.Path(__file__).parents[2] / "packaging/completions/quillmark-notes.bash"
-        script = (f'source "{source}"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); '
+        return self.environment(PATH=f"{folder}:{os.environ['PATH']}")
+
+    def test_bash_completes_commands_and_identifiers(self):
+        self.data.create()
+        self.data.add_note("one", 0xAB << 120)
+        script = (f'source "{COMPLETIONS}/quillmark-notes.bash"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); '
                   '_quillmark_notes; echo "${COMPREPLY[*]}"')
-        environment = self.environment(PATH=f"{folder}:{os.environ['PATH']}")
+        environment = self.environment_of_shells()
         def completed(*words):
             return subprocess.run(["bash", "-c", script, "bash", "quillmark-notes", *words],
                                   env=environment, stdout=subprocess.PIPE, text=True,
@@ -282,6 +290,53 @@ class Commands(CommandLineTest):
         self.assertEqual(completed("--v"), "--version")
         self.assertEqual(completed("list", "--"), "--json")
         self.assertEqual(completed("show", "ab"), "AB000000-0000-0000-0000-000000000000")
+
+    @unittest.skipUnless(shutil.which("fish"), "fish is not installed")
+    def test_fish_completes_commands_and_identifiers(self):
+        self.data.create()
+        self.data.add_note("one", 0xAB << 120)
+        environment = self.environment_of_shells()
+        def completed(line):
+            script = f'source "{COMPLETIONS}/quillmark-notes.fish"; complete -C "$argv"'
+            lines = subprocess.run(["fish", "--no-config", "-c", script, line], env=environment,
+                                   stdout=subprocess.PIPE, text=True, check=True).stdout
+            return [found.split("\t")[0] for found in lines.splitlines()]
+
+        self.assertEqual(completed("quillmark-notes s"), ["search", "show"])
+        self.assertEqual(completed("quillmark-notes --v"), ["--version"])
+        self.assertEqual(completed("quillmark-notes list --"), ["--json"])
+        self.assertIn("AB000000-0000-0000-0000-000000000000", completed("quillmark-notes show "))
+
+    @unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
+    def test_zsh_completes_commands_and_identifiers(self):
+        self.data.create()
+        self.data.add_note("one", 0xAB << 120)
+        try:
+            own, terminal = pty.openpty()
+        except OSError as error:
+            self.skipTest(f"no terminal can be made here: {error}")
+        shell = subprocess.Popen(["zsh", "-f", "-i"], stdin=terminal, stdout=terminal,
+                                 stderr=terminal, start_new_session=True,
+                                 env=self.environment_of_shells() | {"TERM": "dumb"})
+        os.close(terminal)
+        self.addCleanup(os.close, own)
+        self.addCleanup(shell.wait)
+        self.addCleanup(shell.kill)
+        def shows(keys, wanted):
+            os.write(own, keys.encode())
+            shown, end = b"", time.monotonic() + 10
+            while wanted.encode() not in shown and time.monotonic() < end:
+                if select.select([own], [], [], 0.1)[0]:
+                    shown += os.read(own, 65536)
+            self.assertIn(wanted, shown.decode())
+
+        shows(f"fpath=({COMPLETIONS} $fpath); autoload -Uz compinit; compinit -u -D; setopt nobeep; "
+              "echo is-$((6 * 7))\n", "is-42")
+        cancel = "\x15"
+        shows("quillmark-notes se\t", "search ")
+        shows(f"{cancel}quillmark-notes list --\t", "list --json ")
+        shows(f"{cancel}quillmark-notes search milk --\t", "--json")
+        shows(f"{cancel}quillmark-notes show A\t", "AB000000-0000-0000-0000-000000000000")
 
     def test_it_speaks_the_language_of_the_locale(self):
         chinese = self.environment(LC_ALL="zh_CN.UTF-8", LANGUAGE="zh_CN")
