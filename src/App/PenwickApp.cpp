@@ -3,6 +3,7 @@
 
 #include "AppPreferences.h"
 #include "DisplayErrors.h"
+#include "ProgramStyle.h"
 #include "QuitAlert.h"
 #include "RefusedStart.h"
 #include "StandardDefaults.h"
@@ -22,8 +23,7 @@ std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
     QCoreApplication::setApplicationName("Quillmark"_L1);
     QCoreApplication::setApplicationVersion(QLatin1StringView(QUILLMARK_VERSION));
     QGuiApplication::setDesktopFileName(QLatin1StringView(SingleInstance::busName));
-    // The one style that takes all its colours from the palette, dark or light.
-    QApplication::setStyle("Fusion"_L1);
+    QApplication::setStyle(new ProgramStyle);
 
     const DisplayErrors untilItStands;
     return std::make_unique<QApplication>(argc, argv);

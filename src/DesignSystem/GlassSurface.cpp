@@ -110,6 +110,26 @@ void GlassSurface::paint(QPainter &painter, const QRectF &rect, const QWidget *v
     paint(painter, rect, view->palette(), isOpaque(view));
 }
 
+void GlassSurface::paintPanel(QPainter &painter, const QRect &rect, double radius,
+                              const QPalette &palette, QPalette::ColorRole fill)
+{
+    constexpr double inset = borderWidth / 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(palette.brush(fill));
+    painter.setPen(NoteTheme::color(palette, Tone::primary, Metrics::menuBorder));
+    painter.drawPath(outline(QRectF(rect).adjusted(inset, inset, -inset, -inset), radius));
+    painter.restore();
+}
+
+QRegion GlassSurface::windowMask(const QRect &rect, double radius, const QWidget *view)
+{
+    const ViewEnvironment *const environment = ViewEnvironment::of(view);
+    if (environment && !environment->reduceTransparency())
+        return {};
+    return QRegion(outline(rect, radius).toFillPolygon().toPolygon());
+}
+
 void GlassSurface::paintCard(QWidget *cover, const QRect &card)
 {
     QPainter painter(cover);

@@ -38,6 +38,14 @@ public:
     /// The surface of a view: in the colours of its palette, opaque when its environment says so.
     static void paint(QPainter &painter, const QRectF &rect, const QWidget *view);
 
+    /// The opaque surface of a small window: a menu, a tooltip.
+    static void paintPanel(QPainter &painter, const QRect &rect, double radius,
+                           const QPalette &palette, QPalette::ColorRole fill);
+
+    /// What such a window is to be cut out to where nothing is composited, since what is
+    /// translucent would be black there; empty where its corners can be. Of the view's environment.
+    [[nodiscard]] static QRegion windowMask(const QRect &rect, double radius, const QWidget *view);
+
     /// An opaque card over a window that waits, which the cover darkens.
     static void paintCard(QWidget *cover, const QRect &card);
 

@@ -105,6 +105,8 @@ inline constexpr int menuRadius = 10;
 inline constexpr int menuPadding = 5;
 inline constexpr int menuItemRadius = 6;
 inline constexpr double menuBorder = 0.12;
+inline constexpr int tooltipRadius = 8;
+inline constexpr int tooltipPadding = 5;
 
 // Controls.
 inline constexpr QSize quietIconButton{30, 30};

@@ -63,6 +63,7 @@ inline constexpr TextStyle emptyHint{11, QFont::Normal, Tone::secondary};
 
 // Controls.
 inline constexpr TextStyle environment{13};
+inline constexpr TextStyle tooltip{12};
 inline constexpr TextStyle primaryButton{13, QFont::DemiBold, Tone::onAccent};
 inline constexpr TextStyle quietIcon{13, QFont::Medium, Tone::secondary};
 inline constexpr TextStyle preferencesIcon{13, QFont::Normal, Tone::secondary};

@@ -4,32 +4,32 @@
 #include "GlassSurface.h"
 #include "Metrics.h"
 #include "TextStyle.h"
-#include "ViewEnvironment.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QProxyStyle>
-#include <QRegion>
 #include <QStyleOption>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
 /// Draws the surface and the chosen item; the rest is the application's style.
 class MenuStyle final : public QProxyStyle {
 public:
+    MenuStyle()
+        : QProxyStyle(u"Fusion"_s)
+    {
+    }
+
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget) const override
     {
         if (element == PE_PanelMenu) {
-            painter->save();
-            painter->setRenderHint(QPainter::Antialiasing);
-            const QRectF rect = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
-            painter->setBrush(option->palette.window());
-            painter->setPen(NoteTheme::color(option->palette, Tone::primary, Metrics::menuBorder));
-            painter->drawPath(GlassSurface::outline(rect, Metrics::menuRadius));
-            painter->restore();
+            GlassSurface::paintPanel(*painter, option->rect, Metrics::menuRadius, option->palette,
+                                     QPalette::Window);
         } else if (element != PE_FrameMenu) {
             QProxyStyle::drawPrimitive(element, option, painter, widget);
         }
@@ -109,14 +109,7 @@ bool ThemedMenu::eventFilter(QObject *receiver, QEvent *event)
 void ThemedMenu::resizeEvent(QResizeEvent *event)
 {
     QMenu::resizeEvent(event);
-    // Where nothing is composited what is translucent would be black.
-    const ViewEnvironment *const environment = ViewEnvironment::of(parentWidget());
-    if (environment && !environment->reduceTransparency()) {
-        clearMask();
-        return;
-    }
-    setMask(
-        QRegion(GlassSurface::outline(rect(), Metrics::menuRadius).toFillPolygon().toPolygon()));
+    setMask(GlassSurface::windowMask(rect(), Metrics::menuRadius, this));
 }
 
 void ThemedMenu::takeLook()
