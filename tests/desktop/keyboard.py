@@ -11,6 +11,14 @@ class Keyboard(DesktopTest):
         self.first = self.open_text_window("First")
         self.quillmark = self.start()
 
+    def work_in(self, window):
+        """As long as a person would: a glance of some milliseconds leaves no trace on the X server,
+        and an editor that has just come up is still being placed."""
+        def is_active():
+            return self.windows.active() == window.id and self.windows.has_input(window.id)
+        until(is_active, "the user goes there")
+        holds_for(0.3, is_active, "the user works there")
+
     def fold(self):
         self.keyboard.press("Escape")
         self.quillmark.launcher()
@@ -25,11 +33,9 @@ class Keyboard(DesktopTest):
         self.windows.activate(self.first.id)
         until(lambda: self.windows.has_input(self.first.id), "the first one has the keyboard")
         editor = self.quillmark.open_editor()
+        self.work_in(editor)
         self.windows.activate(second.id)
-        until(lambda: self.windows.has_input(second.id) and self.windows.active() == second.id,
-              "the user goes elsewhere")
-        # As long as a person would: a glance of some milliseconds leaves no trace on the X server.
-        holds_for(0.3, lambda: self.windows.active() == second.id, "the user works there")
+        self.work_in(second)
         self.open_again(editor)
 
         self.fold()

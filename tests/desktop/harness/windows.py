@@ -243,6 +243,9 @@ class Windows:
         return value[0] if value else 1
 
     def switch_workspace(self, number):
+        # Some desktops begin with one.
+        if number >= self.workspaces():
+            self._tell(self._root, "_NET_NUMBER_OF_DESKTOPS", [number + 1])
         self._tell(self._root, "_NET_CURRENT_DESKTOP", [number, X.CurrentTime])
 
     def clipboard_owner(self):
