@@ -16,10 +16,12 @@ public:
         connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this] { m_told = 0; });
     }
 
-    /// What the event is about in the end; none when that is known.
+    /// What the event is about in the end; none when that is known, or is on its way out.
     [[nodiscard]] QAccessibleInterface *targetOf(const QAccessibleEvent &event)
     {
         QAccessibleInterface *target = event.accessibleInterface();
+        if (!target)
+            return nullptr;
         if (QAccessibleInterface *const part = target->focusChild())
             target = part;
         const QAccessible::Id id = QAccessible::uniqueId(target);

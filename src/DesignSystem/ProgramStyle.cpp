@@ -11,7 +11,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 ProgramStyle::ProgramStyle()
-    : QProxyStyle(u"Fusion"_s)
+    : QProxyStyle("Fusion"_L1)
 {
 }
 

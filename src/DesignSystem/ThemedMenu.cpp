@@ -20,7 +20,7 @@ namespace {
 class MenuStyle final : public QProxyStyle {
 public:
     MenuStyle()
-        : QProxyStyle(u"Fusion"_s)
+        : QProxyStyle("Fusion"_L1)
     {
     }
 
