@@ -3,6 +3,7 @@
 
 import math
 import random
+import time
 
 from harness import DesktopTest, main, until
 from harness.input import Mouse
@@ -10,6 +11,8 @@ from harness.waiting import holds_for
 
 INSET = 12
 FIRST_PLACE = (1352, 44, 64, 64)
+DOUBLE_CLICK = 0.4  # Qt's, in seconds.
+TRIES = 20
 
 
 class Pointer(DesktopTest):
@@ -17,29 +20,47 @@ class Pointer(DesktopTest):
         super().setUp()
         self.other = self.open_text_window()
 
-    def double_click(self, point, changed):
-        """The second click comes when the first has changed what is there."""
-        self.mouse.click(point)
-        until(changed, "the first click is answered")
-        self.mouse.click(point)
+    def double_click(self, prepare, changed):
+        """Prepares, and clicks twice at the point that prepare() returns: the second time when the
+        first has changed what is there. On a busy machine that is later than a double click, and
+        is tried anew."""
+        for _ in range(TRIES):
+            point = prepare()
+            begin = time.monotonic()
+            self.mouse.click(point)
+            until(changed, "the first click is answered")
+            self.mouse.click(point)
+            if time.monotonic() - begin < DOUBLE_CLICK:
+                return
+            # Apart from the next one.
+            time.sleep(DOUBLE_CLICK)
+        self.skipTest("this machine is too busy for a double click")
 
     def test_a_double_click_opens_the_editor_and_leaves_it_open(self):
         # So that the button that folds lies under the pointer.
         quillmark = self.start()
 
-        self.double_click(quillmark.launcher().centre(), quillmark.shows_editor)
+        def point_at_bubble():
+            self.settle(quillmark)
+            return quillmark.launcher().centre()
+
+        self.double_click(point_at_bubble, quillmark.shows_editor)
 
         editor = quillmark.editor()
         holds_for(0.7, editor.is_viewable, "it stays open")
 
     def test_a_double_click_on_the_button_that_folds_leaves_the_bubble(self):
         quillmark = self.start()
-        quillmark.open_editor()
-        button = quillmark.element(name="Close · Esc")
-        # Later than the press that opened it.
-        holds_for(0.5, quillmark.shows_editor, "the editor is open")
 
-        self.double_click(button.centre(), quillmark.shows_launcher)
+        def point_at_button():
+            self.settle(quillmark)
+            quillmark.open_editor()
+            button = quillmark.element(name="Close · Esc")
+            # Later than the press that opened it.
+            holds_for(DOUBLE_CLICK, quillmark.shows_editor, "the editor is open")
+            return button.centre()
+
+        self.double_click(point_at_button, quillmark.shows_launcher)
 
         launcher = quillmark.launcher()
         holds_for(0.7, launcher.is_viewable, "it stays folded")

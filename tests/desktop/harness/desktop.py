@@ -174,6 +174,10 @@ class Desktop:
     def _start_window_manager(self):
         settings = self.folder / "i3.conf"
         settings.write_text(_I3_SETTINGS, encoding="utf-8")
+        # Whatever it finds for setting a wallpaper may fail, and says so in a window in mid-screen.
+        overlay = pathlib.Path(self.environment["HOME"]) / ".fluxbox/overlay"
+        overlay.parent.mkdir(exist_ok=True)
+        overlay.write_text("background: none\n", encoding="utf-8")
         command = [part.format(settings=settings)
                    for part in WINDOW_MANAGERS[self.window_manager]]
         self.spawn(command)
