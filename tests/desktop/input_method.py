@@ -57,10 +57,36 @@ class InputMethod(WithInputMethod):
         super().setUpClass()
         cls.ibus = input_method.InputMethod(cls.desktop, cls.leaves)
 
+    def setUp(self):
+        super().setUp()
+        self.until_letters_are_held_back()
+
+    def until_letters_are_held_back(self):
+        """ibus gives its engine to a window some time after the keyboard has come to it, and what is
+        typed before is plain text in every program."""
+        before = self.editor.text()
+
+        def is_held_back():
+            self.keyboard.type("x")
+            until(lambda: self.ibus.composed() == "x" or self.editor.text() != before,
+                  "the letter has come")
+            is_composed = self.ibus.composed() == "x"
+            self.keyboard.press("Escape" if is_composed else "BackSpace")
+            until(lambda: self.ibus.composed() == "" and self.editor.text() == before,
+                  "the letter is gone")
+            return is_composed
+        until(is_held_back, "letters are held back")
+
     def compose(self, letters):
         """Types letters that the input method holds back."""
         self.keyboard.type(letters)
         until(lambda: self.ibus.composed() == letters, f"“{letters}” is being composed")
+
+    def cancel(self):
+        """Drops what is composed, and goes on once that has left the screen, too."""
+        self.keyboard.press("Escape")
+        until(lambda: self.ibus.composed() == "", "the letters are dropped")
+        holds_for(0.3, lambda: self.ibus.composed() == "", "nothing is composed")
 
     def test_a_composed_word_becomes_a_note(self):
         self.keyboard.type("xiangdao ")
@@ -93,8 +119,7 @@ class InputMethod(WithInputMethod):
 
     def test_return_and_escape_belong_to_the_input_method_while_it_composes(self):
         self.compose("xiang")
-        self.keyboard.press("Escape")
-        until(lambda: self.ibus.composed() == "", "the letters are dropped")
+        self.cancel()
         self.compose("jiuji")
         self.keyboard.press("Return")
 
@@ -158,11 +183,12 @@ class InputMethod(WithInputMethod):
     def test_what_was_cancelled_does_not_come_back(self):
         for leave in (self.fold, lambda: self.press("Notes"), lambda: self.press("Capture")):
             self.compose("xiang")
-            self.keyboard.press("Escape")
-            until(lambda: self.ibus.composed() == "", "the letters are dropped")
+            self.cancel()
             leave()
             if self.quillmark.shows_launcher():
                 self.quillmark.open_editor()
+                self.until_writing()
+                self.until_letters_are_held_back()
 
         self.until_writing()
         self.keyboard.type("jiuji ")
@@ -173,14 +199,12 @@ class InputMethod(WithInputMethod):
         self.press("Notes")
         field = self.search()
         self.compose("xiang")
-        self.keyboard.press("Escape")
-        until(lambda: self.ibus.composed() == "", "the letters are dropped")
+        self.cancel()
         other = self.open_text_window()
         self.windows.activate(self.quillmark.shows_editor().id)
         self.search()
         self.compose("xiang")
-        self.keyboard.press("Escape")
-        until(lambda: self.ibus.composed() == "", "the letters are dropped")
+        self.cancel()
         self.keyboard.press("shift+Tab")
         until(lambda: not field.has("focused"), "the keyboard is elsewhere")
         self.keyboard.press("Tab")
