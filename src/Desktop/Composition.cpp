@@ -60,7 +60,7 @@ Composition::Composition(QWidget *field)
     field->installEventFilter(this);
     m_sinceCancelled.setSingleShot(true);
     m_sinceCancelled.setInterval(cancellationDelay);
-    connect(&m_sinceCancelled, &QTimer::timeout, this, &Composition::forgetCancelled);
+    connect(&m_sinceCancelled, &QTimer::timeout, this, &Composition::settleCancelled);
 }
 
 void Composition::end()
@@ -113,12 +113,18 @@ bool Composition::filterOfField(QEvent *event)
         const auto &composed = *static_cast<QInputMethodEvent *>(event);
         if (echo().isIn(composed))
             return true;
+        const bool isCancelled = !m_cancelled.isEmpty() && composed.preeditString().isEmpty() &&
+                                 composed.commitString() == m_cancelled;
+        if (isCancelled) {
+            m_cancelled.clear();
+            return true;
+        }
         follow(composed);
         return false;
     }
     case QEvent::KeyPress:
         // The input method has had it and is done with all keys before.
-        forgetCancelled();
+        settleCancelled();
         return false;
     case QEvent::Show:
         m_field->window()->windowHandle()->installEventFilter(this);
@@ -130,22 +136,29 @@ bool Composition::filterOfField(QEvent *event)
 
 void Composition::follow(const QInputMethodEvent &event)
 {
-    const bool wasGoingOn = isGoingOn();
+    const QString before = std::exchange(m_text, event.preeditString());
     const bool hasCommitted = !event.commitString().isEmpty();
-    m_text = event.preeditString();
     m_hasCommitted = m_hasCommitted || hasCommitted;
     if (isGoingOn() || hasCommitted) {
-        m_isCancelled = false;
+        m_vanished.clear();
+        m_cancelled.clear();
         m_sinceCancelled.stop();
-    } else if (wasGoingOn) {
-        m_isCancelled = true;
+    } else if (!before.isEmpty()) {
+        m_vanished = before;
         m_sinceCancelled.start();
     }
 }
 
-void Composition::forgetCancelled()
+void Composition::settleCancelled()
 {
     m_sinceCancelled.stop();
-    if (std::exchange(m_isCancelled, false))
+    if (!m_vanished.isEmpty())
+        m_cancelled = std::exchange(m_vanished, {});
+}
+
+void Composition::forgetCancelled()
+{
+    settleCancelled();
+    if (!std::exchange(m_cancelled, {}).isEmpty())
         QGuiApplication::inputMethod()->reset();
 }

@@ -16,7 +16,8 @@ class QWidget;
 /// does not come back.
 ///
 /// Input methods differ in all of this. The toolkit's part of ibus takes a composition that was
-/// cancelled for one that still goes on; ibus itself may put into the text, a moment later and
+/// cancelled for one that still goes on, and puts it into the text when the keyboard leaves; to
+/// reset it at once would take the letters along that are on their way to ibus. ibus itself may put into the text, a moment later and
 /// wherever the keyboard is by then, what the toolkit has put there already; that of fcitx answers
 /// to being reset, not to being asked to commit.
 class Composition final : public QObject {
@@ -40,11 +41,13 @@ public:
 private:
     bool filterOfField(QEvent *event);
     void follow(const QInputMethodEvent &event);
+    void settleCancelled();
     void forgetCancelled();
 
     QWidget *const m_field;
     QString m_text;
     QTimer m_sinceCancelled;
     bool m_hasCommitted = false;
-    bool m_isCancelled = false;
+    QString m_vanished;  ///< A composition that is no more, and of which a word may still come.
+    QString m_cancelled; ///< One of which none will come.
 };
