@@ -792,6 +792,58 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away.</translation>
     </message>
     <message>
+        <source>A program that synchronises folders shares this one. Quillmark exchanges it with a new one: share “Penwick” instead.</source>
+        <translation>A program that synchronises folders shares this one. Quillmark exchanges it with a new one: share “Penwick” instead.</translation>
+    </message>
+    <message>
+        <source>A conflict copy of a note, by %@.</source>
+        <translation>A conflict copy of a note, by %@.</translation>
+    </message>
+    <message>
+        <source>A conflict copy of a draft, by %@.</source>
+        <translation>A conflict copy of a draft, by %@.</translation>
+    </message>
+    <message>
+        <source>A recovery copy that another computer made.</source>
+        <translation>A recovery copy that another computer made.</translation>
+    </message>
+    <message>
+        <source>A recovery copy.</source>
+        <translation>A recovery copy.</translation>
+    </message>
+    <message>
+        <source>It becomes a note of its own.</source>
+        <translation>It becomes a note of its own.</translation>
+    </message>
+    <message>
+        <source>It becomes the note that is missing.</source>
+        <translation>It becomes the note that is missing.</translation>
+    </message>
+    <message>
+        <source>The notes hold its text already. It is put away.</source>
+        <translation>The notes hold its text already. It is put away.</translation>
+    </message>
+    <message>
+        <source>It is empty. It is put away.</source>
+        <translation>It is empty. It is put away.</translation>
+    </message>
+    <message>
+        <source>It is no text. It is put away.</source>
+        <translation>It is no text. It is put away.</translation>
+    </message>
+    <message>
+        <source>Texts that only it has become notes: %d.</source>
+        <translation>Texts that only it has become notes: %d.</translation>
+    </message>
+    <message>
+        <source>The notes hold all of its texts. It is put away.</source>
+        <translation>The notes hold all of its texts. It is put away.</translation>
+    </message>
+    <message>
+        <source>It is all there is of the notes, and gets their place.</source>
+        <translation>It is all there is of the notes, and gets their place.</translation>
+    </message>
+    <message>
         <source>A backup file, as editors make them.</source>
         <translation>A backup file, as editors make them.</translation>
     </message>

@@ -792,6 +792,58 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>冲突副本：同步文件夹的程序发现一个文件有两个版本。请比较它们，留下需要的，再把副本移走。</translation>
     </message>
     <message>
+        <source>A program that synchronises folders shares this one. Quillmark exchanges it with a new one: share “Penwick” instead.</source>
+        <translation>有同步文件夹的程序正在共享此文件夹，而 Quillmark 会用新文件夹替换它：请改为共享“Penwick”。</translation>
+    </message>
+    <message>
+        <source>A conflict copy of a note, by %@.</source>
+        <translation>笔记的冲突副本，由 %@ 生成。</translation>
+    </message>
+    <message>
+        <source>A conflict copy of a draft, by %@.</source>
+        <translation>草稿的冲突副本，由 %@ 生成。</translation>
+    </message>
+    <message>
+        <source>A recovery copy that another computer made.</source>
+        <translation>另一台电脑生成的恢复副本。</translation>
+    </message>
+    <message>
+        <source>A recovery copy.</source>
+        <translation>恢复副本。</translation>
+    </message>
+    <message>
+        <source>It becomes a note of its own.</source>
+        <translation>它会成为一条单独的笔记。</translation>
+    </message>
+    <message>
+        <source>It becomes the note that is missing.</source>
+        <translation>它会成为缺失的那条笔记。</translation>
+    </message>
+    <message>
+        <source>The notes hold its text already. It is put away.</source>
+        <translation>笔记中已有它的文字。它会被收存。</translation>
+    </message>
+    <message>
+        <source>It is empty. It is put away.</source>
+        <translation>它是空的。它会被收存。</translation>
+    </message>
+    <message>
+        <source>It is no text. It is put away.</source>
+        <translation>它不是文字。它会被收存。</translation>
+    </message>
+    <message>
+        <source>Texts that only it has become notes: %d.</source>
+        <translation>只有它才有的文字会成为笔记：%d 条。</translation>
+    </message>
+    <message>
+        <source>The notes hold all of its texts. It is put away.</source>
+        <translation>笔记中已有它的全部文字。它会被收存。</translation>
+    </message>
+    <message>
+        <source>It is all there is of the notes, and gets their place.</source>
+        <translation>笔记只剩下它了，它会回到笔记的位置。</translation>
+    </message>
+    <message>
         <source>A backup file, as editors make them.</source>
         <translation>编辑器留下的备份文件。</translation>
     </message>

@@ -40,6 +40,8 @@ QLatin1StringView wordFor(Finding::Kind kind)
         return "conflict"_L1;
     case Finding::Kind::backup:
         return "backup"_L1;
+    case Finding::Kind::syncMarker:
+        return "marker"_L1;
     case Finding::Kind::other:
         return "other"_L1;
     }

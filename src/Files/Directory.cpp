@@ -2,6 +2,7 @@
 #include "Directory.h"
 
 #include <array>
+#include <span>
 
 namespace {
 
@@ -78,6 +79,23 @@ Result<void> copyContent(const Descriptor &from, const Descriptor &to) noexcept
         if (const auto written = writeAll(to, {buffer.data(), *count}); !written)
             return written;
     }
+}
+
+/// Fills the buffer, unless the file ends before.
+Result<std::size_t> readFull(const Descriptor &file, std::span<char> buffer) noexcept
+{
+    std::size_t size = 0;
+    while (size < buffer.size()) {
+        const auto count = uninterrupted([&] {
+            return file.disk().read(file.get(), buffer.data() + size, buffer.size() - size);
+        });
+        if (!count)
+            return count.failure();
+        if (*count == 0)
+            break;
+        size += *count;
+    }
+    return size;
 }
 
 class Collector final : public ListingVisitor {
@@ -293,6 +311,32 @@ Result<FileStatus> Directory::copyFile(const char *name, const Directory &into) 
 Result<void> Directory::copySymbolicLink(const char *name, const Directory &into) const noexcept
 {
     return uninterrupted([&] { return disk().copySymbolicLink(handle(), into.handle(), name); });
+}
+
+Result<bool> Directory::hasSameContent(const char *name, const Directory &other,
+                                       const char *otherName) const noexcept
+{
+    const Result<OpenFile> first = openRegularFile(*this, name);
+    if (!first)
+        return first.failure();
+    const Result<OpenFile> second = openRegularFile(other, otherName);
+    if (!second)
+        return second.failure();
+    std::array<char, bufferSize> firstBytes;
+    std::array<char, bufferSize> secondBytes;
+    for (;;) {
+        const auto firstSize = readFull(first->descriptor, firstBytes);
+        if (!firstSize)
+            return firstSize.failure();
+        const auto secondSize = readFull(second->descriptor, secondBytes);
+        if (!secondSize)
+            return secondSize.failure();
+        if (std::string_view(firstBytes.data(), *firstSize) !=
+            std::string_view(secondBytes.data(), *secondSize))
+            return false;
+        if (*firstSize < firstBytes.size())
+            return true;
+    }
 }
 
 Result<void> Directory::unlink(const char *name, FileKind kind) const noexcept

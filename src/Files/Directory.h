@@ -63,6 +63,10 @@ public:
     Result<FileStatus> copyFile(const char *name, const Directory &into) const noexcept;
     Result<void> copySymbolicLink(const char *name, const Directory &into) const noexcept;
 
+    /// Whether two regular files hold the same bytes.
+    Result<bool> hasSameContent(const char *name, const Directory &other,
+                                const char *otherName) const noexcept;
+
     Result<void> unlink(const char *name, FileKind kind) const noexcept;
 
     /// Renames an entry, into another folder or within this one. Interrupted only when it is to

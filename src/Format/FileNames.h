@@ -33,6 +33,9 @@ inline constexpr std::string_view olderTypedPrefix = ".quillmark-typed-";
 /// In the program's folder for its state: what was typed, for one data folder.
 inline constexpr std::string_view journalPrefix = "typed-";
 
+/// There, too: folders of what was taken out of a data folder.
+inline constexpr std::string_view takenInPrefix = "taken-in-";
+
 /// In the Markdown folder, with all that it holds.
 inline constexpr const char *marker = ".format";
 inline constexpr std::string_view markerContent = "Quillmark Markdown 1\n";

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "NoteFolder.h"
 
+#include "RepositoryError.h"
+
 #include <sys/stat.h>
 
 namespace {
@@ -37,13 +39,13 @@ DirectoryListing markdownFiles(const Directory &section)
 
 } // namespace
 
-std::optional<NoteFolder> NoteFolder::openIfExists(const Directory &data)
+std::optional<NoteFolder> NoteFolder::openIfExists(const Directory &data, const char *name)
 {
-    const Result<FileStatus> found = data.status(FileNames::markdownFolder);
+    const Result<FileStatus> found = data.status(name);
     if (!found && found.failure().is(ENOENT))
         return std::nullopt;
-    data.orThrow(found, FileNames::markdownFolder);
-    Directory markdown = openHere(data, FileNames::markdownFolder);
+    data.orThrow(found, name);
+    Directory markdown = openHere(data, name);
     Directory notes = openHere(markdown, FileNames::ofSection(Section::notes));
     const char *const draftsName = FileNames::ofSection(Section::drafts);
     const Result<FileStatus> foundDrafts = markdown.status(draftsName);
@@ -97,6 +99,15 @@ void NoteFolder::makeDrafts()
     const char *const name = FileNames::ofSection(Section::drafts);
     m_drafts.emplace(m_markdown.orThrow(m_markdown.makeFolder(name), name));
     m_markdown.orThrow(m_markdown.sync());
+}
+
+void NoteFolder::checkMarker() const
+{
+    std::string bytes;
+    m_markdown.orThrow(m_markdown.readFile(FileNames::marker, largestFile, bytes),
+                       FileNames::marker);
+    if (bytes != FileNames::markerContent)
+        throw RepositoryError::invalidMarkdown().about(m_markdown.path() / FileNames::marker);
 }
 
 bool NoteFolder::isIn(const Directory &data) const

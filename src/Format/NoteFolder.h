@@ -19,10 +19,11 @@ public:
     /// And so are more bytes in all files together, since all of them are held in memory.
     static constexpr std::size_t mostBytes = 256UL * 1024 * 1024;
 
-    /// Nothing when the data folder has no Markdown folder. Throws a FileError for one that is
+    /// Nothing when the data folder has no folder of that name. Throws a FileError for one that is
     /// another disk, is no folder, or lacks "Notes". Without "Drafts" there are no drafts: who
     /// carries notes from one computer to another may leave them out.
-    [[nodiscard]] static std::optional<NoteFolder> openIfExists(const Directory &data);
+    [[nodiscard]] static std::optional<NoteFolder>
+    openIfExists(const Directory &data, const char *name = FileNames::markdownFolder);
 
     /// The same, but nothing instead of a FileError.
     [[nodiscard]] static std::optional<NoteFolder> openIfUsable(const Directory &data);
@@ -35,6 +36,9 @@ public:
 
     /// Makes the folder of the drafts where there is none. Throws a FileError.
     void makeDrafts();
+
+    /// Throws RepositoryError::invalidMarkdown about the marker of another format, or a FileError.
+    void checkMarker() const;
 
     /// A file of one section as it was found, and its bytes. All of it lives as long as one visit.
     struct File {

@@ -3,6 +3,7 @@
 
 #include "Message.h"
 #include "Note.h"
+#include "TakeInPlan.h"
 
 #include <QUrl>
 #include <chrono>
@@ -33,6 +34,14 @@ public:
 
     /// Replaces the whole stored state. On return it is safe on the disk.
     virtual void save(const NoteSnapshot &snapshot) = 0;
+
+    /// What beside the notes could be taken in by takeIn(). Reads everything. May throw as well.
+    [[nodiscard]] virtual TakeInPlan planTakeIn() { return {}; }
+
+    /// Takes in what was shown, and answers where the originals are. Throws
+    /// RepositoryError::externalChange, and changes nothing, when that is no longer what there is.
+    /// What is typed and what is loaded stay as they are; reload() brings the new notes.
+    [[nodiscard]] virtual std::filesystem::path takeIn(const TakeInPlan & /*shown*/) { return {}; }
 
     /// Does some of what the last save left for later, for about this long. After how long it wants
     /// to be called again; nothing when that was all. May throw as well.

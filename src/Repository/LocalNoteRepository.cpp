@@ -11,6 +11,7 @@
 #include "SnapshotMerge.h"
 #include "SnapshotReader.h"
 #include "SystemDisk.h"
+#include "TakeIn.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -60,6 +61,11 @@ SnapshotReader readWhole(const NoteFolder &folder, const Directory &data)
     return reader;
 }
 
+std::filesystem::path firstOf(const LocalNoteRepository::Folders &folders)
+{
+    return folders.empty() ? std::filesystem::path() : folders.front();
+}
+
 std::filesystem::path userStateFolder()
 {
     return absolutePathIn("XDG_STATE_HOME").value_or(homeFolder() / ".local/state");
@@ -72,6 +78,7 @@ LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL,
     : m_systemDisk(std::make_unique<SystemDisk>())
     , m_disk(*m_systemDisk)
     , m_fileURL(std::filesystem::absolute(fileURL).lexically_normal())
+    , m_stateFolder(firstOf(journalFolders))
     , m_typed(m_disk, std::move(journalFolders), dataURL())
 {
 }
@@ -80,6 +87,7 @@ LocalNoteRepository::LocalNoteRepository(const std::filesystem::path &fileURL, D
                                          Folders journalFolders)
     : m_disk(disk)
     , m_fileURL(fileURL)
+    , m_stateFolder(firstOf(journalFolders))
     , m_typed(m_disk, std::move(journalFolders), dataURL())
 {
 }
@@ -173,6 +181,23 @@ bool LocalNoteRepository::isChangedOutside()
     if (!folder || !m_known)
         return folder.has_value() != m_known.has_value();
     return !m_known->isStill(*folder);
+}
+
+TakeInPlan LocalNoteRepository::planTakeIn()
+{
+    const Result<Directory> data = Directory::open(m_disk, dataURL());
+    if (!data && data.failure().is(ENOENT))
+        return {};
+    return TakeIn(openClaimed()).plan();
+}
+
+std::filesystem::path LocalNoteRepository::takeIn(const TakeInPlan &shown)
+{
+    const Directory data = openClaimed();
+    TakeIn intake(data);
+    if (intake.plan() != shown)
+        throw RepositoryError::externalChange();
+    return intake.perform(m_stateFolder);
 }
 
 void LocalNoteRepository::loadNotes()

@@ -55,6 +55,10 @@ public:
     [[nodiscard]] NoteSnapshot reload(const NoteSnapshot &typed) override;
     void save(const NoteSnapshot &snapshot) override;
 
+    /// The originals go to a dated folder in the first of the journal folders.
+    [[nodiscard]] TakeInPlan planTakeIn() override;
+    [[nodiscard]] std::filesystem::path takeIn(const TakeInPlan &shown) override;
+
     /// What load() would answer of stored notes, for who only looks: older notes are not moved,
     /// typed text is left where it is, and nothing is remembered. Beside another program that saves
     /// it may throw for a state that is over at once.
@@ -90,6 +94,7 @@ private:
     const std::unique_ptr<Disk> m_systemDisk;
     Disk &m_disk;
     const std::filesystem::path m_fileURL;
+    const std::filesystem::path m_stateFolder;
     FolderLock m_lock;
     bool m_isLoaded = false;
 

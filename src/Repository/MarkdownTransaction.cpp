@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "MarkdownTransaction.h"
 
+#include "RecoveryName.h"
 #include "RepositoryError.h"
 
 #include <algorithm>
@@ -107,7 +108,7 @@ void MarkdownTransaction::placeAt(const Directory &parent, const char *name)
                               .hidden = m_data,
                               .live = name,
                               .stage = FileNames::fresh(FileNames::stagePrefix),
-                              .recovery = FileNames::fresh(FileNames::recoveryPrefix)});
+                              .recovery = RecoveryName::fresh(m_data.path())});
 }
 
 void MarkdownTransaction::beginFile()

@@ -6,6 +6,7 @@
 #include "MarkdownTransaction.h"
 #include "NoteFile.h"
 #include "NoteFolder.h"
+#include "RecoveryName.h"
 #include "RepositoryError.h"
 
 #include <algorithm>
@@ -15,16 +16,6 @@ namespace {
 /// Listing and looking at so many files costs a millisecond.
 constexpr std::size_t mostListed = 2'000;
 constexpr std::size_t mostLookedAt = 500;
-
-void checkMarker(const NoteFolder &folder)
-{
-    const Directory &markdown = folder.directory();
-    std::string bytes;
-    markdown.orThrow(markdown.readFile(FileNames::marker, NoteFolder::largestFile, bytes),
-                     FileNames::marker);
-    if (bytes != FileNames::markerContent)
-        throw RepositoryError::invalidMarkdown().about(markdown.path() / FileNames::marker);
-}
 
 DirectoryListing markdownFiles(const Directory &notes)
 {
@@ -64,7 +55,7 @@ std::optional<std::filesystem::path> addNote(const Directory &data, const Note &
     const std::optional<NoteFolder> folder = NoteFolder::openIfExists(data);
     if (!folder)
         return std::nullopt;
-    checkMarker(*folder);
+    folder->checkMarker();
     NoteFile file;
     file.place = {Section::notes, NoteFileName::ofNote(note.id)};
     file.note = note;
@@ -76,7 +67,7 @@ std::optional<std::filesystem::path> addNote(const Directory &data, const Note &
                           .hidden = data,
                           .live = file.place.name.c_str(),
                           .stage = FileNames::fresh(FileNames::stagePrefix),
-                          .recovery = FileNames::fresh(FileNames::recoveryPrefix)};
+                          .recovery = RecoveryName::fresh(data.path())};
     // A program that ended in the middle of a save may have left the folders to memory alone.
     data.orThrow(data.sync());
     folder->sync();

@@ -60,6 +60,10 @@ Message messageFor(Neighbour neighbour)
             {}};
     case Neighbour::backup:
         return {u"A backup file, as editors make them."_s, {}};
+    case Neighbour::syncMarker:
+        return {
+            u"A program that synchronises folders shares this one. Quillmark exchanges it with a new one: share “Penwick” instead."_s,
+            {}};
     }
     Q_UNREACHABLE();
 }
@@ -75,6 +79,8 @@ Kind kindOf(Neighbour neighbour)
         return Kind::conflictCopy;
     case Neighbour::backup:
         return Kind::backup;
+    case Neighbour::syncMarker:
+        return Kind::syncMarker;
     }
     Q_UNREACHABLE();
 }
@@ -93,7 +99,8 @@ bool isOfNotes(Section section, std::string_view name)
 
 bool FolderCheck::isWrong(Kind kind) noexcept
 {
-    return kind == Kind::refused || kind == Kind::recoveryCopy || kind == Kind::conflictCopy;
+    return kind == Kind::refused || kind == Kind::recoveryCopy || kind == Kind::conflictCopy ||
+           kind == Kind::syncMarker;
 }
 
 std::vector<std::string> FolderCheck::hiddenNames() const

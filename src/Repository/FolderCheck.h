@@ -22,7 +22,8 @@ public:
             editorLock,
             conflictCopy,
             backup,
-            other, ///< A file of another program.
+            syncMarker, ///< The folder is shared that is exchanged by saves.
+            other,      ///< A file of another program.
         };
         Kind kind;
         std::filesystem::path path;
