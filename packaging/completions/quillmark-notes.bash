@@ -13,6 +13,7 @@ _quillmark_notes() {
         compgen -W "$(quillmark-notes list 2>/dev/null | cut -f 1)" -- "${word^^}"
     ) ;;
     export) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
+    check) mapfile -t COMPREPLY < <(compgen -W '--repair --yes' -- "$word") ;;
     import) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     esac
 }

@@ -14,3 +14,5 @@ complete -c quillmark-notes -n "__fish_seen_subcommand_from list search show" -a
 complete -c quillmark-notes -n "__fish_seen_subcommand_from show" -a "(quillmark-notes list 2>/dev/null | string replace -r '\t[^\t]*\t' '\t')"
 complete -c quillmark-notes -n "__fish_seen_subcommand_from export" -a "(__fish_complete_directories)"
 complete -c quillmark-notes -n "__fish_seen_subcommand_from import" -F
+complete -c quillmark-notes -n "__fish_seen_subcommand_from check" -a --repair -d 'Take copies of notes in as notes'
+complete -c quillmark-notes -n "__fish_seen_subcommand_from check" -a --yes -d 'Do not ask'

@@ -663,6 +663,8 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
   check                says what is wrong with the notes; changes nothing
 
   --json               with list, search and show: as JSON
+  --repair             with check: takes copies of notes in as notes; asks first
+  --yes                with check --repair: does not ask
   --version            prints the version and ends
   --help               prints this and ends
 </source>
@@ -679,6 +681,8 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
   check                says what is wrong with the notes; changes nothing
 
   --json               with list, search and show: as JSON
+  --repair             with check: takes copies of notes in as notes; asks first
+  --yes                with check --repair: does not ask
   --version            prints the version and ends
   --help               prints this and ends
 </translation>
@@ -788,8 +792,8 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>The lock of an editor that has a note open, or ended while it had.</translation>
     </message>
     <message>
-        <source>A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away.</source>
-        <translation>A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away.</translation>
+        <source>A conflict copy: a program that synchronises folders found two versions of a file. “quillmark-notes check --repair” makes notes of copies of notes; compare others and move them away.</source>
+        <translation>A conflict copy: a program that synchronises folders found two versions of a file. “quillmark-notes check --repair” makes notes of copies of notes; compare others and move them away.</translation>
     </message>
     <message>
         <source>A program that synchronises folders shares this one. Quillmark exchanges it with a new one: share “Penwick” instead.</source>
@@ -842,6 +846,38 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
     <message>
         <source>It is all there is of the notes, and gets their place.</source>
         <translation>It is all there is of the notes, and gets their place.</translation>
+    </message>
+    <message>
+        <source>Another computer made this recovery copy.</source>
+        <translation>Another computer made this recovery copy.</translation>
+    </message>
+    <message>
+        <source>The swap file of an editor that has a note open, or ended while it had. It may hold text that is not saved.</source>
+        <translation>The swap file of an editor that has a note open, or ended while it had. It may hold text that is not saved.</translation>
+    </message>
+    <message>
+        <source>“%@” is in use by another Quillmark. Choose “Take in copies…” in its window, or quit it, then try again.</source>
+        <translation>“%@” is in use by another Quillmark. Choose “Take in copies…” in its window, or quit it, then try again.</translation>
+    </message>
+    <message>
+        <source>New notes: %d. The files listed are then kept in “%@”. Take them in? [y/N] </source>
+        <translation>New notes: %d. The files listed are then kept in “%@”. Take them in? [y/N] </translation>
+    </message>
+    <message>
+        <source>There is nothing that could be taken in.</source>
+        <translation>There is nothing that could be taken in.</translation>
+    </message>
+    <message>
+        <source>Nothing was changed. With --yes the files listed are taken in.</source>
+        <translation>Nothing was changed. With --yes the files listed are taken in.</translation>
+    </message>
+    <message>
+        <source>Taking in copies…</source>
+        <translation>Taking in copies…</translation>
+    </message>
+    <message>
+        <source>The files themselves are kept in “%@”.</source>
+        <translation>The files themselves are kept in “%@”.</translation>
     </message>
     <message>
         <source>A backup file, as editors make them.</source>

@@ -663,6 +663,8 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
   check                says what is wrong with the notes; changes nothing
 
   --json               with list, search and show: as JSON
+  --repair             with check: takes copies of notes in as notes; asks first
+  --yes                with check --repair: does not ask
   --version            prints the version and ends
   --help               prints this and ends
 </source>
@@ -679,6 +681,8 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
   check                指出笔记有什么问题；不作任何更改
 
   --json               用于 list、search 和 show：以 JSON 输出
+  --repair             用于 check：把笔记的副本收为笔记；会先询问
+  --yes                用于 check --repair：不询问
   --version            输出版本后结束
   --help               输出本说明后结束
 </translation>
@@ -788,8 +792,8 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>编辑器的锁：有笔记正在其中打开，或者它在打开时意外结束了。</translation>
     </message>
     <message>
-        <source>A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away.</source>
-        <translation>冲突副本：同步文件夹的程序发现一个文件有两个版本。请比较它们，留下需要的，再把副本移走。</translation>
+        <source>A conflict copy: a program that synchronises folders found two versions of a file. “quillmark-notes check --repair” makes notes of copies of notes; compare others and move them away.</source>
+        <translation>冲突副本：同步文件夹的程序发现一个文件有两个版本。“quillmark-notes check --repair”会把笔记的副本变成笔记；其他副本请比较后移走。</translation>
     </message>
     <message>
         <source>A program that synchronises folders shares this one. Quillmark exchanges it with a new one: share “Penwick” instead.</source>
@@ -842,6 +846,38 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
     <message>
         <source>It is all there is of the notes, and gets their place.</source>
         <translation>笔记只剩下它了，它会回到笔记的位置。</translation>
+    </message>
+    <message>
+        <source>Another computer made this recovery copy.</source>
+        <translation>这个恢复副本是另一台电脑生成的。</translation>
+    </message>
+    <message>
+        <source>The swap file of an editor that has a note open, or ended while it had. It may hold text that is not saved.</source>
+        <translation>编辑器的交换文件：有笔记正在其中打开，或者它在打开时意外结束了。其中可能有未保存的文字。</translation>
+    </message>
+    <message>
+        <source>“%@” is in use by another Quillmark. Choose “Take in copies…” in its window, or quit it, then try again.</source>
+        <translation>“%@”正被另一个 Quillmark 使用。请在其窗口中选择“收入副本…”，或退出它后重试。</translation>
+    </message>
+    <message>
+        <source>New notes: %d. The files listed are then kept in “%@”. Take them in? [y/N] </source>
+        <translation>新笔记：%d 条。列出的文件随后收存在“%@”中。要收入吗？[y/N] </translation>
+    </message>
+    <message>
+        <source>There is nothing that could be taken in.</source>
+        <translation>没有可以收入的内容。</translation>
+    </message>
+    <message>
+        <source>Nothing was changed. With --yes the files listed are taken in.</source>
+        <translation>未作任何更改。加上 --yes 会收入列出的文件。</translation>
+    </message>
+    <message>
+        <source>Taking in copies…</source>
+        <translation>正在收入副本…</translation>
+    </message>
+    <message>
+        <source>The files themselves are kept in “%@”.</source>
+        <translation>原文件收存在“%@”中。</translation>
     </message>
     <message>
         <source>A backup file, as editors make them.</source>

@@ -66,21 +66,23 @@ void print(Console &console, const Finding &finding)
     console.write(u"\n    "_s + sentence + u'\n');
 }
 
-/// Why the notes cannot be loaded, if so, and whether a recovery copy is all the reason.
-std::optional<Finding> refusalOf(const FolderCheck &check, const StoredNotes &notes,
-                                 std::optional<Complaint> &complaint)
+/// Why the notes cannot be loaded, if so: each file for itself. Recovery copies are told elsewhere.
+std::vector<Finding> refusals(const FolderCheck &check, const StoredNotes &notes)
 {
     NoteSnapshot snapshot;
-    complaint = notes.read(snapshot);
-    if (!complaint || complaint->status == ExitStatus::recoveryCopy)
-        return std::nullopt;
+    const std::optional<Complaint> complaint = notes.read(snapshot);
+    if (!complaint)
+        return {};
+    std::vector<Finding> findings = check.refused();
+    if (!findings.empty() || complaint->status == ExitStatus::recoveryCopy)
+        return findings;
     const std::filesystem::path place = complaint->place.value_or(notes.dataFolder());
     Finding finding{Finding::Kind::refused, place, complaint->message};
     // Sentences that name a file say what is wrong with it, too.
     const auto why = complaint->isPlaceNamed ? std::nullopt : check.whyInvalid(place);
     if (why)
         finding.message = *why;
-    return finding;
+    return {finding};
 }
 
 /// Recovery copies and stages that are none of a save under way: those are gone soon.
@@ -101,12 +103,16 @@ std::vector<std::string> lastingNames(const FolderCheck &check, const StoredNote
 
 ExitStatus Commands::check(Console &console, StoredNotes &notes, const Words &words)
 {
-    if (!words.empty())
+    Words rest = words;
+    const bool isRepair = std::erase(rest, "--repair") > 0;
+    const bool isAnswered = std::erase(rest, "--yes") > 0;
+    if (!rest.empty() || (isAnswered && !isRepair))
         return refuseUsage(console);
+    if (isRepair)
+        return repair(console, notes, isAnswered);
     std::vector<Finding> findings;
     std::error_code ignored;
     const bool isThere = std::filesystem::exists(notes.dataFolder(), ignored);
-    std::optional<Complaint> complaint;
     const auto failure = attempt([&] {
         if (!isThere)
             return;
@@ -119,9 +125,8 @@ ExitStatus Commands::check(Console &console, StoredNotes &notes, const Words &wo
             return;
         }
         const FolderCheck check(*opened);
-        if (const auto refusal = refusalOf(check, notes, complaint))
-            findings.push_back(*refusal);
-        for (const auto &more : {check.hidden(lastingNames(check, notes)), check.neighbours()})
+        for (const auto &more :
+             {refusals(check, notes), check.hidden(lastingNames(check, notes)), check.neighbours()})
             findings.insert(findings.end(), more.begin(), more.end());
     });
     if (failure) {

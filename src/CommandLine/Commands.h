@@ -33,8 +33,12 @@ using Words = std::vector<std::string>;
 /// One new note from each file, all or none. Prints their paths.
 [[nodiscard]] ExitStatus import(Console &console, StoredNotes &notes, const Words &words);
 
-/// What keeps the notes from being used, and what lies beside them. Changes nothing.
+/// What keeps the notes from being used, and what lies beside them. Changes nothing; but with
+/// "--repair" it does what repair() does, and "--yes" answers the question.
 [[nodiscard]] ExitStatus check(Console &console, StoredNotes &notes, const Words &words);
+
+/// Says what would be taken in, asks, and takes it in.
+[[nodiscard]] ExitStatus repair(Console &console, StoredNotes &notes, bool isAnswered);
 
 /// Says how the program is called.
 [[nodiscard]] ExitStatus refuseUsage(const Console &console);

@@ -13,9 +13,10 @@ enum class ExitStatus {
     recoveryCopy = 7,
     diskFull = 8,
     disk = 9,
-    inUse = 10,     ///< Another program has the notes and cannot be asked.
-    silent = 11,    ///< The window did not answer in time.
-    unknown = 12,   ///< No note has that identifier.
-    ambiguous = 13, ///< More than one has.
-    file = 14,      ///< A file or folder that was named, or the output, cannot be used.
+    inUse = 10,      ///< Another program has the notes and cannot be asked.
+    silent = 11,     ///< The window did not answer in time.
+    unknown = 12,    ///< No note has that identifier.
+    ambiguous = 13,  ///< More than one has.
+    file = 14,       ///< A file or folder that was named, or the output, cannot be used.
+    unanswered = 15, ///< Nothing was taken in, since nobody said yes.
 };

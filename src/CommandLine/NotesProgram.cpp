@@ -45,6 +45,8 @@ QString help(const Console &console)
         "  check                says what is wrong with the notes; changes nothing\n"
         "\n"
         "  --json               with list, search and show: as JSON\n"
+        "  --repair             with check: takes copies of notes in as notes; asks first\n"
+        "  --yes                with check --repair: does not ask\n"
         "  --version            prints the version and ends\n"
         "  --help               prints this and ends\n"_s);
 }

@@ -44,6 +44,8 @@ StoredNotes::StoredNotes(std::filesystem::path fileURL)
 {
 }
 
+StoredNotes::~StoredNotes() = default;
+
 bool StoredNotes::isFree() const
 {
     const Result<Directory> data = Directory::open(m_disk, dataFolder());
@@ -81,6 +83,29 @@ Complaint StoredNotes::inUse() const
         {u"“%@” is in use by another Quillmark that cannot be asked to add notes. Quit that one, then try again."_s,
          {QFile::decodeName(dataFolder().c_str())}},
         std::nullopt};
+}
+
+std::optional<Complaint> StoredNotes::planTakeIn(TakeInPlan &plan)
+{
+    m_claimed = std::make_unique<LocalNoteRepository>(m_fileURL);
+    bool isClaimed = false;
+    auto complaint = attempt([&] {
+        isClaimed = m_claimed->claim(longestTry);
+        if (isClaimed)
+            plan = m_claimed->planTakeIn();
+    });
+    if (complaint || isClaimed)
+        return complaint;
+    return Complaint{
+        ExitStatus::inUse,
+        {u"“%@” is in use by another Quillmark. Choose “Take in copies…” in its window, or quit it, then try again."_s,
+         {QFile::decodeName(dataFolder().c_str())}},
+        std::nullopt};
+}
+
+std::optional<Complaint> StoredNotes::takeIn(const TakeInPlan &shown, std::filesystem::path &target)
+{
+    return attempt([&] { target = m_claimed->takeIn(shown); });
 }
 
 std::optional<Complaint> StoredNotes::add(const QList<Note> &notes)

@@ -4,13 +4,16 @@
 #include "Attempt.h"
 #include "Note.h"
 #include "SystemDisk.h"
+#include "TakeInPlan.h"
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <vector>
 
 class Directory;
+class LocalNoteRepository;
 
 /// The user's notes, as a program reaches them that comes and goes beside the window.
 ///
@@ -28,6 +31,7 @@ public:
 
     /// The data folder is the one that holds the file.
     explicit StoredNotes(std::filesystem::path fileURL);
+    ~StoredNotes();
 
     [[nodiscard]] std::filesystem::path dataFolder() const { return m_fileURL.parent_path(); }
 
@@ -37,6 +41,14 @@ public:
     /// Adds the notes, all or none. Once there is no complaint they are on the disk. A single one
     /// is added without reading the others.
     [[nodiscard]] std::optional<Complaint> add(const QList<Note> &notes);
+
+    /// What takeIn() would do. From then on nobody else has the notes, as long as this lives; a
+    /// complaint where another program has them.
+    [[nodiscard]] std::optional<Complaint> planTakeIn(TakeInPlan &plan);
+
+    /// Takes what was shown into the notes. Where the originals are is put into the target.
+    [[nodiscard]] std::optional<Complaint> takeIn(const TakeInPlan &shown,
+                                                  std::filesystem::path &target);
 
     /// Where the file of a note is that was added.
     [[nodiscard]] std::filesystem::path pathOf(const Note &note) const;
@@ -65,4 +77,7 @@ private:
 
     const std::filesystem::path m_fileURL;
     mutable SystemDisk m_disk;
+
+    /// While copies are taken in.
+    std::unique_ptr<LocalNoteRepository> m_claimed;
 };

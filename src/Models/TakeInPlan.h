@@ -31,6 +31,9 @@ struct TakeInPlan {
     /// By ascending path.
     std::vector<Step> steps;
 
+    /// The folder in which all of them get a folder of their own.
+    std::filesystem::path originals;
+
     /// How many notes are made in all.
     qint64 noteCount = 0;
 

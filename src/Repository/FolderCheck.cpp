@@ -2,9 +2,11 @@
 #include "FolderCheck.h"
 
 #include "FileNames.h"
+#include "FolderSurvey.h"
 #include "Neighbour.h"
 #include "NoteId.h"
 #include "NoteMarkdownCodec.h"
+#include "RecoveryName.h"
 #include "Utf8.h"
 
 #include <algorithm>
@@ -47,16 +49,26 @@ std::optional<Note> noteFrom(const std::string &bytes)
     return text ? NoteMarkdownCodec::parse(*text) : std::nullopt;
 }
 
-Message messageFor(Neighbour neighbour)
+/// Of what Vim keeps beside a file; the others leave nothing but a lock.
+bool isSwapFile(std::string_view name)
+{
+    return name.starts_with('.') && !name.starts_with(".~") && !FileNames::isEditorLock(name);
+}
+
+Message messageFor(Neighbour neighbour, std::string_view name)
 {
     switch (neighbour) {
     case Neighbour::none:
         return {u"A file of another program. Quillmark leaves it alone."_s, {}};
     case Neighbour::editorLock:
+        if (isSwapFile(name))
+            return {
+                u"The swap file of an editor that has a note open, or ended while it had. It may hold text that is not saved."_s,
+                {}};
         return {u"The lock of an editor that has a note open, or ended while it had."_s, {}};
     case Neighbour::conflictCopy:
         return {
-            u"A conflict copy: a program that synchronises folders found two versions of a file. Compare them, keep what you want, and move the copy away."_s,
+            u"A conflict copy: a program that synchronises folders found two versions of a file. “quillmark-notes check --repair” makes notes of copies of notes; compare others and move them away."_s,
             {}};
     case Neighbour::backup:
         return {u"A backup file, as editors make them."_s, {}};
@@ -113,8 +125,14 @@ std::vector<std::string> FolderCheck::hiddenNames() const
 std::vector<Finding> FolderCheck::hidden(const std::vector<std::string> &names) const
 {
     std::vector<Finding> findings;
-    for (const std::string &name : names)
+    for (const std::string &name : names) {
         describe(name, findings);
+        if (name.starts_with(FileNames::recoveryPrefix) &&
+            RecoveryName::originOf(name, m_data.path()) == RecoveryName::Origin::elsewhere)
+            findings.push_back({Kind::difference,
+                                m_data.path() / name,
+                                {u"Another computer made this recovery copy."_s, {}}});
+    }
     return findings;
 }
 
@@ -203,6 +221,21 @@ void FolderCheck::describeFile(const std::string &name, Kind kind,
                         message});
 }
 
+std::vector<Finding> FolderCheck::refused() const
+{
+    std::vector<Finding> findings;
+    const std::optional<NoteFolder> folder = NoteFolder::openIfUsable(m_data);
+    if (!folder)
+        return findings;
+    const FolderSurvey survey(*folder);
+    for (const FolderSurvey::Stray &stray : survey.strays()) {
+        if (stray.refusal)
+            findings.push_back({Kind::refused, folder->directory(stray.section).path() / stray.name,
+                                *stray.refusal});
+    }
+    return findings;
+}
+
 std::vector<Finding> FolderCheck::neighbours() const
 {
     std::vector<Finding> findings;
@@ -228,7 +261,7 @@ void FolderCheck::findNeighbours(const Directory &folder, Section section,
         if (isOfNotes(section, name))
             continue;
         const Neighbour neighbour = neighbourOf(name, entry.kind);
-        findings.push_back({kindOf(neighbour), folder.path() / name, messageFor(neighbour)});
+        findings.push_back({kindOf(neighbour), folder.path() / name, messageFor(neighbour, name)});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "Message.h"
 #include "NoteFolder.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <vector>
@@ -43,6 +44,9 @@ public:
 
     /// What they are, and how they differ from the notes.
     [[nodiscard]] std::vector<Finding> hidden(const std::vector<std::string> &names) const;
+
+    /// Each file that keeps the notes from being loaded, and why.
+    [[nodiscard]] std::vector<Finding> refused() const;
 
     /// What lies among the notes and is none of them.
     [[nodiscard]] std::vector<Finding> neighbours() const;

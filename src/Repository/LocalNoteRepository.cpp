@@ -188,14 +188,16 @@ TakeInPlan LocalNoteRepository::planTakeIn()
     const Result<Directory> data = Directory::open(m_disk, dataURL());
     if (!data && data.failure().is(ENOENT))
         return {};
-    return TakeIn(openClaimed()).plan();
+    TakeInPlan plan = TakeIn(openClaimed()).plan();
+    plan.originals = m_stateFolder;
+    return plan;
 }
 
 std::filesystem::path LocalNoteRepository::takeIn(const TakeInPlan &shown)
 {
     const Directory data = openClaimed();
     TakeIn intake(data);
-    if (intake.plan() != shown)
+    if (intake.plan().steps != shown.steps)
         throw RepositoryError::externalChange();
     return intake.perform(m_stateFolder);
 }
