@@ -880,6 +880,22 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>The files themselves are kept in “%@”.</translation>
     </message>
     <message>
+        <source>Take in copies…</source>
+        <translation>Take in copies…</translation>
+    </message>
+    <message>
+        <source>Take in copies?</source>
+        <translation>Take in copies?</translation>
+    </message>
+    <message>
+        <source>Take in</source>
+        <translation>Take in</translation>
+    </message>
+    <message>
+        <source>And %d more.</source>
+        <translation>And %d more.</translation>
+    </message>
+    <message>
         <source>A backup file, as editors make them.</source>
         <translation>A backup file, as editors make them.</translation>
     </message>

@@ -880,6 +880,22 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>原文件收存在“%@”中。</translation>
     </message>
     <message>
+        <source>Take in copies…</source>
+        <translation>收入副本…</translation>
+    </message>
+    <message>
+        <source>Take in copies?</source>
+        <translation>要收入这些副本吗？</translation>
+    </message>
+    <message>
+        <source>Take in</source>
+        <translation>收入</translation>
+    </message>
+    <message>
+        <source>And %d more.</source>
+        <translation>另有 %d 个。</translation>
+    </message>
+    <message>
         <source>A backup file, as editors make them.</source>
         <translation>编辑器留下的备份文件。</translation>
     </message>

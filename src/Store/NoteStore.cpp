@@ -27,6 +27,11 @@ std::optional<std::filesystem::path> placeOf(const StorageError &error)
     return error.place() ? std::optional(*error.place()) : std::nullopt;
 }
 
+bool isOfFolder(const Failure &failure)
+{
+    return failure.kind == Refusal::Kind::folder || failure.kind == Refusal::Kind::recoveryCopy;
+}
+
 template <class Operation>
 std::optional<Failure> failureOf(const Operation &operation)
 {
@@ -107,6 +112,7 @@ bool NoteStore::load()
     m_isReadOnly = failure.has_value();
     if (failure) {
         m_loadRefusal = {failure->kind, failure->message};
+        m_isFolderRefused = isOfFolder(*failure);
         setErrorContext(u"Could not read your notes. Original files were protected."_s);
         setFailure(failure->message, failure->repositoryError, failure->place);
         return false;
@@ -141,6 +147,7 @@ bool NoteStore::reload()
     const auto failure = failureOf([&] { loaded = m_repository->reload(m_snapshot); });
     m_hasFailedToReload = failure.has_value();
     if (failure) {
+        m_isFolderRefused = isOfFolder(*failure);
         setErrorContext(u"Could not read your notes. Original files were protected."_s);
         setFailure(failure->message, failure->repositoryError, failure->place);
         return false;
@@ -150,6 +157,35 @@ bool NoteStore::reload()
     if (m_hasPendingChanges)
         scheduleSave();
     return true;
+}
+
+bool NoteStore::canTakeIn() const noexcept
+{
+    if (m_repositoryError == RepositoryError::recoveryRequired() ||
+        m_repositoryError == RepositoryError::invalidMarkdown())
+        return true;
+    return m_failure && (m_isReadOnly || m_hasFailedToReload) && m_isFolderRefused;
+}
+
+std::optional<TakeInPlan> NoteStore::planTakeIn()
+{
+    TakeInPlan plan;
+    if (const auto failure = failureOf([&] { plan = m_repository->planTakeIn(); })) {
+        setErrorContext(u"Could not read your notes. Original files were protected."_s);
+        setFailure(failure->message, failure->repositoryError, failure->place);
+        return std::nullopt;
+    }
+    return plan;
+}
+
+bool NoteStore::takeIn(const TakeInPlan &shown)
+{
+    if (const auto failure = failureOf([&] { static_cast<void>(m_repository->takeIn(shown)); })) {
+        setErrorContext(u"Could not read your notes. Original files were protected."_s);
+        setFailure(failure->message, failure->repositoryError, failure->place);
+        return false;
+    }
+    return reload();
 }
 
 std::optional<QString> NoteStore::errorMessage() const

@@ -80,6 +80,9 @@ public:
         return m_failure && (m_isReadOnly || m_repositoryError || m_hasFailedToReload);
     }
 
+    /// The failure may be one that takeIn() ends: files beside the notes keep them from being used.
+    [[nodiscard]] bool canTakeIn() const noexcept;
+
     /// A draft waits for its write.
     [[nodiscard]] bool hasPendingChanges() const noexcept { return m_hasPendingChanges; }
 
@@ -139,6 +142,13 @@ public:
     /// went well; otherwise everything is as it was, and the failure says why.
     bool reload();
 
+    /// What takeIn() would do. Nothing when that cannot be told, and the failure says why.
+    std::optional<TakeInPlan> planTakeIn();
+
+    /// Takes what was shown into the notes and loads them anew, as reload() does. False when one of
+    /// the two failed; the failure says why, and nothing is lost.
+    bool takeIn(const TakeInPlan &shown);
+
     /// For an end that cannot wait until a save succeeds: keeps what was typed, safe on the disk,
     /// for the next start. Where it is; nothing when that failed, too.
     std::optional<std::filesystem::path> keepForNextStart();
@@ -175,6 +185,9 @@ private:
     std::optional<std::filesystem::path> m_errorPlace;
     bool m_isReadOnly = false;
     bool m_hasFailedToReload = false;
+
+    /// The last load failed for what lies in the folder.
+    bool m_isFolderRefused = false;
 
     /// Why it is read-only.
     Refusal m_loadRefusal;

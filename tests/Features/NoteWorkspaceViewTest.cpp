@@ -10,6 +10,8 @@
 #include "NoteTextEditor.h"
 #include "QuietIconButton.h"
 #include "RepositoryError.h"
+#include "ScrolledText.h"
+#include "TextLabel.h"
 #include "Views.h"
 
 #include <QAbstractItemView>
@@ -49,6 +51,9 @@ private Q_SLOTS:
     void namesAFileOnceOnly();
     void loadsTheNotesAnew();
     void offersToLoadNotesThatCouldNotBeRead();
+    void takesInCopiesWhenThatIsConfirmed();
+    void takesInNothingWhereThereIsNothing();
+    void offersToTakeInOnlyWhereTheFolderIsRefused();
     void leavesANoteThatAnotherProgramRemoved();
     void triesAgain();
     void triesNothingWhileTheStoreIsReadOnly();
@@ -456,6 +461,65 @@ void NoteWorkspaceViewTest::offersToLoadNotesThatCouldNotBeRead()
 
     QVERIFY(!workspace.has("errorBanner"));
     QVERIFY(workspace.editor()->isEnabled());
+}
+
+void NoteWorkspaceViewTest::takesInCopiesWhenThatIsConfirmed()
+{
+    Workspace workspace(1);
+    QVERIFY(Views::show(workspace.panel));
+    NoteSnapshot then = workspace.store.snapshot();
+    then.notes.append(Note{QUuid::createUuid(), u"elsewhere"_s, {}, {}});
+    const TakeInPlan::Step step{.outcome = TakeInPlan::Step::Outcome::note,
+                                .file = "/notes/a.sync-conflict-20250301-081530-ABCDEFG.md",
+                                .title = u"elsewhere"_s,
+                                .what = {u"A conflict copy of a note, by %@."_s, {u"Syncthing"_s}},
+                                .becomes = {u"It becomes a note of its own."_s, {}}};
+    workspace.repository->putBeside({.steps = {step}, .originals = "/state", .noteCount = 1}, then);
+    workspace.repository->failToRead(RepositoryError::invalidMarkdown().about("/notes/a.md"));
+    QVERIFY(!workspace.store.reload());
+
+    workspace.click("takeIn");
+    const QWidget *const card = Views::find(*workspace.view->window(), "takeInAlert");
+    QVERIFY(card);
+    const QString text = card->findChild<ScrolledText *>()->findChild<TextLabel *>()->text();
+    QVERIFY2(text.contains(u"elsewhere") && text.contains(u"Syncthing") && text.contains(u"/state"),
+             qPrintable(text));
+    Views::click(*workspace.view->window(), "cancelTakeIn");
+    QCOMPARE(workspace.store.snapshot().notes.size(), 1);
+    workspace.click("takeIn");
+    Views::click(*workspace.view->window(), "confirmTakeIn");
+
+    QCOMPARE(workspace.store.snapshot().notes.size(), 2);
+    QVERIFY(!workspace.has("errorBanner"));
+}
+
+void NoteWorkspaceViewTest::takesInNothingWhereThereIsNothing()
+{
+    Workspace workspace(Workspace::unreadable(RepositoryError::invalidMarkdown()));
+    QVERIFY(Views::show(workspace.panel));
+    workspace.repository->recover();
+
+    workspace.click("takeIn");
+
+    QVERIFY(!Views::find(*workspace.view->window(), "confirmTakeIn"));
+    QVERIFY(Views::find(*workspace.view->window(), "cancelTakeIn"));
+}
+
+void NoteWorkspaceViewTest::offersToTakeInOnlyWhereTheFolderIsRefused()
+{
+    Workspace workspace(1);
+    QVERIFY(Views::show(workspace.panel));
+    workspace.repository->failWith(noSpace);
+    workspace.store.setDraft(u"ours"_s);
+
+    QVERIFY(!workspace.store.flush());
+    QVERIFY(!workspace.has("takeIn"));
+    workspace.repository->failWith(RepositoryError::externalChange());
+    QVERIFY(!workspace.store.flush());
+    QVERIFY(!workspace.has("takeIn"));
+    workspace.repository->failWith(RepositoryError::recoveryRequired());
+    QVERIFY(!workspace.store.flush());
+    QVERIFY(workspace.has("takeIn"));
 }
 
 void NoteWorkspaceViewTest::leavesANoteThatAnotherProgramRemoved()

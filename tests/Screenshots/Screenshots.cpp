@@ -200,6 +200,39 @@ NoteSnapshot withDraft(AppLanguage language)
     return snapshot;
 }
 
+/// What a synchronising program left beside the notes.
+void leaveCopies(FailingRepository &repository)
+{
+    using Step = TakeInPlan::Step;
+    const std::filesystem::path notes("/home/ada/.local/share/Penwick/Markdown/Notes");
+    const std::string id("8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F");
+    const Message byEngine{u"A conflict copy of a note, by %@."_s, {u"Syncthing"_s}};
+    TakeInPlan plan;
+    plan.originals = "/home/ada/.local/state/Penwick";
+    plan.steps = {Step{Step::Outcome::note,
+                       notes / (id + ".sync-conflict-20250301-081530-ABCDEFG.md"),
+                       u"Call mum about the weekend"_s,
+                       byEngine,
+                       {u"It becomes a note of its own."_s, {}}},
+                  Step{Step::Outcome::note,
+                       notes / ".." / "Drafts" / (id + ".md"),
+                       u"想到就记下来"_s,
+                       {u"It is a draft of a note that is not there."_s, {}},
+                       {u"It becomes a note of its own."_s, {}}},
+                  Step{Step::Outcome::putAway,
+                       notes / "picture.md",
+                       {},
+                       {u"Its header is not that of a note."_s, {}},
+                       {u"It is no text. It is put away."_s, {}}},
+                  Step{Step::Outcome::note,
+                       notes / ".quillmark-recovery-1",
+                       u"Milk, bread, eggs"_s,
+                       {u"A recovery copy that another computer made."_s, {}},
+                       {u"Texts that only it has become notes: %d."_s, {qint64{3}}}}};
+    repository.putBeside(plan, {});
+    repository.failToRead(RepositoryError::invalidMarkdown().about(plan.steps[0].file));
+}
+
 QList<Scene> scenes()
 {
     const auto openLibrary = [](Stage &stage) { stage.click("libraryTab"); };
@@ -291,6 +324,8 @@ QList<Scene> scenes()
              failWith(RepositoryError::externalChange())(stage);
          },
          {}},
+        {u"take-in-banner"_s, withDraft, {}, leaveCopies},
+        {u"take-in-plan"_s, withDraft, [](Stage &stage) { stage.click("takeIn"); }, leaveCopies},
         {u"read-only"_s,
          withDraft,
          {},

@@ -40,6 +40,8 @@ private Q_SLOTS:
     void endsAReadOnlyStore();
     void leavesEverythingWhenItCannotBeRead();
     void offersNoReloadForADiskThatFails();
+    void takesInCopiesAndKeepsWhatIsTyped();
+    void changesNothingWhenCopiesCannotBeTakenIn();
 
 private:
     FailingRepository *m_repository = nullptr;
@@ -209,6 +211,42 @@ void OutsideChangeTest::offersNoReloadForADiskThatFails()
     QVERIFY(!m_store->deleteNote(note));
 
     QVERIFY(!m_store->canReload());
+}
+
+void OutsideChangeTest::takesInCopiesAndKeepsWhatIsTyped()
+{
+    m_store->setDraft(u"ours"_s);
+    NoteSnapshot then = withDraft(u"old"_s);
+    then.notes.append(Note{QUuid::createUuid(), u"a copy"_s, {}, {}});
+    m_repository->putBeside({.steps = {{}}, .originals = {}, .noteCount = 1}, then);
+    m_repository->failToRead(FileError("/notes/a.md", Reason::notUtf8));
+    QVERIFY(!m_store->reload());
+    QVERIFY(m_store->canTakeIn());
+
+    const auto plan = m_store->planTakeIn();
+    QVERIFY(plan);
+    QVERIFY(m_store->takeIn(*plan));
+
+    QVERIFY(!m_store->canTakeIn());
+    QVERIFY(!m_store->failure());
+    QCOMPARE(m_store->snapshot().notes, then.notes);
+    QCOMPARE(m_store->draft(), u"ours"_s);
+    QVERIFY(m_store->flush());
+}
+
+void OutsideChangeTest::changesNothingWhenCopiesCannotBeTakenIn()
+{
+    m_repository->putBeside({.steps = {{}}, .originals = {}, .noteCount = 1}, {});
+    m_repository->failToRead(RepositoryError::recoveryRequired());
+    QVERIFY(!m_store->reload());
+
+    QVERIFY(!m_store->takeIn({}));
+    QCOMPARE(m_store->repositoryError(), RepositoryError::externalChange());
+    m_repository->failWith(FileError("/state", EACCES));
+    QVERIFY(!m_store->planTakeIn());
+
+    QCOMPARE(m_store->errorPlace(), std::filesystem::path("/state"));
+    QCOMPARE(m_store->snapshot(), withDraft(u"old"_s));
 }
 
 QTEST_GUILESS_MAIN(OutsideChangeTest)

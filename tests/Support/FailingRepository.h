@@ -36,6 +36,32 @@ public:
     /// Another program stores this; until a reload() every save() is refused for it.
     void changeOutside(NoteSnapshot snapshot) { m_stored = std::move(snapshot); }
 
+    /// What lies beside the notes; taking it in brings these notes and ends every failure to read.
+    void putBeside(TakeInPlan plan, NoteSnapshot then)
+    {
+        m_beside = std::move(plan);
+        m_takenIn = std::move(then);
+    }
+
+    [[nodiscard]] TakeInPlan planTakeIn() override
+    {
+        if (m_fail)
+            m_fail();
+        return m_beside;
+    }
+
+    [[nodiscard]] std::filesystem::path takeIn(const TakeInPlan &shown) override
+    {
+        if (m_fail)
+            m_fail();
+        if (shown != m_beside)
+            throw RepositoryError::externalChange();
+        m_stored = m_takenIn;
+        m_failToRead = nullptr;
+        m_beside = {};
+        return "/kept";
+    }
+
     using Tidy = std::function<std::optional<std::chrono::milliseconds>(std::chrono::milliseconds)>;
 
     /// What tidy() does; nothing when not set.
@@ -136,6 +162,8 @@ private:
     NoteSnapshot m_known;
     std::function<void()> m_fail;
     std::function<void()> m_failToRead;
+    TakeInPlan m_beside;
+    NoteSnapshot m_takenIn;
     Tidy m_tidy;
     std::optional<QUrl> m_notesFolderURL;
     int m_saves = 0;

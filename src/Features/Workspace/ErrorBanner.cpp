@@ -22,6 +22,7 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     , m_retry(named(u"retry"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_show(named(u"showFile"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_reload(named(u"reload"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
+    , m_takeIn(named(u"takeIn"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
 {
     setObjectName(u"errorBanner"_s);
     setAccessibleRole(this, QAccessible::AlertMessage);
@@ -30,18 +31,21 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     auto *symbol = new SymbolView(u"exclamationmark.triangle"_s, TextStyles::banner, frame);
     row(frame,
         {aligned(Qt::AlignTop, symbol),
-         column({m_text, aligned(Qt::AlignLeft, m_reload), stretch()},
+         column({m_text, row({m_reload, m_takeIn, stretch()}, {Metrics::alertButtonSpacing, {}}),
+                 stretch()},
                 {Metrics::bannerSpacing, {}}),
          column({aligned(Qt::AlignRight, m_retry), aligned(Qt::AlignRight, m_show), stretch()},
                 {Metrics::bannerSpacing, {}})},
         {Metrics::bannerSpacing, Metrics::bannerPadding});
     m_show->hide();
     m_reload->hide();
+    m_takeIn->hide();
     column(this, {frame}, {0, Metrics::bannerMargins});
 
     connect(m_retry, &QAbstractButton::clicked, this, &ErrorBanner::retryRequested);
     connect(m_show, &QAbstractButton::clicked, this, &ErrorBanner::showRequested);
     connect(m_reload, &QAbstractButton::clicked, this, &ErrorBanner::reloadRequested);
+    connect(m_takeIn, &QAbstractButton::clicked, this, &ErrorBanner::takeInRequested);
     hide();
 }
 
@@ -86,4 +90,14 @@ void ErrorBanner::setReloadText(const QString &text)
 void ErrorBanner::setReloadVisible(bool visible)
 {
     m_reload->setVisible(visible);
+}
+
+void ErrorBanner::setTakeInText(const QString &text)
+{
+    m_takeIn->setText(text);
+}
+
+void ErrorBanner::setTakeInVisible(bool visible)
+{
+    m_takeIn->setVisible(visible);
 }

@@ -8,8 +8,9 @@ class ScrolledText;
 class TextLabel;
 
 /// What went wrong and whether the words are safe, with a button to try again, when it is about a
-/// file one to show that, and below the text one to load the notes anew where that may help. Hidden
-/// while there is nothing to say; announced to assistive tools when it has something new to say.
+/// file one to show that, and below the text one to load the notes anew and one to take in copies,
+/// where that may help. Hidden while there is nothing to say; announced to assistive tools when it
+/// has something new to say.
 class ErrorBanner final : public QWidget {
     Q_OBJECT
 
@@ -24,11 +25,14 @@ public:
     void setShowVisible(bool visible);
     void setReloadText(const QString &text);
     void setReloadVisible(bool visible);
+    void setTakeInText(const QString &text);
+    void setTakeInVisible(bool visible);
 
 Q_SIGNALS:
     void retryRequested();
     void showRequested();
     void reloadRequested();
+    void takeInRequested();
 
 private:
     TextLabel *const m_message;
@@ -36,4 +40,5 @@ private:
     PlainButton *const m_retry;
     PlainButton *const m_show;
     PlainButton *const m_reload;
+    PlainButton *const m_takeIn;
 };

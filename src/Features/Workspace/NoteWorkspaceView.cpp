@@ -21,6 +21,7 @@
 #include "PreferencesMenu.h"
 #include "QuietIconButton.h"
 #include "SymbolView.h"
+#include "TakeInAlert.h"
 #include "TextLabel.h"
 
 #include <QKeyEvent>
@@ -98,6 +99,7 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     connect(m_banner, &ErrorBanner::retryRequested, this, &NoteWorkspaceView::retry);
     connect(m_banner, &ErrorBanner::showRequested, this, &NoteWorkspaceView::showFile);
     connect(m_banner, &ErrorBanner::reloadRequested, this, &NoteWorkspaceView::reload);
+    connect(m_banner, &ErrorBanner::takeInRequested, this, &NoteWorkspaceView::askToTakeIn);
 
     showScreen();
     render();
@@ -220,7 +222,29 @@ void NoteWorkspaceView::retry()
 
 void NoteWorkspaceView::reload()
 {
-    if (!m_store.reload() || !m_selectedNote)
+    if (m_store.reload())
+        showReloaded();
+}
+
+void NoteWorkspaceView::askToTakeIn()
+{
+    const std::optional<TakeInPlan> plan = m_store.planTakeIn();
+    if (!plan)
+        return;
+    auto *alert = new TakeInAlert(m_preferences, *plan, window());
+    m_card = alert;
+    connect(alert, &TakeInAlert::confirmed, this, [this, plan] { takeIn(*plan); });
+}
+
+void NoteWorkspaceView::takeIn(const TakeInPlan &plan)
+{
+    if (m_store.takeIn(plan))
+        showReloaded();
+}
+
+void NoteWorkspaceView::showReloaded()
+{
+    if (!m_selectedNote)
         return;
     const QList<Note> &notes = m_store.snapshot().notes;
     const auto note = std::ranges::find(notes, m_selectedNote->id, &Note::id);
@@ -312,6 +336,8 @@ void NoteWorkspaceView::render()
     m_banner->setShowVisible(m_store.errorPlace().has_value());
     m_banner->setReloadText(m_preferences.text(u"Reload"_s));
     m_banner->setReloadVisible(m_store.canReload());
+    m_banner->setTakeInText(m_preferences.text(u"Take in copies…"_s));
+    m_banner->setTakeInVisible(m_store.canTakeIn());
 
     m_storage->setText(m_preferences.text(u"Markdown · local"_s));
     const qsizetype count = m_store.snapshot().notes.size();

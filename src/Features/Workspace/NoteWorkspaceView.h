@@ -16,6 +16,7 @@ class PreferencesMenu;
 class QUrl;
 class QuietIconButton;
 class TextLabel;
+struct TakeInPlan;
 
 /// The content of the editor panel: header, error banner, one of three screens, footer.
 ///
@@ -59,6 +60,11 @@ private:
     void closeNote();
     void retry();
     void reload();
+    void askToTakeIn();
+    void takeIn(const TakeInPlan &plan);
+
+    /// After the notes were loaded anew: what is open may be another, or gone.
+    void showReloaded();
     void showFile();
 
     [[nodiscard]] QWidget *makeScreen();
