@@ -7,9 +7,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-bool isConflictCopyOfMarkdown(const char *name)
+bool FolderSurvey::isCopy(std::string_view name)
 {
     const std::optional<ConflictName> conflict = conflictNameOf(name);
     if (!conflict)
@@ -17,8 +15,6 @@ bool isConflictCopyOfMarkdown(const char *name)
     const FileNames::Owner owner = FileNames::parse(conflict->original);
     return owner.isCapture || owner.note;
 }
-
-} // namespace
 
 FolderSurvey::FolderSurvey(const NoteFolder &folder)
     : m_folder(folder)
@@ -38,7 +34,7 @@ void FolderSurvey::look(Section section)
         const char *name = listing.name(entry);
         if (FileNames::isMarkdown(name))
             lookAt(section, name, entry.kind);
-        else if (entry.kind == FileKind::file && isConflictCopyOfMarkdown(name))
+        else if (entry.kind == FileKind::file && isCopy(name))
             m_strays.push_back(
                 {section, name, entry.kind, std::nullopt, std::nullopt, std::nullopt});
     }

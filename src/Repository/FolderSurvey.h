@@ -9,6 +9,7 @@
 #include <QHash>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The notes and drafts of a Markdown folder, and each file that keeps them from being loaded:
@@ -30,6 +31,9 @@ public:
         /// Whose draft it would be, if it is one of a note that is not there.
         std::optional<QUuid> orphanOf;
     };
+
+    /// Whether a file is by its name a conflict copy of a note or a draft.
+    [[nodiscard]] static bool isCopy(std::string_view name);
 
     /// Reads every file. Throws a FileError for a folder that cannot be listed and for more text
     /// than the notes may have.

@@ -251,7 +251,8 @@ void TakeIn::collectFolder(const Directory &folder, Section section, std::size_t
     listing.sort();
     for (const DirectoryListing::Entry &entry : listing.entries()) {
         const char *name = listing.name(entry);
-        if (entry.kind != FileKind::file || !FileNames::isMarkdown(name))
+        const bool isText = FileNames::isMarkdown(name) || FolderSurvey::isCopy(name);
+        if (entry.kind != FileKind::file || !isText)
             continue;
         std::optional<Text> text = readText(folder, name, section);
         if (!text)

@@ -422,6 +422,7 @@ void TakeInTest::takesWhatOnlyARecoveryCopyHas()
         diskWith({{copy + "Notes/" + nameOf(1) + ".md", bytesOf(versionOf(1, u"one"_s))},
                   {copy + "Notes/" + nameOf(2) + ".md", bytesOf(versionOf(2, u"2"_s))},
                   {copy + "Notes/" + nameOf(3) + ".md", bytesOf(versionOf(3, u"3"_s))},
+                  {copy + "Notes/" + nameOf(5) + ".md..path1", bytesOf(versionOf(5, u"5"_s))},
                   {copy + "Notes/picture.png", "picture"},
                   {copy + "Drafts/capture.md", "half a thought, and the other"},
                   {copy + "Drafts/" + nameOf(2) + ".md", "two and more"},
@@ -434,15 +435,15 @@ void TakeInTest::takesWhatOnlyARecoveryCopyHas()
     takeIn(disk);
 
     QCOMPARE(plan.steps.size(), std::size_t{5});
-    QCOMPARE(plan.steps[0].becomes.english(), u"Texts that only it has become notes: 3."_s);
+    QCOMPARE(plan.steps[0].becomes.english(), u"Texts that only it has become notes: 4."_s);
     QCOMPARE(plan.steps[4].outcome, Outcome::putAway);
     const NoteSnapshot notes = loaded(disk.image());
-    QCOMPARE(bodiesOf(notes),
-             QStringList({u"2"_s, u"3"_s, u"4"_s, u"a draft"_s, u"half a thought, and the other"_s,
-                          u"in a folder"_s, u"one"_s, u"two"_s}));
+    QCOMPARE(bodiesOf(notes), QStringList({u"2"_s, u"3"_s, u"4"_s, u"5"_s, u"a draft"_s,
+                                           u"half a thought, and the other"_s, u"in a folder"_s,
+                                           u"one"_s, u"two"_s}));
     QVERIFY(std::ranges::find(notes.notes, numberedId(3), &Note::id) != notes.notes.end());
     QVERIFY(std::ranges::find(notes.notes, numberedId(4), &Note::id) != notes.notes.end());
-    QCOMPARE(originalsOn(disk).size(), std::size_t{10});
+    QCOMPARE(originalsOn(disk).size(), std::size_t{11});
 }
 
 void TakeInTest::tellsARecoveryCopyOfAnotherComputer()
