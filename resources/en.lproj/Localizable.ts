@@ -896,6 +896,10 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>And %d more.</translation>
     </message>
     <message>
+        <source>It keeps the notes from being loaded.</source>
+        <translation>It keeps the notes from being loaded.</translation>
+    </message>
+    <message>
         <source>A backup file, as editors make them.</source>
         <translation>A backup file, as editors make them.</translation>
     </message>

@@ -896,6 +896,10 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>另有 %d 个。</translation>
     </message>
     <message>
+        <source>It keeps the notes from being loaded.</source>
+        <translation>它使笔记无法载入。</translation>
+    </message>
+    <message>
         <source>A backup file, as editors make them.</source>
         <translation>编辑器留下的备份文件。</translation>
     </message>

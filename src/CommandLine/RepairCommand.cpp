@@ -38,14 +38,15 @@ QString shown(const std::filesystem::path &path)
 
 void print(Console &console, const Step &step)
 {
-    const QString sentence =
-        harmless(console.text(step.what) + u' ' + console.text(step.becomes), false);
+    const QString what = harmless(console.text(step.what), false);
+    const QString becomes = harmless(console.text(step.becomes), false);
     if (!console.isTerminal()) {
-        console.write(wordFor(step.outcome) + u'\t' + shown(step.file) + u'\t' + sentence + u'\n');
+        console.write(wordFor(step.outcome) + u'\t' + shown(step.file) + u'\t' + what + u' ' +
+                      becomes + u'\n');
         return;
     }
     console.write(shown(step.file), Console::Look::strong);
-    console.write(u"\n    "_s + sentence + u'\n');
+    console.write(u"\n    "_s + what + u"\n    "_s + becomes + u'\n');
 }
 
 bool canAsk(const Console &console)

@@ -126,12 +126,14 @@ std::vector<Finding> FolderCheck::hidden(const std::vector<std::string> &names) 
 {
     std::vector<Finding> findings;
     for (const std::string &name : names) {
+        const auto place = static_cast<std::ptrdiff_t>(findings.size()) + 1;
         describe(name, findings);
-        if (name.starts_with(FileNames::recoveryPrefix) &&
+        if (std::ssize(findings) >= place && name.starts_with(FileNames::recoveryPrefix) &&
             RecoveryName::originOf(name, m_data.path()) == RecoveryName::Origin::elsewhere)
-            findings.push_back({Kind::difference,
-                                m_data.path() / name,
-                                {u"Another computer made this recovery copy."_s, {}}});
+            findings.insert(findings.begin() + place,
+                            {Kind::difference,
+                             m_data.path() / name,
+                             {u"Another computer made this recovery copy."_s, {}}});
     }
     return findings;
 }

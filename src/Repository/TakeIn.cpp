@@ -59,8 +59,14 @@ bool isNoText(const Failure &failure) noexcept
 Message whatOf(const FolderSurvey::Stray &stray)
 {
     const std::optional<ConflictName> conflict = conflictNameOf(stray.name);
-    if (!conflict)
-        return stray.refusal.value_or(Message());
+    if (!conflict) {
+        if (stray.kind == FileKind::link && FileNames::isEditorLock(stray.name))
+            return {u"The lock of an editor that has a note open, or ended while it had."_s, {}};
+        // A sentence that names the file says what to do by hand, too.
+        const bool isWhyAlone = stray.refusal && stray.refusal->arguments.isEmpty();
+        return isWhyAlone ? *stray.refusal
+                          : Message{u"It keeps the notes from being loaded."_s, {}};
+    }
     const QString engine = QString::fromLatin1(ConflictName::nameOf(conflict->engine));
     return stray.section == Section::notes
                ? Message{u"A conflict copy of a note, by %@."_s, {engine}}

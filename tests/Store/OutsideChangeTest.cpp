@@ -245,7 +245,7 @@ void OutsideChangeTest::changesNothingWhenCopiesCannotBeTakenIn()
     m_repository->failWith(FileError("/state", EACCES));
     QVERIFY(!m_store->planTakeIn());
 
-    QCOMPARE(m_store->errorPlace(), std::filesystem::path("/state"));
+    QVERIFY(m_store->errorMessage()->contains(u"/state"));
     QCOMPARE(m_store->snapshot(), withDraft(u"old"_s));
 }
 

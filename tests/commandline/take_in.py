@@ -6,6 +6,7 @@ import os
 import pty
 import shutil
 import stat
+import unittest
 
 from harness import CommandLineTest, DONE, FOLDER, IN_USE, USAGE, WRONG, main
 
@@ -136,6 +137,22 @@ class TakingIn(CommandLineTest):
         self.assertEqual(self.bodies(), ["half a thought", "one", "one, changed"])
         self.assertEqual(self.hidden(), [])
         self.assertTrue((self.originals()[0] / copy.name / "Notes" / self.note.name).exists())
+
+    @unittest.skipUnless(os.path.exists("/etc/machine-id"), "this computer has no name of its own")
+    def test_a_recovery_copy_of_another_computer_is_told_apart(self):
+        theirs = self.data.path / ".quillmark-recovery-11111111-1111-8111-8111-111111111111"
+        unknown = self.data.path / ".quillmark-recovery-22222222-2222-4222-8222-222222222222"
+        for copy in (theirs, unknown):
+            shutil.copytree(self.data.markdown, copy)
+
+        findings = [line.split("\t") for line in
+                    self.run_it("check").stdout.decode().splitlines()]
+        steps = self.repair("--yes")
+
+        self.assertEqual([os.path.basename(path) for _, path, sentence in findings
+                          if sentence == "Another computer made this recovery copy."], [theirs.name])
+        self.assertEqual([os.path.basename(path) for _, path, sentence in steps
+                          if "another computer" in sentence], [theirs.name])
 
     def test_what_a_running_program_has_is_not_touched(self):
         copy = self.conflict_copy()

@@ -31,7 +31,8 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     auto *symbol = new SymbolView(u"exclamationmark.triangle"_s, TextStyles::banner, frame);
     row(frame,
         {aligned(Qt::AlignTop, symbol),
-         column({m_text, row({m_reload, m_takeIn, stretch()}, {Metrics::alertButtonSpacing, {}}),
+         column({m_text,
+                 row({m_reload, m_takeIn, stretch()}, {2 * Metrics::alertButtonSpacing, {}}),
                  stretch()},
                 {Metrics::bannerSpacing, {}}),
          column({aligned(Qt::AlignRight, m_retry), aligned(Qt::AlignRight, m_show), stretch()},

@@ -39,7 +39,7 @@ QString TakeInAlert::textOf(const TakeInPlan::Step &step) const
 {
     const QString name = QFileInfo(shownPath(step.file)).fileName();
     return (step.title.isEmpty() ? name : u'“' + step.title.left(mostTitle) + u'”') + u'\n' +
-           preferences().text(step.what) + u' ' + preferences().text(step.becomes);
+           preferences().text(step.what) + u'\n' + preferences().text(step.becomes);
 }
 
 QString TakeInAlert::text() const
