@@ -139,5 +139,74 @@ class Kills(CommandLineTest):
         self.assertEqual(self.hidden(), [])
 
 
+class KillsWhileCopiesAreTakenIn(CommandLineTest):
+    """Killed at every call and done again, the notes are those of an undisturbed run."""
+
+    # What changes the disk, or stands between two calls that do.
+    CALLS = ["openat", "write", "close", "mkdirat", "renameat", "renameat2", "unlinkat", "fsync"]
+    BODIES = ["half a thought", "one", "one, before", "one, elsewhere"]
+
+    def prepare(self, folder):
+        data = notes.DataFolder(folder / "Penwick")
+        data.create()
+        note = data.add_note("one", 1)
+        copy = data.path / ".quillmark-recovery-11111111-1111-4111-8111-111111111111"
+        shutil.copytree(data.markdown, copy)
+        (copy / "Notes" / note.name).write_bytes(note.read_bytes() + b", before")
+        note.with_name(note.stem + ".sync-conflict-20250301-081530-ABCDEFG.md").write_bytes(
+            note.read_bytes() + b", elsewhere")
+        (data.drafts / "00000000-0000-0000-0000-000000000009.md").write_text("half a thought")
+        return data
+
+    def repair(self, folder, *tracer):
+        return subprocess.run([*tracer, *self.command("check", "--repair", "--yes")],
+                              env=self.environment(XDG_DATA_HOME=str(folder),
+                                                   XDG_STATE_HOME=str(folder / "state")),
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60,
+                              check=False)
+
+    def tracer(self, *options):
+        return ["strace", "-f", "-qq", "-e", "signal=none", *options]
+
+    def points(self):
+        """Each call from the moment that the folder is opened, and which one of its kind it is."""
+        with tempfile.TemporaryDirectory(dir=self.home) as name:
+            folder = pathlib.Path(name)
+            self.prepare(folder)
+            trace = folder / "trace"
+            self.assertEqual(self.repair(folder, *self.tracer("-o", str(trace))).returncode, DONE)
+            lines = trace.read_text(errors="replace").splitlines()
+        begin = next(i for i, line in enumerate(lines) if "mkdir" in line and str(folder) in line
+                     or "taken-in-" in line)
+        counts = dict.fromkeys(self.CALLS, 0)
+        for i, line in enumerate(lines):
+            call = next((call for call in self.CALLS if re.search(rf"(^|\s){call}\(", line)), None)
+            if call:
+                counts[call] += 1
+                if i >= begin:
+                    yield call, counts[call]
+
+    def judge(self, call, when):
+        folder = pathlib.Path(tempfile.mkdtemp(dir=self.home))
+        data = self.prepare(folder)
+        texts = {path.read_bytes() for path in data.path.rglob("*.md")}
+        self.repair(folder, *self.tracer("-e", f"inject={call}:signal=KILL:when={when}"))
+        again = self.repair(folder)
+        place = f"killed at {call} number {when}: {again.stderr.decode()}"
+        self.assertEqual(again.returncode, DONE, place)
+        self.assertEqual(sorted(note.body for note in data.read_notes()), self.BODIES, place)
+        self.assertEqual(list(data.path.glob(".quillmark-recovery-*")), [], place)
+        kept = {path.read_bytes() for path in folder.rglob("*.md")}
+        self.assertEqual(texts - kept, set(), place)
+        shutil.rmtree(folder)
+
+    def test_it_ends_the_same(self):
+        points = list(self.points())
+        self.assertGreater(len(points), 40)
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            for done in [pool.submit(self.judge, *point) for point in points]:
+                done.result()
+
+
 if __name__ == "__main__":
     main()

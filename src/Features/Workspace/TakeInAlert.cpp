@@ -7,6 +7,7 @@
 #include "TextStyle.h"
 
 #include <QFileInfo>
+#include <QTextBoundaryFinder>
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -21,6 +22,17 @@ constexpr std::size_t mostSteps = 100;
 
 /// Of a title the beginning tells enough.
 constexpr qsizetype mostTitle = 60;
+
+QString beginningOf(const QString &title)
+{
+    if (title.size() <= mostTitle)
+        return title;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, title);
+    finder.setPosition(mostTitle);
+    if (!finder.isAtBoundary())
+        finder.toPreviousBoundary();
+    return title.left(finder.position()) + u'…';
+}
 
 } // namespace
 
@@ -38,7 +50,7 @@ TakeInAlert::TakeInAlert(const AppPreferences &preferences, TakeInPlan plan, QWi
 QString TakeInAlert::textOf(const TakeInPlan::Step &step) const
 {
     const QString name = QFileInfo(shownPath(step.file)).fileName();
-    return (step.title.isEmpty() ? name : u'“' + step.title.left(mostTitle) + u'”') + u'\n' +
+    return (step.title.isEmpty() ? name : u'“' + beginningOf(step.title) + u'”') + u'\n' +
            preferences().text(step.what) + u'\n' + preferences().text(step.becomes);
 }
 
