@@ -41,7 +41,8 @@ class TakingIn(DesktopTest):
         self.assertFalse(copy.exists())
         self.assertEqual(self.originals(), [copy.name])
         self.assertFalse(quillmark.has_element(name="Take in copies…"))
-        self.mouse.click(quillmark.element("text", "Note text").centre())
+        until(lambda: quillmark.element("text", "Note text").has("focused"),
+              "the text has the keyboard")
         self.keyboard.type("at last")
         until(lambda: self.data.draft() == "at last", "it is saved")
 

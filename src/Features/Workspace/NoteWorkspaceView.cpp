@@ -238,8 +238,11 @@ void NoteWorkspaceView::askToTakeIn()
 
 void NoteWorkspaceView::takeIn(const TakeInPlan &plan)
 {
-    if (m_store.takeIn(plan))
-        showReloaded();
+    if (!m_store.takeIn(plan))
+        return;
+    showReloaded();
+    // The button that asked is gone with the banner.
+    m_screen->setFocus(Qt::OtherFocusReason);
 }
 
 void NoteWorkspaceView::showReloaded()
