@@ -148,10 +148,14 @@ Result<void> LiveSwap::tryExchange() noexcept
     // Never simply repeated: a network file system may report an interruption of an exchange that
     // took place, and a second one would take it back.
     constexpr int mostTries = 100;
+    // The system tells those who watch the folders of two renames, that of what is named first
+    // before the other. So the live name goes and comes, and is not the one that has gone last.
+    const auto [live, aside] =
+        m_old == Spot::live ? std::pair(m_old, m_new) : std::pair(m_new, m_old);
     Result<void> exchanged;
     for (int i = 0; i < mostTries; ++i) {
         exchanged =
-            folder(m_new).rename(name(m_new), folder(m_old), name(m_old), Disk::Rename::exchange);
+            folder(live).rename(name(live), folder(aside), name(aside), Disk::Rename::exchange);
         if (exchanged || isNew(m_old).valueOr(false)) {
             std::swap(m_new, m_old);
             return {};

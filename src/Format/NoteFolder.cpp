@@ -133,6 +133,13 @@ void NoteFolder::closeToOthers() const noexcept
     }
 }
 
+void NoteFolder::announceChange() const noexcept
+{
+    // The mode that it has already: nothing changes, and yet the system tells of it.
+    if (const Result<FileStatus> status = m_markdown.status())
+        static_cast<void>(m_markdown.setMode(status->mode));
+}
+
 void NoteFolder::sync() const
 {
     for (const Section section : {Section::marker, Section::notes, Section::drafts}) {

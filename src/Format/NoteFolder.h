@@ -68,6 +68,11 @@ public:
     /// Closes its folders to all but their owner. Folders of somebody else stay as they are.
     void closeToOthers() const noexcept;
 
+    /// Has those who watch the data folder hear of a change inside. Programs that watch every
+    /// folder by itself go on watching the old ones, wherever they are, after others took their
+    /// places.
+    void announceChange() const noexcept;
+
     /// Puts what its folders hold on the disk, not the content of the files. Throws a FileError.
     void sync() const;
 

@@ -178,6 +178,9 @@ bool MarkdownTransaction::commit()
     // What a whole new folder is made of was closed while it was made.
     if (isDone && m_place && &m_place->parent != &m_data)
         m_folder->closeToOthers();
+    // A whole folder is heard of as it comes, and half thoughts concern this computer alone.
+    if (isDone && m_fileChange && &m_place->parent == &m_folder->directory(Section::notes))
+        m_folder->announceChange();
     return isDone;
 }
 

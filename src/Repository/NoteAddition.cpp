@@ -77,5 +77,6 @@ std::optional<std::filesystem::path> addNote(const Directory &data, const Note &
     if (!isDone)
         throw RepositoryError::externalChange();
     folder->closeToOthers();
+    folder->announceChange();
     return notes.path() / place.live;
 }
