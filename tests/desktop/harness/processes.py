@@ -12,8 +12,15 @@ _PR_SET_PDEATHSIG = 1
 _PR_SET_CHILD_SUBREAPER = 36
 
 
+# Who has asked for the orphans and will have them killed.
+_parents = 0
+
+
 def adopt_orphans():
-    """Daemons that a child leaves behind become children of this process, so that they are found."""
+    """Daemons that a child leaves behind become children of this process, so that they are found.
+    To be followed by kill_adopted()."""
+    global _parents
+    _parents += 1
     _libc.prctl(_PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
 
 
@@ -88,7 +95,12 @@ def children():
 
 
 def kill_adopted(seconds=5.0):
-    """Kills and reaps every child that is left, and what these leave behind in turn."""
+    """Kills and reaps every child that is left, and what these leave behind in turn, once the last
+    one is done who has adopted: nobody knows whose orphan it is."""
+    global _parents
+    _parents -= 1
+    if _parents > 0:
+        return
     end = time.monotonic() + seconds
     while time.monotonic() < end:
         left = children()
