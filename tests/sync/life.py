@@ -21,15 +21,19 @@ class Life:
     """Goes on until so many thoughts are captured. What it does depends on the dice alone, when it
     happens on the computers."""
 
-    def __init__(self, computers, engine, random, windows=True, repairs=True, without=()):
+    def __init__(self, computers, engine, random, windows=True, without=(), tell=None):
         self._computers = computers
         self._engine = engine
         self._random = random
-        self._repairs = repairs
+        self._tell = tell or (lambda line: None)
         self._shares = {act: share for act, share in _SHARES.items()
                         if (windows or act in _WINDOWLESS) and act not in without}
         self.counts = collections.Counter()
         self.log = []
+
+    def _note(self, line):
+        self.log.append(line)
+        self._tell(line)
 
     def live(self, captures):
         while sum(self.counts[act] for act in _CAPTURES) < captures:
@@ -38,12 +42,12 @@ class Life:
             self._do(act, computer)
 
     def _do(self, act, computer):
-        self.log.append(f"{computer.name}: {act}")
+        self._note(f"{computer.name}: {act}")
         if act == "disturb":
             self.counts[self._engine.disturb(self._random)] += 1
             return
         outcome = self._act(act, computer)()
-        self.log.append(f"    {outcome}")
+        self._note(f"    {outcome}")
         if outcome == DONE:
             self.counts[act] += 1
         else:
@@ -74,9 +78,9 @@ class Life:
         """Takes copies in where the folder is refused. What a syncer is about to bring needs no
         hand."""
         for line in computer.refusals():
-            self.log.append("    " + " ".join(line))
-        if computer.refusals() and self._repairs:
-            self.log.append(computer.repair())
+            self._note("    " + " ".join(line))
+        if computer.refusals():
+            self._note(computer.repair())
 
     def settle(self):
         """Until both folders are equal and nothing in them is refused."""

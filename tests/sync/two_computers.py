@@ -40,7 +40,12 @@ def _options():
     parser.add_argument("--without", nargs="*", default=[], metavar="ACT",
                         help="what is not done, such as “edit”")
     parser.add_argument("--no-windows", action="store_true", help="the command line alone")
+    parser.add_argument("--verbose", action="store_true", help="tell what is done as it is done")
     return parser.parse_args()
+
+
+def _tell(line):
+    print(f"{time.monotonic():.1f} {line}", flush=True)
 
 
 def _live(options, exits):
@@ -61,7 +66,7 @@ def _live(options, exits):
     exits.callback(engine.close)
     engine.start()
     life = Life(computers, engine, random.Random(options.seed), windows=not options.no_windows,
-                without=options.without)
+                without=options.without, tell=_tell if options.verbose else None)
     try:
         life.live(options.captures)
         life.settle()
