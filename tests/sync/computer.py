@@ -29,6 +29,7 @@ class Computer:
         self.texts = texts
         self.repairs = 0
         self.conflicts = set()
+        self.last_edited = None
         self._program = pathlib.Path(program)
         self._desktop = desktop
         self._window = None
@@ -149,11 +150,11 @@ class Computer:
                 continue
         return random.choice(sorted(recent)[-5:])[1] if recent else None
 
-    def edit_by_hand(self, random):
+    def edit_by_hand(self, random, wanted=None):
         """Changes one note. What was there is taken out in the same step, so that it is known
         exactly what the new text stands for."""
         while True:
-            number = self._choose(random)
+            number = wanted or self._choose(random)
             if number is None:
                 return DONE
             try:
@@ -165,14 +166,16 @@ class Computer:
                 if not _exchange(outside, path):
                     continue
             except FileNotFoundError:
+                if wanted is not None and not path.exists():
+                    return DONE
                 continue
             self.texts.replaced(_body(outside.read_bytes()))
             self.texts.written(_body(new), f"edited by hand on {self.name}")
             outside.unlink()
             return DONE
 
-    def delete_by_hand(self, random):
-        number = self._choose(random)
+    def delete_by_hand(self, random, wanted=None):
+        number = wanted or self._choose(random)
         if number is None:
             return DONE
         outside = self.home / str(uuid.uuid4())
@@ -371,6 +374,7 @@ class Computer:
         text = self._type(self.texts.new(" e", self.name))
         until(lambda: self._is_kept(text), f"{self.name}: the edit is kept")
         self.texts.written(text.strip(), f"edit on {self.name}")
+        self.last_edited = number
         for _ in range(10):
             if self._reload() == REFUSED:
                 return self._give_up()

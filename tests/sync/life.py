@@ -9,9 +9,11 @@ from computer import DONE
 _SHARES = {"add": 30, "add and kill": 3, "capture": 14, "capture and kill": 4,
            "half thought": 8, "fold": 6, "edit": 10, "edit and kill": 3, "edit draft": 5,
            "edit by hand": 8, "delete": 4, "delete and kill": 1, "delete by hand": 4,
+           "edit on both": 4, "edit here, delete there": 2, "draft here, delete there": 2,
            "kill": 2, "end": 3, "disturb": 5}
 _CAPTURES = ("add", "add and kill", "capture", "capture and kill")
-_WINDOWLESS = ("add", "add and kill", "edit by hand", "delete by hand", "disturb")
+_WINDOWLESS = ("add", "add and kill", "edit by hand", "delete by hand", "edit on both",
+               "edit here, delete there", "disturb")
 
 # The longest that a save takes on a slow disk, and with it the time in which a kill may hit it.
 _SAVE = 0.03
@@ -46,6 +48,10 @@ class Life:
         if act == "disturb":
             self.counts[self._engine.disturb(self._random)] += 1
             return
+        if "there" in act or "both" in act:
+            self._at_once(act, computer)
+            self.counts[act] += 1
+            return
         outcome = self._act(act, computer)()
         self._note(f"    {outcome}")
         if outcome == DONE:
@@ -53,6 +59,22 @@ class Life:
         else:
             self.counts["refused"] += 1
             self._mend(computer)
+
+    def _at_once(self, act, here):
+        """Both do something with one note before they have heard of each other."""
+        [there] = [computer for computer in self._computers if computer is not here]
+        self._engine.settle()
+        if act.startswith("draft"):
+            here.last_edited = None
+            if here.edit(self._random, saves=False) != DONE:
+                self._mend(here)
+            note = here.last_edited
+        else:
+            both = sorted(set(here.notes()) & set(there.notes()))
+            note = self._random.choice(both) if both else None
+            here.edit_by_hand(self._random, note)
+        if note is not None:
+            (there.edit_by_hand if act.endswith("both") else there.delete_by_hand)(self._random, note)
 
     def _act(self, act, computer):
         moment = self._random.random() * _SAVE

@@ -89,6 +89,8 @@ class Syncthing:
         for one in (self, other):
             _add(folder, "device", id=one.device)
         _add(folder, "minDiskFree", "0", unit="%")
+        # As its own window sets it; without a word in the file it is 0, and conflicts lose a text.
+        _add(folder, "maxConflicts", "10")
         options = root.find("options")
         for key, value in {"listenAddress": self._listens, **_ALONE}.items():
             for element in options.findall(key):
