@@ -4,6 +4,7 @@
 import ctypes
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import time
@@ -14,6 +15,7 @@ from places import DataFolder, NoteFile, assistive, until
 REFUSED, DONE = "refused", "done"
 
 _ROW = "Open note: "
+_NOTE_NAME = re.compile(r"[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\.md")
 _EXCHANGE = 2
 _libc = ctypes.CDLL(None, use_errno=True)
 
@@ -89,11 +91,15 @@ class Computer:
 
     # What is there
 
+    def _note_files(self):
+        """Without the copies that lie between them."""
+        return [path for path in self.data.note_files() if _NOTE_NAME.fullmatch(path.name)]
+
     def notes(self):
         """Every note by its identifier, as it is at one moment."""
         while True:
             try:
-                return {note.id: note.body for note in map(NoteFile.read, self.data.note_files())}
+                return {note.id: note.body for note in map(NoteFile.read, self._note_files())}
             except FileNotFoundError:
                 continue  # Somebody exchanged the folder meanwhile.
 
@@ -143,7 +149,7 @@ class Computer:
     def _choose(self, random):
         """One of the few notes that somebody worked on last, so that two do at once."""
         recent = []
-        for path in self.data.note_files():
+        for path in self._note_files():
             try:
                 recent.append((path.stat().st_mtime_ns, path.stem))
             except FileNotFoundError:

@@ -128,8 +128,9 @@ class RclonePair(_Exchanges):
             for one in self.computers:
                 one.data.path.mkdir(parents=True, exist_ok=True)
             arguments.append("--resync")
-        done = subprocess.run(arguments, timeout=120, text=True, check=False, stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+        done = subprocess.run(arguments, timeout=120, text=True, check=False,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT,
                               env={"HOME": str(self._folder), "PATH": os.environ["PATH"]})
         if done.returncode != 0:
             raise AssertionError(done.stdout)

@@ -23,13 +23,15 @@ class Life:
     """Goes on until so many thoughts are captured. What it does depends on the dice alone, when it
     happens on the computers."""
 
-    def __init__(self, computers, engine, random, windows=True, without=(), tell=None):
+    def __init__(self, computers, engine, random, windows=True, without=(), only=None,
+                 tell=None):
         self._computers = computers
         self._engine = engine
         self._random = random
         self._tell = tell or (lambda line: None)
+        acts = set(only or _SHARES) - set(without)
         self._shares = {act: share for act, share in _SHARES.items()
-                        if (windows or act in _WINDOWLESS) and act not in without}
+                        if act in acts and (windows or act in _WINDOWLESS)}
         self.counts = collections.Counter()
         self.log = []
 
@@ -74,7 +76,8 @@ class Life:
             note = self._random.choice(both) if both else None
             here.edit_by_hand(self._random, note)
         if note is not None:
-            (there.edit_by_hand if act.endswith("both") else there.delete_by_hand)(self._random, note)
+            act_there = there.edit_by_hand if act.endswith("both") else there.delete_by_hand
+            act_there(self._random, note)
 
     def _act(self, act, computer):
         moment = self._random.random() * _SAVE

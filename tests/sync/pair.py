@@ -7,6 +7,10 @@ from syncthing import Syncthing, until_settled
 # What docs/SYNC.md gives to copy.
 IGNORED = "/.quillmark-*\n/Markdown/Drafts\n"
 
+# What it says is a minute; here people work faster. Without it a change by a program of another make
+# is heard of late, which sharing.py shows.
+_INTERVAL = 5
+
 
 class SyncthingPair:
     """Starts both, and at times stops or kills one of them."""
@@ -17,7 +21,8 @@ class SyncthingPair:
         for computer in computers:
             computer.data.path.mkdir(parents=True, exist_ok=True)
             (computer.data.path / ".stignore").write_text(ignored)
-            self.syncers.append(Syncthing(folder / f"syncthing-{computer.name}", computer.data.path))
+            self.syncers.append(Syncthing(folder / f"syncthing-{computer.name}", computer.data.path,
+                                          _INTERVAL))
         for one, two in (self.syncers, reversed(self.syncers)):
             one.share_with(two)
 

@@ -2,7 +2,7 @@
 """Which folder is to be shared: how soon notes come to the other computer when Syncthing is given
 the data folder, or one inside it.
 
-    sharing.py --program PATH
+    sharing.py --program PATH [--short]
 
 Each round imports two notes, which exchanges the folder Markdown, then adds one, which is one new
 file, and then puts one there as an editor of another make does. Syncthing hears of all this from the
@@ -24,6 +24,7 @@ from texts import Texts
 
 _SKIPPED = 77
 _ROUNDS = 5
+_CHANGES = ("import", "add", "another program")
 _PATIENCE = 15.0
 
 
@@ -37,8 +38,8 @@ def _arrival(receiver, count):
     return None
 
 
-def _try(program, folder, shared):
-    """The seconds of each arrival."""
+def _try(program, folder, shared, changes):
+    """The seconds of each arrival, with what it was."""
     texts = Texts()
     computers = [Computer(name, program, folder / name, texts) for name in "AB"]
     computers[0].add()
@@ -58,8 +59,8 @@ def _try(program, folder, shared):
         syncthing.until_settled(*syncers)
         count = 1
         for _ in range(_ROUNDS):
-            for kind, added in (("import", 2), ("add", 1), ("another program", 1)):
-                count += added
+            for kind in changes:
+                count += 2 if kind == "import" else 1
                 if kind == "import":
                     files = [folder / "one.txt", folder / "two.txt"]
                     for file in files:
@@ -78,17 +79,20 @@ def _try(program, folder, shared):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True, help="the built or installed program")
+    parser.add_argument("--short", action="store_true",
+                        help="only what has to come, and the folder that is to be shared")
     options = parser.parse_args()
     if not syncthing.is_installed():
         print("syncthing is not installed.")
         sys.exit(_SKIPPED)
     print(syncthing.version())
     failed = False
-    for shared in (".", "Markdown", "Markdown/Notes"):
+    changes = _CHANGES[:2] if options.short else _CHANGES
+    for shared in (".",) if options.short else (".", "Markdown", "Markdown/Notes"):
         with tempfile.TemporaryDirectory(prefix="sync-") as folder:
-            arrivals = _try(os.path.abspath(options.program), pathlib.Path(folder), shared)
+            arrivals = _try(os.path.abspath(options.program), pathlib.Path(folder), shared, changes)
         print(f"shared: Penwick/{shared}".removesuffix("/."))
-        for kind in ("import", "add", "another program"):
+        for kind in changes:
             took = [seconds for one, seconds in arrivals if one == kind]
             came = [seconds for seconds in took if seconds is not None]
             median = f", median {statistics.median(came):.1f} s" if came else ""

@@ -43,13 +43,14 @@ def _free_port():
 
 
 class Syncthing:
-    """One of two. It shares one folder, on a port of its own of the loopback interface, and has
-    no interval after which it looks through the folder unasked."""
+    """One of two. It shares one folder, on a port of its own of the loopback interface. It hears of
+    changes from the system, and looks through the folder after the interval, 0 for never."""
 
-    def __init__(self, home, path):
+    def __init__(self, home, path, interval=0):
         self.home = pathlib.Path(home)
         self.path = pathlib.Path(path)
         self.home.mkdir(parents=True)
+        self._interval = interval
         self._key = secrets.token_hex(16)
         self._listens = f"tcp://127.0.0.1:{_free_port()}"
         self._interface = f"127.0.0.1:{_free_port()}"
@@ -84,7 +85,7 @@ class Syncthing:
                           introducer="false")
             _add(device, "address", one._listens)
         folder = _add(root, "folder", id=FOLDER, label="Penwick", path=str(self.path),
-                      type="sendreceive", rescanIntervalS="0", fsWatcherEnabled="true",
+                      type="sendreceive", rescanIntervalS=str(self._interval), fsWatcherEnabled="true",
                       fsWatcherDelayS="1", ignorePerms="false", autoNormalize="true")
         for one in (self, other):
             _add(folder, "device", id=one.device)

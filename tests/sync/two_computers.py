@@ -40,6 +40,8 @@ def _options():
     parser.add_argument("--without", nargs="*", default=[], metavar="ACT",
                         help="what is not done, such as “edit”")
     parser.add_argument("--no-windows", action="store_true", help="the command line alone")
+    parser.add_argument("--shared-drafts", action="store_true", help="what is not recommended")
+    parser.add_argument("--only", nargs="*", metavar="ACT", help="what alone is done")
     parser.add_argument("--verbose", action="store_true", help="tell what is done as it is done")
     return parser.parse_args()
 
@@ -62,11 +64,14 @@ def _live(options, exits):
                                   desktop))
     # Some engines refuse to begin with nothing.
     computers[0].add()
-    engine = _ENGINES[options.engine](folder, computers)
+    if options.shared_drafts:
+        engine = SyncthingPair(folder, computers, ignored="/.quillmark-*\n")
+    else:
+        engine = _ENGINES[options.engine](folder, computers)
     exits.callback(engine.close)
     engine.start()
     life = Life(computers, engine, random.Random(options.seed), windows=not options.no_windows,
-                without=options.without, tell=_tell if options.verbose else None)
+                without=options.without, only=options.only, tell=_tell if options.verbose else None)
     try:
         life.live(options.captures)
         life.settle()
