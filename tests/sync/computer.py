@@ -129,10 +129,10 @@ class Computer:
 
     def add(self):
         text = self.texts.new("t", self.name)
-        status, _, _ = self.command("add", text)
+        status, _, said = self.command("add", text)
         if status == 0:
             self.texts.written(text, f"added on {self.name}")
-        return DONE if status == 0 else REFUSED
+        return DONE if status == 0 else f"{REFUSED}: {said.strip()}"
 
     def add_and_kill(self, seconds):
         text = self.texts.new("t", self.name)
@@ -248,10 +248,11 @@ class Computer:
     def _open(self):
         """The editor; False when it has no notes, since they are refused."""
         self.start_window()
-        if self._window.shows_editor():
-            return not self._has_banner()
-        self._window.open_editor()
-        return not self._has_banner()
+        if not self._window.shows_editor():
+            self._window.open_editor()
+        if not self._has_banner():
+            return True
+        return self._window.has_element(name="Reload") and self._reload() == DONE
 
     def _has_banner(self):
         return self._window.has_element(name="Retry") or self._window.has_element(name="Reload")
