@@ -139,7 +139,7 @@ void FailingDiskTest::findsTheOldStateOnADiskThatRefusesEverythingFromTheSyncOn(
     bool isSwapped = false;
     bool isBroken = false;
     script.decide([&](MemoryDisk &, const DiskCall &call) {
-        isSwapped |= call.kind == Kind::rename && std::string_view(call.newName) == "Markdown";
+        isSwapped |= call.kind == Kind::rename && std::string_view(call.name) == "Markdown";
         isBroken |= isSwapped && call.kind == Kind::sync;
         return isBroken ? EIO : 0;
     });
