@@ -48,5 +48,7 @@ std::filesystem::path TakeIn::perform(const std::filesystem::path &stateFolder)
     }
     for (const Original &original : m_originals)
         keeping.take(*original.folder, original.name.c_str(), original.status, original.subFolder);
+    if (m_folder)
+        m_folder->announceChange();
     return keeping.target().path();
 }
