@@ -17,9 +17,9 @@ class QWidget;
 ///
 /// Input methods differ in all of this. The toolkit's part of ibus takes a composition that was
 /// cancelled for one that still goes on, and puts it into the text when the keyboard leaves; to
-/// reset it at once would take the letters along that are on their way to ibus. ibus itself may put into the text, a moment later and
-/// wherever the keyboard is by then, what the toolkit has put there already; that of fcitx answers
-/// to being reset, not to being asked to commit.
+/// reset it at once would take the letters along that are on their way to ibus. ibus itself may put
+/// into the text, a moment later and wherever the keyboard is by then, what the toolkit has put
+/// there already; that of fcitx answers to being reset, not to being asked to commit.
 class Composition final : public QObject {
     Q_OBJECT
 
