@@ -263,6 +263,10 @@ void FolderCheck::findNeighbours(const Directory &folder, Section section,
         if (isOfNotes(section, name))
             continue;
         const Neighbour neighbour = neighbourOf(name, entry.kind);
+        // Refused, and named as such.
+        if (neighbour == Neighbour::none && section != Section::marker &&
+            FileNames::isMarkdown(name))
+            continue;
         findings.push_back({kindOf(neighbour), folder.path() / name, messageFor(neighbour, name)});
     }
 }

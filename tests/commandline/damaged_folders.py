@@ -32,6 +32,8 @@ class DamagedFolders(CommandLineTest):
         self.assertIn(("refused", path, why), [(word, found, sentence if why == sentence else why)
                                                for word, found, sentence in findings
                                                if word == "refused" and why in sentence])
+        # What is refused is nobody else's.
+        self.assertNotIn(("other", path), [(word, found) for word, found, _ in findings])
         before = self.data.state()
         for command in (["list"], ["search", "one"], ["show", "0"], ["export", str(self.home / "x")]):
             sentence = self.refused(status, *command)
