@@ -17,6 +17,9 @@ namespace {
 constexpr std::size_t mostListed = 2'000;
 constexpr std::size_t mostLookedAt = 500;
 
+/// A longer text is worth a look at every file.
+constexpr std::size_t shortText = 64 * 1024;
+
 DirectoryListing markdownFiles(const Directory &notes)
 {
     DirectoryListing listing = notes.orThrow(notes.list());
@@ -31,12 +34,13 @@ void checkRoom(const NoteFolder &folder, std::size_t added)
 {
     const Directory &notes = folder.directory(Section::notes);
     const std::optional<std::size_t> most = notes.disk().mostEntries(notes.handle());
-    if (most && *most > mostListed && *most < NoteFolder::mostNotes)
+    const bool isShort = added <= shortText;
+    if (isShort && most && *most > mostListed && *most < NoteFolder::mostNotes)
         return;
     const DirectoryListing files = markdownFiles(notes);
     if (files.entries().size() >= NoteFolder::mostNotes)
         throw notes.error(Failure::because(Reason::tooManyNotes));
-    if (files.entries().size() > mostLookedAt)
+    if (isShort && files.entries().size() > mostLookedAt)
         return;
     std::size_t total = added;
     for (const DirectoryListing::Entry &file : files.entries()) {

@@ -129,6 +129,7 @@ private Q_SLOTS:
     void refusesAFolderThatIsMovedMeanwhile();
     void refusesWhatIsTooLarge();
     void refusesMoreTextThanTheFolderMayHold();
+    void refusesALongTextAlsoWhereThereAreMany();
     void keepsThePromiseOfPrivacy();
     void sharesTheFolderWithOthersThatAdd();
     void keepsAProgramThatOwnsTheFolderWaiting();
@@ -407,6 +408,28 @@ void NoteAdditionTest::refusesMoreTextThanTheFolderMayHold()
 
     const auto error = thrown<FileError>(
         [&] { static_cast<void>(addNote(Directory::openOrMake(disk, data.path()), added)); });
+
+    QCOMPARE(error->reason(), Reason::tooMuchText);
+}
+
+void NoteAdditionTest::refusesALongTextAlsoWhereThereAreMany()
+{
+    const DataFolder data;
+    QList<Note> notes;
+    for (int i = 0; i < 2500; ++i)
+        notes << numberedNote(i, u"body"_s);
+    LocalNoteRepository(data.fileURL()).save(snapshotOf(notes));
+    for (int i = 3000; i < 3004; ++i) {
+        data.write(noteFile(numberedId(i)), "");
+        // Only its size counts.
+        std::filesystem::resize_file(data.path(noteFile(numberedId(i))),
+                                     NoteFolder::largestFile - 64 * 1024);
+    }
+    SystemDisk disk;
+    const Note longOne = numberedNote(4000, QString(300 * 1024, u'x'));
+
+    const auto error = thrown<FileError>(
+        [&] { static_cast<void>(addNote(Directory::openOrMake(disk, data.path()), longOne)); });
 
     QCOMPARE(error->reason(), Reason::tooMuchText);
 }
