@@ -50,6 +50,10 @@ std::optional<Failure> failureOf(const Operation &operation)
     }
 }
 
+/// So often what others change is taken in while one addition is saved: a program that carries
+/// many notes over at once goes on meanwhile.
+constexpr int mostReloads = 5;
+
 bool isInDisplayOrder(const Note &first, const Note &second)
 {
     return first.updatedAt > second.updatedAt;
@@ -338,13 +342,16 @@ std::optional<Refusal> NoteStore::addNotes(const QList<Note> &notes)
         m_repository->save(next);
     };
     auto failure = failureOf(save);
-    const bool isOutdated =
-        failure && failure->repositoryError == RepositoryError::externalChange();
-    if (isOutdated && !m_failure && !m_hasPendingChanges)
+    for (int i = 0; i < mostReloads && !m_failure && !m_hasPendingChanges; ++i) {
+        const bool isOutdated =
+            failure && failure->repositoryError == RepositoryError::externalChange();
+        if (!isOutdated)
+            break;
         failure = failureOf([&] {
             setSnapshot(m_repository->reload(m_snapshot));
             save();
         });
+    }
     if (!failure) {
         hasSaved(next);
         return std::nullopt;

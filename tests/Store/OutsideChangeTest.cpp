@@ -34,6 +34,7 @@ private Q_SLOTS:
     void isNoReasonToFailWithNothingToBeWritten();
     void isTakenInBeforeANoteIsAdded();
     void isTakenInBeforeNotesOfOthersAreAdded();
+    void isTakenInAgainWhileOthersGoOnChanging();
     void refusesNotesOfOthersQuietlyWhenItCannotBeRead();
     void failsTheSaveOfWhatWaits();
     void isTakenInOnRequest();
@@ -125,6 +126,21 @@ void OutsideChangeTest::isTakenInBeforeNotesOfOthersAreAdded()
 
     QCOMPARE(m_repository->stored(), (NoteSnapshot{1, {added, note}, u"theirs"_s, {}}));
     QCOMPARE(m_store->snapshot(), m_repository->stored());
+    QVERIFY(!m_store->failure());
+}
+
+void OutsideChangeTest::isTakenInAgainWhileOthersGoOnChanging()
+{
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+    m_repository->changeOutsideAgain(3);
+
+    QVERIFY(!m_store->addNotes({{QUuid::createUuid(), u"added"_s, {3}, {3}}}));
+
+    QCOMPARE(m_repository->stored().captureDraft, u"theirs..."_s);
+    QCOMPARE(m_repository->stored().notes.first().body, u"added"_s);
+    m_repository->changeOutside(withDraft(u"theirs once more"_s));
+    m_repository->changeOutsideAgain(100);
+    QVERIFY(m_store->addNotes({{QUuid::createUuid(), u"too many"_s, {3}, {3}}}));
     QVERIFY(!m_store->failure());
 }
 

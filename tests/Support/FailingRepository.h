@@ -36,6 +36,9 @@ public:
     /// Another program stores this; until a reload() every save() is refused for it.
     void changeOutside(NoteSnapshot snapshot) { m_stored = std::move(snapshot); }
 
+    /// It goes on: it stores another draft after each of the next so many calls of reload().
+    void changeOutsideAgain(int times) { m_changesToCome = times; }
+
     /// What lies beside the notes; taking it in brings these notes and ends every failure to read.
     void putBeside(TakeInPlan plan, NoteSnapshot then)
     {
@@ -97,7 +100,12 @@ public:
     [[nodiscard]] NoteSnapshot reload(const NoteSnapshot &typed) override
     {
         const NoteSnapshot last = m_known;
-        return merged(last, typed, load());
+        const NoteSnapshot now = load();
+        if (m_changesToCome > 0) {
+            --m_changesToCome;
+            m_stored.captureDraft += u'.';
+        }
+        return merged(last, typed, now);
     }
 
     void save(const NoteSnapshot &snapshot) override
@@ -166,5 +174,6 @@ private:
     NoteSnapshot m_takenIn;
     Tidy m_tidy;
     std::optional<QUrl> m_notesFolderURL;
+    int m_changesToCome = 0;
     int m_saves = 0;
 };
