@@ -7,6 +7,7 @@
 #include "Utf8.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -31,7 +32,8 @@ QUuid derivedId(const QUuid &about, const std::string &bytes)
 Timestamp timeOf(const FileStatus &status)
 {
     constexpr std::int64_t nanoseconds = 1'000'000;
-    static const qint64 beginning = QDate(2001, 1, 1).startOfDay(Qt::UTC).toMSecsSinceEpoch();
+    static const qint64 beginning =
+        QDate(2001, 1, 1).startOfDay(QTimeZone::utc()).toMSecsSinceEpoch();
     const Timestamp time{static_cast<double>(status.modified / nanoseconds - beginning) / 1000.0};
     return time.hasTextForm() ? time : Timestamp();
 }

@@ -5,6 +5,7 @@
 #include "TakeIn.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -15,7 +16,8 @@ Directory makeTarget(Disk &disk, const std::filesystem::path &stateFolder)
 {
     constexpr std::int64_t nanoseconds = 1'000'000;
     const Directory state = Directory::openOrMake(disk, stateFolder);
-    const QDateTime now = QDateTime::fromMSecsSinceEpoch(disk.now() / nanoseconds, Qt::UTC);
+    const QDateTime now =
+        QDateTime::fromMSecsSinceEpoch(disk.now() / nanoseconds, QTimeZone::utc());
     const std::string base = std::string(FileNames::takenInPrefix) +
                              now.toString(u"yyyy-MM-dd'T'HHmm'Z'"_s).toStdString();
     std::string name = base;
