@@ -85,7 +85,12 @@ class OutsideChanges(DesktopTest):
 
         quillmark.element(name="1 note")
         until(lambda: quillmark.element("text", "Note text").has("enabled"), "the editor is open")
-        self.mouse.click(quillmark.element("text", "Note text").centre())
+
+        def takes_keyboard():
+            # The banner makes room, and the text moves under the pointer.
+            self.mouse.click(quillmark.element("text", "Note text").centre())
+            return quillmark.element("text", "Note text").has("focused")
+        until(takes_keyboard, "the text takes the keyboard")
         self.keyboard.type("at last")
         until(lambda: self.data.draft() == "at last", "it is saved")
 
