@@ -20,15 +20,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Seconds from 1970 to 2001.
-constexpr double epoch = 978'307'200;
-
-Timestamp timeOf(std::int64_t nanoseconds)
-{
-    // To the millisecond, as it will be stored.
-    return {static_cast<double>(nanoseconds / 1'000'000) / 1000 - epoch};
-}
-
 Complaint complaintAbout(const std::string &path, ExitStatus status, const QString &sentence)
 {
     return {status, {sentence, {QFile::decodeName(path.c_str())}}, std::nullopt};
@@ -73,7 +64,7 @@ std::optional<Complaint> readNote(Disk &disk, const std::string &path, Note &not
         return complaintAbout(path, ExitStatus::notUtf8, u"“%@” is not UTF-8 text."_s);
     if (isBlank(*text))
         return complaintAbout(path, ExitStatus::blank, u"“%@” holds no text."_s);
-    const Timestamp time = timeOf(status->modified);
+    const Timestamp time = Timestamp::fromNanosecondsSince1970(status->modified);
     if (!time.hasTextForm())
         return complaintAbout(path, ExitStatus::limits,
                               u"“%@” has a time that no note can have."_s);

@@ -107,7 +107,13 @@ double roundedMilliseconds(double secondsSince2001)
 Timestamp Timestamp::now()
 {
     // No finer than the text form, so that what is in memory equals what is read back.
-    const auto elapsed = floor<milliseconds>(system_clock::now()) - epoch2001;
+    const auto since1970 = system_clock::now().time_since_epoch();
+    return fromNanosecondsSince1970(duration_cast<nanoseconds>(since1970).count());
+}
+
+Timestamp Timestamp::fromNanosecondsSince1970(std::int64_t count) noexcept
+{
+    const auto elapsed = floor<milliseconds>(sys_time<nanoseconds>(nanoseconds(count))) - epoch2001;
     return {static_cast<double>(elapsed.count()) / 1000.0};
 }
 

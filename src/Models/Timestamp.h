@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <cstdint>
 #include <optional>
 
 /// A point in time, as seconds since 2001-01-01 00:00:00 UTC in double precision.
@@ -13,6 +14,10 @@ struct Timestamp {
     double secondsSince2001 = 0.0;
 
     [[nodiscard]] static Timestamp now();
+
+    /// Of a file or a clock, in nanoseconds since 1970-01-01 00:00:00 UTC, to the millisecond
+    /// before.
+    [[nodiscard]] static Timestamp fromNanosecondsSince1970(std::int64_t count) noexcept;
 
     /// Reads the text form; a numeric zone offset ("+08:00") may stand in place of "Z".
     /// Nothing when the text is anything else, names no real date, or lacks the fraction.

@@ -6,8 +6,6 @@
 #include "RepositoryError.h"
 #include "Utf8.h"
 
-#include <QDateTime>
-#include <QTimeZone>
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,13 +26,10 @@ QUuid derivedId(const QUuid &about, const std::string &bytes)
     return QUuid::createUuidV5(about.isNull() ? ofNoNote : about, viewOf(bytes));
 }
 
-/// Exact to the millisecond, as it will be read again.
+/// That of the file, if a note can have it.
 Timestamp timeOf(const FileStatus &status)
 {
-    constexpr std::int64_t nanoseconds = 1'000'000;
-    static const qint64 beginning =
-        QDate(2001, 1, 1).startOfDay(QTimeZone::utc()).toMSecsSinceEpoch();
-    const Timestamp time{static_cast<double>(status.modified / nanoseconds - beginning) / 1000.0};
+    const Timestamp time = Timestamp::fromNanosecondsSince1970(status.modified);
     return time.hasTextForm() ? time : Timestamp();
 }
 
@@ -375,9 +370,8 @@ void TakeIn::tellOutcome(std::size_t index)
     TakeInPlan::Step &step = m_plan.steps[index];
     const Text *first = nullptr;
     qint64 made = 0;
-    for (const Text &text : m_texts) {
-        if (text.step != index)
-            continue;
+    // They were collected step by step.
+    for (const Text &text : std::ranges::equal_range(m_texts, index, {}, &Text::step)) {
         const bool isMade = text.fate == Fate::made || text.fate == Fate::restored;
         made += isMade ? 1 : 0;
         if (!first || (isMade && made == 1))

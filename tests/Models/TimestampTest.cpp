@@ -23,6 +23,7 @@ private Q_SLOTS:
     void refusesEverythingElse_data();
     void refusesEverythingElse();
     void hasATextFormFromYear0To9999();
+    void isOfAFileToTheMillisecondBefore();
     void isNowAndEqualToWhatIsReadBack();
 };
 
@@ -172,6 +173,14 @@ void TimestampTest::hasATextFormFromYear0To9999()
     QVERIFY(!Timestamp{std::numeric_limits<double>::quiet_NaN()}.hasTextForm());
     QVERIFY(!Timestamp{std::numeric_limits<double>::infinity()}.hasTextForm());
     QVERIFY(!Timestamp{-1e300}.hasTextForm());
+}
+
+void TimestampTest::isOfAFileToTheMillisecondBefore()
+{
+    constexpr std::int64_t start = 978'307'200'000'000'000;
+    QCOMPARE(Timestamp::fromNanosecondsSince1970(start), Timestamp{0.0});
+    QCOMPARE(Timestamp::fromNanosecondsSince1970(start + 1'999'999), Timestamp{0.001});
+    QCOMPARE(Timestamp::fromNanosecondsSince1970(start - 1), Timestamp{-0.001});
 }
 
 void TimestampTest::isNowAndEqualToWhatIsReadBack()
