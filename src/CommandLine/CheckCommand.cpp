@@ -7,7 +7,6 @@
 #include "ProgressLine.h"
 #include "StoredNotes.h"
 
-#include <QFile>
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -48,11 +47,6 @@ QLatin1StringView wordFor(Finding::Kind kind)
     Q_UNREACHABLE();
 }
 
-QString shown(const std::filesystem::path &path)
-{
-    return harmless(QFile::decodeName(path.c_str()), false);
-}
-
 void print(Console &console, const Finding &finding)
 {
     const QString sentence = harmless(console.text(finding.message), false);
@@ -76,13 +70,8 @@ std::vector<Finding> refusals(const FolderCheck &check, const StoredNotes &notes
     std::vector<Finding> findings = check.refused();
     if (!findings.empty() || complaint->status == ExitStatus::recoveryCopy)
         return findings;
-    const std::filesystem::path place = complaint->place.value_or(notes.dataFolder());
-    Finding finding{Finding::Kind::refused, place, complaint->message};
-    // Sentences that name a file say what is wrong with it, too.
-    const auto why = complaint->isPlaceNamed ? std::nullopt : check.whyInvalid(place);
-    if (why)
-        finding.message = *why;
-    return {finding};
+    return {{Finding::Kind::refused, complaint->place.value_or(notes.dataFolder()),
+             complaint->message}};
 }
 
 /// Recovery copies and stages that are none of a save under way: those are gone soon.

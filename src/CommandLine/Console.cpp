@@ -123,6 +123,11 @@ std::optional<Complaint> Console::finish()
                      std::nullopt};
 }
 
+QString shown(const std::filesystem::path &path)
+{
+    return harmless(QFile::decodeName(path.c_str()), false);
+}
+
 QString harmless(const QString &text, bool keepsLines)
 {
     QString shown = text;

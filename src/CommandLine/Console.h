@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QTranslator>
+#include <filesystem>
 #include <string_view>
 
 /// The terminal or pipe that the program talks to, in the language of the locale.
@@ -60,6 +61,9 @@ private:
 /// The text without what would steer a terminal: control characters become spaces, or, where lines
 /// are to stay, all of them but line feeds and tabs.
 [[nodiscard]] QString harmless(const QString &text, bool keepsLines);
+
+/// A path for a line of text.
+[[nodiscard]] QString shown(const std::filesystem::path &path);
 
 /// As much of the text from its beginning as has room in so many cells of a terminal, with "…"
 /// where something is left out.

@@ -7,7 +7,6 @@
 #include "SignalDelay.h"
 #include "StoredNotes.h"
 
-#include <QFile>
 #include <iostream>
 #include <unistd.h>
 
@@ -29,11 +28,6 @@ QLatin1StringView wordFor(Step::Outcome outcome)
         return "kept"_L1;
     }
     Q_UNREACHABLE();
-}
-
-QString shown(const std::filesystem::path &path)
-{
-    return harmless(QFile::decodeName(path.c_str()), false);
 }
 
 void print(Console &console, const Step &step)
@@ -106,9 +100,7 @@ ExitStatus Commands::repair(Console &console, StoredNotes &notes, bool isAnswere
     if (complaint)
         return complain(console, *complaint);
     const QString sentence =
-        harmless(console.text(Message{u"The files themselves are kept in “%@”."_s,
-                                      {QFile::decodeName(originals.c_str())}}),
-                 false);
+        console.text(Message{u"The files themselves are kept in “%@”."_s, {shown(originals)}});
     console.write(console.isTerminal()
                       ? sentence + u'\n'
                       : "originals"_L1 + u'\t' + shown(originals) + u'\t' + sentence + u'\n');

@@ -229,6 +229,11 @@ std::vector<Finding> FolderCheck::refused() const
     const std::optional<NoteFolder> folder = NoteFolder::openIfUsable(m_data);
     if (!folder)
         return findings;
+    const auto format = contentOf(folder->directory(), FileNames::marker);
+    if (format && *format != FileNames::markerContent)
+        findings.push_back({Kind::refused,
+                            folder->directory().path() / FileNames::marker,
+                            {u"It names another format."_s, {}}});
     const FolderSurvey survey(*folder);
     for (const FolderSurvey::Stray &stray : survey.strays()) {
         if (stray.refusal)
@@ -269,26 +274,4 @@ void FolderCheck::findNeighbours(const Directory &folder, Section section,
             continue;
         findings.push_back({kindOf(neighbour), folder.path() / name, messageFor(neighbour, name)});
     }
-}
-
-std::optional<Message> FolderCheck::whyInvalid(const std::filesystem::path &path) const
-{
-    const Result<Directory> folder = Directory::open(m_data.disk(), path.parent_path());
-    const std::string name = path.filename();
-    const std::optional<std::string> bytes =
-        folder ? contentOf(*folder, name.c_str()) : std::nullopt;
-    if (!bytes)
-        return std::nullopt;
-    if (name == FileNames::marker)
-        return Message{u"It names another format."_s, {}};
-    const FileNames::Owner owner = FileNames::parse(name);
-    if (path.parent_path().filename() == FileNames::ofSection(Section::drafts))
-        return owner.note ? Message{u"It is a draft of a note that is not there."_s, {}}
-                          : Message{u"Its name is that of no draft."_s, {}};
-    const std::optional<Note> note = noteFrom(*bytes);
-    if (!note)
-        return Message{u"Its header is not that of a note."_s, {}};
-    if (owner.note != note->id)
-        return Message{u"Its name is not the identifier in its header."_s, {}};
-    return Message{u"Another file is the same note."_s, {}};
 }

@@ -51,9 +51,6 @@ public:
     /// What lies among the notes and is none of them.
     [[nodiscard]] std::vector<Finding> neighbours() const;
 
-    /// Why one file of the notes is not as it must be; nothing where that cannot be told.
-    [[nodiscard]] std::optional<Message> whyInvalid(const std::filesystem::path &path) const;
-
 private:
     void describe(const std::string &name, std::vector<Finding> &findings) const;
     void describeFile(const std::string &name, Finding::Kind kind,
