@@ -14,10 +14,6 @@ namespace {
 /// 96 ms against 5.8 s for ten thousand files.
 constexpr std::size_t mostSyncs = 20;
 
-/// Each folder on the way is held open. Deeper than anybody sorts files, and far from the number of
-/// files that a process may open.
-constexpr int mostFolders = 128;
-
 constexpr mode_t rightsOfOthers = S_ISUID | S_ISGID | S_ISVTX | S_IRWXG | S_IRWXO;
 
 /// What a file system answers that has no hard links, or none for this file.

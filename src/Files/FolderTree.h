@@ -17,6 +17,10 @@
 /// system has no hard links, files and symbolic links are copied.
 class FolderTree {
 public:
+    /// So deep may folders lie in folders. Each on the way is held open: deeper than anybody sorts
+    /// files, and far from the number of files that a process may open.
+    static constexpr int mostFolders = 128;
+
     /// Says which entries may not change unseen, by the sub-folder that they lie in, empty for the
     /// folder itself, and by their names. What lies deeper is free.
     using IsGuarded = bool (*)(std::string_view folder, std::string_view name) noexcept;

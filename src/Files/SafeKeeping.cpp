@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "SafeKeeping.h"
 
+#include "FolderTree.h"
 #include "Renames.h"
 #include "RepositoryError.h"
 
 namespace {
-
-/// So many folders in folders are followed.
-constexpr int mostDepth = 128;
 
 bool isSame(const FileStatus &a, const FileStatus &b) noexcept
 {
@@ -25,7 +23,7 @@ void copyEntry(const Directory &from, const char *name, FileKind kind, const Dir
 
 void copyFolder(const Directory &from, const Directory &to, int depth)
 {
-    if (depth == mostDepth)
+    if (depth == FolderTree::mostFolders)
         throw from.error(Failure::because(Reason::tooDeep));
     const DirectoryListing listing = from.orThrow(from.list());
     for (const DirectoryListing::Entry &entry : listing.entries())

@@ -14,6 +14,7 @@ public:
     /// Writes them into hidden files of the data folder and puts those on the disk. The arguments
     /// must outlive this. Throws a FileError; nothing is left then.
     NoteBatch(const Directory &data, const NoteFolder &folder, const QList<Note> &notes);
+
     /// Gives each its name. On return all of them are on the disk. Throws a FileError, and
     /// RepositoryError::externalChange about a name that has been taken meanwhile; those before it
     /// are notes then.
