@@ -43,7 +43,7 @@ private:
 };
 
 /// How long after a composition has vanished a word may still come of it.
-constexpr std::chrono::milliseconds cancellationDelay{100};
+constexpr std::chrono::milliseconds longestWait{100};
 
 Echo &echo()
 {
@@ -58,9 +58,6 @@ Composition::Composition(QWidget *field)
     , m_field(field)
 {
     field->installEventFilter(this);
-    m_sinceCancelled.setSingleShot(true);
-    m_sinceCancelled.setInterval(cancellationDelay);
-    connect(&m_sinceCancelled, &QTimer::timeout, this, &Composition::settleCancelled);
 }
 
 void Composition::end()
@@ -113,10 +110,8 @@ bool Composition::filterOfField(QEvent *event)
         const auto &composed = *static_cast<QInputMethodEvent *>(event);
         if (echo().isIn(composed))
             return true;
-        const bool isCancelled = !m_cancelled.isEmpty() && composed.preeditString().isEmpty() &&
-                                 composed.commitString() == m_cancelled;
-        if (isCancelled) {
-            m_cancelled.clear();
+        if (isCancelled(composed)) {
+            m_vanished.clear();
             return true;
         }
         follow(composed);
@@ -124,7 +119,7 @@ bool Composition::filterOfField(QEvent *event)
     }
     case QEvent::KeyPress:
         // The input method has had it and is done with all keys before.
-        settleCancelled();
+        m_word = {};
         return false;
     case QEvent::Show:
         m_field->window()->windowHandle()->installEventFilter(this);
@@ -141,24 +136,20 @@ void Composition::follow(const QInputMethodEvent &event)
     m_hasCommitted = m_hasCommitted || hasCommitted;
     if (isGoingOn() || hasCommitted) {
         m_vanished.clear();
-        m_cancelled.clear();
-        m_sinceCancelled.stop();
     } else if (!before.isEmpty()) {
         m_vanished = before;
-        m_sinceCancelled.start();
+        m_word.setRemainingTime(longestWait);
     }
 }
 
-void Composition::settleCancelled()
+bool Composition::isCancelled(const QInputMethodEvent &event) const
 {
-    m_sinceCancelled.stop();
-    if (!m_vanished.isEmpty())
-        m_cancelled = std::exchange(m_vanished, {});
+    return !m_vanished.isEmpty() && m_word.hasExpired() && event.preeditString().isEmpty() &&
+           event.commitString() == m_vanished;
 }
 
 void Composition::forgetCancelled()
 {
-    settleCancelled();
-    if (!std::exchange(m_cancelled, {}).isEmpty())
+    if (!std::exchange(m_vanished, {}).isEmpty())
         QGuiApplication::inputMethod()->reset();
 }

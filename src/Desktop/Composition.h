@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
-#include <QTimer>
 
 class QInputMethodEvent;
 class QWidget;
@@ -41,13 +41,16 @@ public:
 private:
     bool filterOfField(QEvent *event);
     void follow(const QInputMethodEvent &event);
-    void settleCancelled();
+
+    /// Whether the toolkit puts into the text what the user cancelled.
+    [[nodiscard]] bool isCancelled(const QInputMethodEvent &event) const;
     void forgetCancelled();
 
     QWidget *const m_field;
     QString m_text;
-    QTimer m_sinceCancelled;
     bool m_hasCommitted = false;
-    QString m_vanished;  ///< A composition that is no more, and of which a word may still come.
-    QString m_cancelled; ///< One of which none will come.
+
+    /// A composition that has vanished, and until when a word may still come of it.
+    QString m_vanished;
+    QDeadlineTimer m_word;
 };
