@@ -60,6 +60,8 @@ inline constexpr QMargins editContentPadding{0, 0, iconOverhang, 0};
 inline constexpr int alertWidth = 344;
 inline constexpr QMargins alertPadding{24, 22, 24, 20};
 inline constexpr int alertRadius = 20;
+inline constexpr int alertMostLines = 5;
+inline constexpr int alertMostListLines = 10; ///< On the lowest of screens, too, with the buttons.
 inline constexpr int belowAlertTitle = 8;
 inline constexpr int aboveAlertButtons = 20;
 inline constexpr int alertButtonSpacing = 9;

@@ -8,7 +8,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 DeleteAlert::DeleteAlert(const AppPreferences &preferences, QWidget *window)
-    : AlertCard(preferences, TextStyles::alertDelete, Metrics::bannerMostLines, window)
+    : AlertCard(preferences, TextStyles::alertDelete, Metrics::alertMostLines, window)
 {
     nameParts(u"deleteAlert"_s, u"cancelDelete"_s, u"confirmDelete"_s);
     connect(&preferences, &AppPreferences::languageChanged, this, &DeleteAlert::render);

@@ -14,9 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// A list is more than a sentence, and still leaves the buttons on the lowest of screens.
-constexpr int mostLines = 2 * Metrics::bannerMostLines;
-
 /// More files are told by their number.
 constexpr std::size_t mostSteps = 100;
 
@@ -37,7 +34,7 @@ QString beginningOf(const QString &title)
 } // namespace
 
 TakeInAlert::TakeInAlert(const AppPreferences &preferences, TakeInPlan plan, QWidget *window)
-    : AlertCard(preferences, TextStyles::alertCancel, mostLines, window)
+    : AlertCard(preferences, TextStyles::alertCancel, Metrics::alertMostListLines, window)
     , m_plan(std::move(plan))
 {
     nameParts(u"takeInAlert"_s, u"cancelTakeIn"_s, u"confirmTakeIn"_s);
