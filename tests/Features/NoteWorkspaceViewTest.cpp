@@ -50,6 +50,7 @@ private Q_SLOTS:
     void showsTheFileThatAFailureIsAbout();
     void namesAFileOnceOnly();
     void loadsTheNotesAnew();
+    void returnsTheKeyboardToTheTextOnceLoadedAnew();
     void offersToLoadNotesThatCouldNotBeRead();
     void takesInCopiesWhenThatIsConfirmed();
     void takesInNothingWhereThereIsNothing();
@@ -448,6 +449,25 @@ void NoteWorkspaceViewTest::loadsTheNotesAnew()
 
     QVERIFY(!workspace.has("errorBanner"));
     QCOMPARE(workspace.editor()->noteText(), u"ours\n\ntheirs"_s);
+}
+
+void NoteWorkspaceViewTest::returnsTheKeyboardToTheTextOnceLoadedAnew()
+{
+    Workspace workspace(1);
+    QVERIFY(Views::show(workspace.panel));
+    workspace.store.setDraft(u"ours"_s);
+    NoteSnapshot theirs = workspace.store.snapshot();
+    theirs.captureDraft = u"theirs"_s;
+    workspace.repository->changeOutside(theirs);
+    QVERIFY(!workspace.store.flush());
+    auto *const reload = Views::find(*workspace.view, "reload");
+    reload->setFocus(Qt::TabFocusReason);
+    QVERIFY(reload->hasFocus());
+
+    QTest::keyClick(reload, Qt::Key_Space);
+
+    QVERIFY(!workspace.has("reload"));
+    QVERIFY(workspace.editor()->hasFocus());
 }
 
 void NoteWorkspaceViewTest::offersToLoadNotesThatCouldNotBeRead()

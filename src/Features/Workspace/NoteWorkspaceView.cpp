@@ -238,23 +238,22 @@ void NoteWorkspaceView::askToTakeIn()
 
 void NoteWorkspaceView::takeIn(const TakeInPlan &plan)
 {
-    if (!m_store.takeIn(plan))
-        return;
-    showReloaded();
-    // The button that asked is gone with the banner.
-    m_screen->setFocus(Qt::OtherFocusReason);
+    if (m_store.takeIn(plan))
+        showReloaded();
 }
 
 void NoteWorkspaceView::showReloaded()
 {
-    if (!m_selectedNote)
-        return;
-    const QList<Note> &notes = m_store.snapshot().notes;
-    const auto note = std::ranges::find(notes, m_selectedNote->id, &Note::id);
-    if (note == notes.end())
-        closeNote();
-    else
-        open(*note);
+    if (m_selectedNote) {
+        const QList<Note> &notes = m_store.snapshot().notes;
+        const auto note = std::ranges::find(notes, m_selectedNote->id, &Note::id);
+        if (note == notes.end())
+            closeNote();
+        else
+            open(*note);
+    }
+    // The button that asked is gone with the banner.
+    m_screen->setFocus(Qt::OtherFocusReason);
 }
 
 void NoteWorkspaceView::showFile()
