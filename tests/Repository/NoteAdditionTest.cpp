@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "NoteAddition.h"
 
+#include "CallWatcher.h"
 #include "DataFolder.h"
 #include "FolderLock.h"
 #include "LocalNoteRepository.h"
-#include "MemoryDisk.h"
 #include "NoteFolder.h"
 #include "Notes.h"
 #include "OtherProgram.h"
@@ -24,33 +24,6 @@ namespace {
 using Fate = DiskWatcher::Fate;
 
 constexpr auto dataFolder = "/data/Penwick";
-
-/// Is told of every call before it happens, and decides what comes of it.
-class Watcher final : public DiskWatcher {
-public:
-    using Decision = std::function<Fate(MemoryDisk &, const DiskCall &)>;
-
-    Watcher(MemoryDisk &disk, Decision decision)
-        : m_disk(disk)
-        , m_decision(std::move(decision))
-    {
-        disk.setCallCount(0);
-        disk.setWatcher(this);
-    }
-    Watcher(const Watcher &) = delete;
-    Watcher &operator=(const Watcher &) = delete;
-    ~Watcher() { m_disk.setWatcher(nullptr); }
-
-    Fate before(MemoryDisk &disk, const DiskCall &call) noexcept override
-    {
-        return m_decision(disk, call);
-    }
-    void after(MemoryDisk & /*disk*/, const DiskCall & /*call*/) noexcept override {}
-
-private:
-    MemoryDisk &m_disk;
-    const Decision m_decision;
-};
 
 const Note added = numberedNote(3, u"three"_s);
 
@@ -171,7 +144,7 @@ void NoteAdditionTest::looksAtNoOtherNoteOfMany()
     bool isSeen = false;
     bool isListed = false;
     const auto notesFolder = disk.statusAt("/data/Penwick/Markdown/Notes")->identity.inode;
-    Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+    CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
         isSeen |= other == call.name;
         isListed |= call.kind == DiskCall::Kind::list && call.inode == notesFolder;
         return Fate{};
@@ -199,7 +172,7 @@ void NoteAdditionTest::isOldOrNewWhenKilledAtAnyCall()
     MemoryDisk disk = diskWithNotes();
     std::vector<MemoryDisk::Image> images;
     {
-        Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &) {
+        CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &) {
             images.push_back(disk.image());
             return Fate{};
         });
@@ -225,7 +198,7 @@ void NoteAdditionTest::isOldOrNewAfterAPowerCutAtAnyCall()
     Dice dice(1);
     std::vector<MemoryDisk::Image> images;
     {
-        Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &) {
+        CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &) {
             for (int i = 0; i < 20; ++i)
                 images.push_back(disk.afterPowerCut(dice));
             return Fate{};
@@ -298,7 +271,7 @@ void NoteAdditionTest::isOldOrNewWhenAnyCallFails()
         std::optional<std::filesystem::path> path;
         std::optional<Reason> reason;
         {
-            Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+            CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
                 const bool isBad = call.number == bad || (isForGood && call.number > bad);
                 isHit |= isBad;
                 if (!isBad || (kind == Fate::Kind::answerIsLost && !isAnswerAlone(call)))
@@ -366,7 +339,7 @@ void NoteAdditionTest::refusesAFolderThatIsMovedMeanwhile()
 {
     MemoryDisk disk = diskWithNotes();
     bool isMoved = false;
-    Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+    CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
         if (call.kind == DiskCall::Kind::rename && !isMoved) {
             isMoved = true;
             const MemoryDisk::Unwatched other(disk);

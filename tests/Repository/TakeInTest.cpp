@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "TakeIn.h"
 
+#include "CallWatcher.h"
 #include "DataFolder.h"
 #include "FileNames.h"
 #include "LocalNoteRepository.h"
-#include "MemoryDisk.h"
 #include "Notes.h"
 #include "OtherProgram.h"
 #include "RecoveryName.h"
@@ -143,32 +143,6 @@ std::multimap<std::string, std::string> originalsOn(const MemoryDisk &disk)
     }
     return originals;
 }
-
-class Watcher final : public DiskWatcher {
-public:
-    using Decision = std::function<Fate(MemoryDisk &, const DiskCall &)>;
-
-    Watcher(MemoryDisk &disk, Decision decision)
-        : m_disk(disk)
-        , m_decision(std::move(decision))
-    {
-        disk.setCallCount(0);
-        disk.setWatcher(this);
-    }
-    Watcher(const Watcher &) = delete;
-    Watcher &operator=(const Watcher &) = delete;
-    ~Watcher() { m_disk.setWatcher(nullptr); }
-
-    Fate before(MemoryDisk &disk, const DiskCall &call) noexcept override
-    {
-        return m_decision(disk, call);
-    }
-    void after(MemoryDisk & /*disk*/, const DiskCall & /*call*/) noexcept override {}
-
-private:
-    MemoryDisk &m_disk;
-    const Decision m_decision;
-};
 
 /// One of everything.
 std::map<std::string, std::string> everything()
@@ -533,7 +507,7 @@ void TakeInTest::endsTheSameAfterAStopAtAnyCall()
     MemoryDisk disk = diskWith(files);
     std::vector<MemoryDisk::Image> images;
     {
-        Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+        CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
             if (call.mayChangeDisk())
                 images.push_back(disk.image());
             return Fate{};
@@ -562,7 +536,7 @@ void TakeInTest::endsTheSameAfterAPowerCutAtAnyCall()
     Dice dice(1);
     std::vector<MemoryDisk::Image> images;
     {
-        Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+        CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
             for (int i = 0; call.mayChangeDisk() && i < 5; ++i)
                 images.push_back(disk.afterPowerCut(dice));
             return Fate{};
@@ -610,7 +584,7 @@ void TakeInTest::losesNothingWhenAnyCallFails()
         MemoryDisk disk(start);
         bool isHit = false;
         {
-            Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+            CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
                 const bool isBad = call.number == bad || (isForGood && call.number > bad);
                 isHit |= isBad;
                 const bool isAnswerAlone = call.kind == DiskCall::Kind::rename ||
@@ -639,7 +613,7 @@ void TakeInTest::copiesToAnotherDisk()
     const auto files = everything();
     MemoryDisk disk = diskWith(files);
     {
-        Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+        CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
             const bool isAway = call.kind == DiskCall::Kind::rename &&
                                 !std::string_view(call.name).starts_with(FileNames::stagePrefix);
             return isAway ? Fate{Fate::Kind::fails, EXDEV} : Fate{};
@@ -658,7 +632,7 @@ void TakeInTest::endsTheSameAfterAStopOnTheWayToAnotherDisk()
     MemoryDisk disk = diskWith(files);
     std::vector<MemoryDisk::Image> images;
     {
-        Watcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
+        CallWatcher watcher(disk, [&](MemoryDisk &, const DiskCall &call) {
             if (call.mayChangeDisk())
                 images.push_back(disk.image());
             const bool isAway = call.kind == DiskCall::Kind::rename &&
