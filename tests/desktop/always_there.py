@@ -2,7 +2,7 @@
 """Whatever happens to its windows, the bubble or the editor is on the screen."""
 
 from harness import DesktopTest, main, until
-from harness.waiting import holds_for
+from harness.waiting import holds_for, until_it_stays
 
 
 class AlwaysThereTest(DesktopTest):
@@ -90,8 +90,8 @@ class AlwaysThere(AlwaysThereTest):
         self.windows.show_desktop(True)
 
         # Some leave windows that are in no taskbar where they are.
-        until(lambda: self.is_one_of_them_seen(quillmark), "the bubble or the editor is seen")
-        holds_for(1.5, lambda: self.is_one_of_them_seen(quillmark), "and stays so")
+        until_it_stays(1.5, lambda: self.is_one_of_them_seen(quillmark),
+                       "the bubble or the editor is seen")
 
     def test_an_editor_under_a_full_screen_window_comes_above_it_or_folds(self):
         quillmark, editor = self.open_with_text()
@@ -101,8 +101,9 @@ class AlwaysThere(AlwaysThereTest):
 
         whole = (0, 0, self.desktop.width, self.desktop.height)
         until(lambda: self.windows.find(self.other.id).rectangle() == whole, "it fills the screen")
-        until(lambda: self.is_one_of_them_seen(quillmark), "the bubble or the editor is above it")
-        holds_for(1.5, lambda: self.is_one_of_them_seen(quillmark), "and stays so")
+        # The window manager may still be about to put it above the editor.
+        until_it_stays(1.5, lambda: self.is_one_of_them_seen(quillmark),
+                       "the bubble or the editor is above it")
 
     def test_folding_by_itself_activates_nobody(self):
         self.need_activation()
@@ -227,8 +228,7 @@ class NothingCanBeSaved(AlwaysThereTest):
         def is_seen():
             top = self.windows.top_at(question.centre())
             return self.windows.contains(top, question)
-        until(is_seen, "the question is on top")
-        holds_for(0.5, is_seen, "it stays on top")
+        until_it_stays(0.5, is_seen, "the question is on top")
         self.mouse.click(quillmark.element(name="Quit anyway").centre())
         self.assertEqual(quillmark.wait_until_ended(), 0)
 

@@ -4,7 +4,7 @@
 import unittest
 
 from harness import DesktopTest, input_method, main, until
-from harness.waiting import holds_for
+from harness.waiting import holds_for, until_it_stays
 
 
 class WithInputMethod(DesktopTest):
@@ -85,8 +85,7 @@ class InputMethod(WithInputMethod):
     def cancel(self):
         """Drops what is composed, and goes on once that has left the screen, too."""
         self.keyboard.press("Escape")
-        until(lambda: self.ibus.composed() == "", "the letters are dropped")
-        holds_for(0.3, lambda: self.ibus.composed() == "", "nothing is composed")
+        until_it_stays(0.3, lambda: self.ibus.composed() == "", "the letters are dropped")
 
     def test_a_composed_word_becomes_a_note(self):
         self.keyboard.type("xiangdao ")

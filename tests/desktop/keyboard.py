@@ -2,7 +2,7 @@
 """Who has the keyboard after the editor has folded."""
 
 from harness import DesktopTest, main, until
-from harness.waiting import holds_for
+from harness.waiting import holds_for, until_it_stays
 
 
 class Keyboard(DesktopTest):
@@ -16,8 +16,7 @@ class Keyboard(DesktopTest):
         and an editor that has just come up is still being placed."""
         def is_active():
             return self.windows.active() == window.id and self.windows.has_input(window.id)
-        until(is_active, "the user goes there")
-        holds_for(0.3, is_active, "the user works there")
+        until_it_stays(0.3, is_active, "the user works there")
 
     def fold(self):
         self.keyboard.press("Escape")

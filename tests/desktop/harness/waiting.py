@@ -26,3 +26,18 @@ def holds_for(seconds, condition, what):
         if not condition():
             raise AssertionError(f"did not stay so for {seconds:g} s: {what}")
         time.sleep(INTERVAL)
+
+
+def until_it_stays(seconds, condition, what):
+    """Waits until the condition has held for so long; for what others, too, take part in, who may
+    act later than the first moment at which it holds."""
+    since = None
+
+    def has_stayed():
+        nonlocal since
+        if not condition():
+            since = None
+            return False
+        since = since or time.monotonic()
+        return time.monotonic() - since >= seconds
+    until(has_stayed, f"{what}, for {seconds:g} s", DEADLINE + seconds)
