@@ -880,6 +880,10 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>The files themselves are kept in “%@”.</translation>
     </message>
     <message>
+        <source>A synchronising program left copies of notes here. They are not among your notes yet.</source>
+        <translation>A synchronising program left copies of notes here. They are not among your notes yet.</translation>
+    </message>
+    <message>
         <source>Take in copies…</source>
         <translation>Take in copies…</translation>
     </message>

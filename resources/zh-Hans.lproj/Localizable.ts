@@ -880,6 +880,10 @@ Adds to Quillmark’s notes, finds and copies them, beside its window or without
         <translation>原文件收存在“%@”中。</translation>
     </message>
     <message>
+        <source>A synchronising program left copies of notes here. They are not among your notes yet.</source>
+        <translation>同步程序在这里留下了笔记的副本，它们还不在你的笔记之中。</translation>
+    </message>
+    <message>
         <source>Take in copies…</source>
         <translation>收入副本…</translation>
     </message>

@@ -109,6 +109,15 @@ std::optional<ConflictName> conflictNameOf(std::string_view name)
     return found;
 }
 
+bool isCopyOfNote(std::string_view name)
+{
+    const std::optional<ConflictName> conflict = conflictNameOf(name);
+    if (!conflict)
+        return false;
+    const FileNames::Owner owner = FileNames::parse(conflict->original);
+    return owner.isCapture || owner.note;
+}
+
 Neighbour neighbourOf(std::string_view name, FileKind kind)
 {
     const QString text = charactersOf(name);

@@ -49,3 +49,6 @@ struct ConflictName {
 ///     .path1 and .path2, or, with --suffix-keep-extension, NAME.conflict1.EXT
 ///     (rclone.org/bisync, "--conflict-loser"). Both files are renamed, and none keeps its name.
 [[nodiscard]] std::optional<ConflictName> conflictNameOf(std::string_view name);
+
+/// Whether a file is by its name a conflict copy of a note or a draft.
+[[nodiscard]] bool isCopyOfNote(std::string_view name);

@@ -22,13 +22,15 @@ Directory openHere(const Directory &parent, const char *name)
 }
 
 /// By ascending name.
-DirectoryListing markdownFiles(const Directory &section)
+DirectoryListing markdownFiles(const Directory &section, NoteFolder::Visitor &visitor)
 {
     DirectoryListing listing = section.orThrow(section.list());
     listing.keepIf([&](const DirectoryListing::Entry &entry) {
         const char *name = listing.name(entry);
-        if (!FileNames::isMarkdown(name))
+        if (!FileNames::isMarkdown(name)) {
+            visitor.passOver(name, entry.kind);
             return false;
+        }
         if (entry.kind != FileKind::file)
             throw section.error(NoteFolder::refusal(name, entry.kind), name);
         return true;
@@ -148,24 +150,23 @@ void NoteFolder::sync() const
     }
 }
 
-void NoteFolder::visit(const Visitor &visitor,
-                       const std::function<void(std::size_t fileCount)> &expect) const
+void NoteFolder::visit(Visitor &visitor) const
 {
     std::string bytes;
     std::size_t total = 0;
     const auto read = [&](Section section, const char *name) {
         const Directory &folder = directory(section);
         const FileStatus status = folder.orThrow(folder.readFile(name, largestFile, bytes), name);
-        visitor({section, name, status, bytes});
+        visitor.see({section, name, status, bytes});
     };
     read(Section::marker, FileNames::marker);
     for (const Section section : {Section::notes, Section::drafts}) {
         if (!has(section))
             continue;
-        const DirectoryListing files = markdownFiles(directory(section));
+        const DirectoryListing files = markdownFiles(directory(section), visitor);
         if (files.entries().size() > mostFiles(section))
             throw directory(section).error(Failure::because(Reason::tooManyNotes));
-        expect(files.entries().size());
+        visitor.expect(files.entries().size());
         for (const DirectoryListing::Entry &file : files.entries()) {
             read(section, files.name(file));
             total += bytes.size();

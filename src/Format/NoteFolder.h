@@ -4,7 +4,6 @@
 #include "Directory.h"
 #include "FileNames.h"
 
-#include <functional>
 #include <optional>
 
 /// The Markdown folder on the disk, held open with its sections.
@@ -47,17 +46,28 @@ public:
         FileStatus status;
         std::string_view bytes;
     };
-    using Visitor = std::function<void(const File &file)>;
+
+    /// Is told what a visit finds.
+    class Visitor {
+    public:
+        /// In advance, how many Markdown files a section has.
+        virtual void expect(std::size_t fileCount) = 0;
+
+        /// An entry of a section that has not the name of a Markdown file.
+        virtual void passOver(const char *name, FileKind kind) = 0;
+        virtual void see(const File &file) = 0;
+
+    protected:
+        ~Visitor() = default;
+    };
 
     /// Why an entry is refused that has the name of a Markdown file and is no regular one.
     [[nodiscard]] static Failure refusal(const char *name, FileKind kind) noexcept;
 
     /// Reads the marker, then each Markdown file of "Notes", then of "Drafts", by ascending name:
     /// each once, and each in whole before the next. Throws a FileError that names the first file
-    /// that is not a regular one or cannot be read, or the folder that holds more than it may. Told
-    /// in advance is the number of each section's files.
-    void visit(const Visitor &visitor,
-               const std::function<void(std::size_t fileCount)> &expect) const;
+    /// that is not a regular one or cannot be read, or the folder that holds more than it may.
+    void visit(Visitor &visitor) const;
 
     /// False when another folder has taken its place in the data folder since it was opened.
     [[nodiscard]] bool isIn(const Directory &data) const;

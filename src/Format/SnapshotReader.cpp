@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SnapshotReader.h"
 
+#include "Neighbour.h"
 #include "NoteId.h"
 #include "NoteMarkdownCodec.h"
 #include "RepositoryError.h"
@@ -22,29 +23,38 @@ void SnapshotReader::read(const NoteFolder &folder)
     m_folder = &folder;
     const Directory &markdown = folder.directory();
     Disk &disk = markdown.disk();
-    const bool hasReliableTimes = disk.hasReliableTimes(markdown.handle());
-    const std::int64_t begin = disk.now();
-    const auto expect = [this](std::size_t fileCount) {
-        m_files.reserve(m_files.size() + fileCount);
-        m_ids.reserve(m_ids.size() + fileCount);
-    };
-    const auto see = [&](const NoteFolder::File &found) {
-        const std::optional<QStringView> text = m_decoder.decode(found.bytes);
-        if (!text)
-            throw folder.directory(found.section)
-                .error(Failure::because(Reason::notUtf8), found.name);
-        // Longer than an identifier, and so no name of a note or a draft.
-        if (!NoteFileName::fits(found.name))
-            refuse(found);
-        NoteFile &file = m_files.emplace_back();
-        file.place = {found.section, NoteFileName(found.name)};
-        file.size = found.bytes.size();
-        if (hasReliableTimes)
-            file.stamp = FileStamp(found.status, begin);
-        readFile(file, found, *text);
-    };
-    folder.visit(see, expect);
+    m_hasReliableTimes = disk.hasReliableTimes(markdown.handle());
+    m_begin = disk.now();
+    folder.visit(*this);
     collectNotes();
+}
+
+void SnapshotReader::expect(std::size_t fileCount)
+{
+    m_files.reserve(m_files.size() + fileCount);
+    m_ids.reserve(m_ids.size() + fileCount);
+}
+
+void SnapshotReader::passOver(const char *name, FileKind kind)
+{
+    m_hasCopies = m_hasCopies || (kind == FileKind::file && isCopyOfNote(name));
+}
+
+void SnapshotReader::see(const NoteFolder::File &found)
+{
+    const std::optional<QStringView> text = m_decoder.decode(found.bytes);
+    if (!text)
+        throw m_folder->directory(found.section)
+            .error(Failure::because(Reason::notUtf8), found.name);
+    // Longer than an identifier, and so no name of a note or a draft.
+    if (!NoteFileName::fits(found.name))
+        refuse(found);
+    NoteFile &file = m_files.emplace_back();
+    file.place = {found.section, NoteFileName(found.name)};
+    file.size = found.bytes.size();
+    if (m_hasReliableTimes)
+        file.stamp = FileStamp(found.status, m_begin);
+    readFile(file, found, *text);
 }
 
 void SnapshotReader::readFile(NoteFile &file, const NoteFolder::File &found, QStringView text)

@@ -32,6 +32,9 @@ public:
     /// The whole stored state anew, with what is typed and not stored put into it as merged() says.
     [[nodiscard]] virtual NoteSnapshot reload(const NoteSnapshot &typed) { return typed; }
 
+    /// Whether the last load() or reload() passed over copies of notes that takeIn() would take in.
+    [[nodiscard]] virtual bool hasCopies() const { return false; }
+
     /// Replaces the whole stored state. On return it is safe on the disk.
     virtual void save(const NoteSnapshot &snapshot) = 0;
 

@@ -7,15 +7,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-bool FolderSurvey::isCopy(std::string_view name)
-{
-    const std::optional<ConflictName> conflict = conflictNameOf(name);
-    if (!conflict)
-        return false;
-    const FileNames::Owner owner = FileNames::parse(conflict->original);
-    return owner.isCapture || owner.note;
-}
-
 FolderSurvey::FolderSurvey(const NoteFolder &folder)
     : m_folder(folder)
 {
@@ -34,7 +25,7 @@ void FolderSurvey::look(Section section)
         const char *name = listing.name(entry);
         if (FileNames::isMarkdown(name))
             lookAt(section, name, entry.kind);
-        else if (entry.kind == FileKind::file && isCopy(name))
+        else if (entry.kind == FileKind::file && isCopyOfNote(name))
             m_strays.push_back(
                 {section, name, entry.kind, std::nullopt, std::nullopt, std::nullopt});
     }

@@ -32,9 +32,6 @@ public:
         std::optional<QUuid> orphanOf;
     };
 
-    /// Whether a file is by its name a conflict copy of a note or a draft.
-    [[nodiscard]] static bool isCopy(std::string_view name);
-
     /// Reads every file. Throws a FileError for a folder that cannot be listed and for more text
     /// than the notes may have.
     explicit FolderSurvey(const NoteFolder &folder);

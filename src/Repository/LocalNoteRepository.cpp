@@ -206,11 +206,13 @@ void LocalNoteRepository::loadNotes()
 {
     const std::optional<Directory> data = openToRead();
     m_isOnDisk = false;
+    m_hasCopies = false;
     m_unread.reset();
     if (const auto folder = data ? NoteFolder::openIfExists(*data) : std::nullopt) {
         SnapshotReader reader = readWhole(*folder, *data);
         m_saved = reader.takeSnapshot();
         m_known.emplace(reader.takeFiles());
+        m_hasCopies = reader.hasCopies();
     } else {
         const auto legacy = data ? readLegacySnapshot(*data) : std::nullopt;
         if (legacy)

@@ -54,6 +54,7 @@ public:
     [[nodiscard]] bool isChangedOutside() override;
     [[nodiscard]] NoteSnapshot reload(const NoteSnapshot &typed) override;
     void save(const NoteSnapshot &snapshot) override;
+    [[nodiscard]] bool hasCopies() const override { return m_hasCopies; }
 
     /// The originals go to a dated folder in the first of the journal folders.
     [[nodiscard]] TakeInPlan planTakeIn() override;
@@ -101,6 +102,7 @@ private:
     /// As it was last loaded or saved; its texts are shared with what is known of the files.
     NoteSnapshot m_saved;
     TypingJournal m_typed;
+    bool m_hasCopies = false;
 
     /// False as long as only memory may know of the folder that was loaded.
     bool m_isOnDisk = false;

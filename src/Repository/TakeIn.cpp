@@ -251,7 +251,7 @@ void TakeIn::collectFolder(const Directory &folder, Section section, std::size_t
     listing.sort();
     for (const DirectoryListing::Entry &entry : listing.entries()) {
         const char *name = listing.name(entry);
-        const bool isText = FileNames::isMarkdown(name) || FolderSurvey::isCopy(name);
+        const bool isText = FileNames::isMarkdown(name) || isCopyOfNote(name);
         if (entry.kind != FileKind::file || !isText)
             continue;
         std::optional<Text> text = readText(folder, name, section);

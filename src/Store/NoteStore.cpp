@@ -122,6 +122,7 @@ bool NoteStore::load()
         return false;
     }
     setSnapshot(loaded);
+    setHasCopies(m_repository->hasCopies());
     setFailure(std::nullopt, std::nullopt, std::nullopt);
     m_captureId = m_repository->captureId().value_or(m_captureId);
     if (const std::optional<Message> leftAlone = m_repository->leftAlone()) {
@@ -137,8 +138,10 @@ void NoteStore::takeInChanges()
 {
     if (m_failure || m_hasPendingChanges)
         return;
-    bool isChanged = false;
-    const auto failure = failureOf([&] { isChanged = m_repository->isChangedOutside(); });
+    // The copies are none of the files whose changes are heard of.
+    bool isChanged = m_hasCopies;
+    const auto failure =
+        failureOf([&] { isChanged = isChanged || m_repository->isChangedOutside(); });
     if (failure || isChanged)
         reload();
 }
@@ -157,6 +160,7 @@ bool NoteStore::reload()
         return false;
     }
     setSnapshot(loaded);
+    setHasCopies(m_repository->hasCopies());
     setFailure(std::nullopt, std::nullopt, std::nullopt);
     if (m_hasPendingChanges)
         scheduleSave();
@@ -165,7 +169,7 @@ bool NoteStore::reload()
 
 bool NoteStore::canTakeIn() const noexcept
 {
-    if (m_repositoryError == RepositoryError::recoveryRequired() ||
+    if (m_hasCopies || m_repositoryError == RepositoryError::recoveryRequired() ||
         m_repositoryError == RepositoryError::invalidMarkdown())
         return true;
     return m_failure && (m_isReadOnly || m_hasFailedToReload) && m_isFolderRefused;
@@ -481,4 +485,12 @@ void NoteStore::setHasPendingChanges(bool pending)
         return;
     m_hasPendingChanges = pending;
     Q_EMIT hasPendingChangesChanged();
+}
+
+void NoteStore::setHasCopies(bool hasCopies)
+{
+    if (m_hasCopies == hasCopies)
+        return;
+    m_hasCopies = hasCopies;
+    Q_EMIT hasCopiesChanged();
 }

@@ -80,7 +80,11 @@ public:
         return m_failure && (m_isReadOnly || m_repositoryError || m_hasFailedToReload);
     }
 
-    /// The failure may be one that takeIn() ends: files beside the notes keep them from being used.
+    /// Copies of notes lie beside them, which no failure tells of.
+    [[nodiscard]] bool hasCopies() const noexcept { return m_hasCopies; }
+
+    /// There are copies, or the failure may be one that takeIn() ends: files beside the notes keep
+    /// them from being used.
     [[nodiscard]] bool canTakeIn() const noexcept;
 
     /// A draft waits for its write.
@@ -160,6 +164,7 @@ Q_SIGNALS:
     void repositoryErrorChanged();
     void errorPlaceChanged();
     void hasPendingChangesChanged();
+    void hasCopiesChanged();
 
 private:
     bool load();
@@ -175,6 +180,7 @@ private:
                     std::optional<std::filesystem::path> place);
     void setErrorContext(const QString &context);
     void setHasPendingChanges(bool pending);
+    void setHasCopies(bool hasCopies);
 
     std::unique_ptr<NoteRepository> m_repository;
     Clock m_clock;
@@ -185,6 +191,7 @@ private:
     std::optional<std::filesystem::path> m_errorPlace;
     bool m_isReadOnly = false;
     bool m_hasFailedToReload = false;
+    bool m_hasCopies = false;
 
     /// The last load failed for what lies in the folder.
     bool m_isFolderRefused = false;

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void returnsTheKeyboardToTheTextOnceLoadedAnew();
     void offersToLoadNotesThatCouldNotBeRead();
     void takesInCopiesWhenThatIsConfirmed();
+    void tellsOfCopiesThatKeepNothingFromBeingRead();
     void takesInNothingWhereThereIsNothing();
     void offersToTakeInOnlyWhereTheFolderIsRefused();
     void leavesANoteThatAnotherProgramRemoved();
@@ -511,6 +512,25 @@ void NoteWorkspaceViewTest::takesInCopiesWhenThatIsConfirmed()
 
     QCOMPARE(workspace.store.snapshot().notes.size(), 2);
     QVERIFY(!workspace.has("errorBanner"));
+}
+
+void NoteWorkspaceViewTest::tellsOfCopiesThatKeepNothingFromBeingRead()
+{
+    Workspace workspace(1);
+    QVERIFY(Views::show(workspace.panel));
+    workspace.repository->putBeside({.steps = {{}}, .originals = "/state", .noteCount = 0},
+                                    workspace.store.snapshot());
+
+    QVERIFY(workspace.store.reload());
+
+    QVERIFY(workspace.has("errorBanner"));
+    QVERIFY(workspace.text("errorMessage").contains(u"copies of notes"));
+    QVERIFY(!workspace.has("retry"));
+    QVERIFY(!workspace.has("reload"));
+    workspace.click("takeIn");
+    Views::click(*workspace.view->window(), "confirmTakeIn");
+    QVERIFY(!workspace.has("errorBanner"));
+    QVERIFY(workspace.editor()->hasFocus());
 }
 
 void NoteWorkspaceViewTest::takesInNothingWhereThereIsNothing()

@@ -211,6 +211,8 @@ private Q_SLOTS:
     void endsTheSameAfterAStopOnTheWayToAnotherDisk();
     void leavesWhatChangedMeanwhile();
     void asksTheRepositoryForWhatWasShown();
+    void tellsOfCopiesThatALoadPassesOver_data();
+    void tellsOfCopiesThatALoadPassesOver();
     void closesTheFolderOfOriginals();
 };
 
@@ -688,6 +690,36 @@ void TakeInTest::asksTheRepositoryForWhatWasShown()
 
     QCOMPARE(target.parent_path(), std::filesystem::path(stateFolder));
     QCOMPARE(repository.load().notes.size(), 4);
+}
+
+void TakeInTest::tellsOfCopiesThatALoadPassesOver_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<bool>("isCopy");
+
+    const QByteArray note = QByteArray::fromStdString("Notes/" + nameOf(7));
+    QTest::newRow("a note") << note + ".md..path1" << true;
+    QTest::newRow("a draft") << QByteArray("Drafts/capture.md.conflict2") << true;
+    QTest::newRow("of no note") << QByteArray("Notes/picture.png..path1") << false;
+    QTest::newRow("no copy") << note + ".png" << false;
+    QTest::newRow("beside the sections") << QByteArray("capture.md..path1") << false;
+}
+
+void TakeInTest::tellsOfCopiesThatALoadPassesOver()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(bool, isCopy);
+    MemoryDisk disk =
+        diskWith({{pathOf("Markdown/" + file.toStdString()), bytesOf(versionOf(7, u"seven"_s))}});
+    LocalNoteRepository notes = repositoryOn(disk);
+    QVERIFY(!notes.hasCopies());
+
+    QCOMPARE(notes.load(), oldNotes());
+
+    QCOMPARE(notes.hasCopies(), isCopy);
+    static_cast<void>(notes.takeIn(notes.planTakeIn()));
+    static_cast<void>(notes.reload(oldNotes()));
+    QVERIFY(!notes.hasCopies());
 }
 
 void TakeInTest::closesTheFolderOfOriginals()

@@ -43,6 +43,8 @@ private Q_SLOTS:
     void offersNoReloadForADiskThatFails();
     void takesInCopiesAndKeepsWhatIsTyped();
     void changesNothingWhenCopiesCannotBeTakenIn();
+    void tellsOfCopiesThatKeepNothingFromBeingRead();
+    void hearsThatCopiesAreGone();
 
 private:
     FailingRepository *m_repository = nullptr;
@@ -263,6 +265,36 @@ void OutsideChangeTest::changesNothingWhenCopiesCannotBeTakenIn()
 
     QVERIFY(m_store->errorMessage()->contains(u"/state"));
     QCOMPARE(m_store->snapshot(), withDraft(u"old"_s));
+}
+
+void OutsideChangeTest::tellsOfCopiesThatKeepNothingFromBeingRead()
+{
+    const QSignalSpy told(&*m_store, &NoteStore::hasCopiesChanged);
+    m_repository->putBeside({.steps = {{}}, .originals = {}, .noteCount = 1}, withDraft(u"both"_s));
+    m_repository->changeOutside(withDraft(u"theirs"_s));
+    QVERIFY(!m_store->canTakeIn());
+
+    m_store->takeInChanges();
+
+    QVERIFY(!m_store->failure());
+    QVERIFY(m_store->canTakeIn());
+    QCOMPARE(told.size(), 1);
+    QVERIFY(m_store->takeIn(*m_store->planTakeIn()));
+    QVERIFY(!m_store->canTakeIn());
+    QCOMPARE(told.size(), 2);
+    QCOMPARE(m_store->draft(), u"both"_s);
+}
+
+void OutsideChangeTest::hearsThatCopiesAreGone()
+{
+    m_repository->putBeside({.steps = {{}}, .originals = {}, .noteCount = 1}, {});
+    QVERIFY(m_store->reload());
+    QVERIFY(m_store->hasCopies());
+    m_repository->putBeside({}, {});
+
+    m_store->takeInChanges();
+
+    QVERIFY(!m_store->hasCopies());
 }
 
 QTEST_GUILESS_MAIN(OutsideChangeTest)

@@ -39,12 +39,15 @@ public:
     /// It goes on: it stores another draft after each of the next so many calls of reload().
     void changeOutsideAgain(int times) { m_changesToCome = times; }
 
-    /// What lies beside the notes; taking it in brings these notes and ends every failure to read.
+    /// What lies beside the notes and keeps them from nothing by itself; taking it in brings these
+    /// notes and ends every failure to read.
     void putBeside(TakeInPlan plan, NoteSnapshot then)
     {
         m_beside = std::move(plan);
         m_takenIn = std::move(then);
     }
+
+    [[nodiscard]] bool hasCopies() const override { return !m_beside.steps.empty(); }
 
     [[nodiscard]] TakeInPlan planTakeIn() override
     {

@@ -46,6 +46,23 @@ class TakingIn(DesktopTest):
         self.keyboard.type("at last")
         until(lambda: self.data.draft() == "at last", "it is saved")
 
+    def test_copies_that_are_no_notes_by_their_names_are_told_of(self):
+        quillmark = self.start()
+        quillmark.launcher()
+        for side, text in (("1", b", here"), ("2", b", there")):
+            copy = self.note.with_name(f"{self.note.name}..path{side}")
+            copy.write_bytes(self.note.read_bytes() + text)
+        self.note.unlink()
+        self.ask(quillmark)
+        self.assertTrue(any("rclone" in text for text in quillmark.texts()), quillmark.texts())
+
+        self.mouse.click(quillmark.element(name="Take in").centre())
+
+        quillmark.element(name="2 notes")
+        self.assertFalse(quillmark.has_element(name="Take in copies…"))
+        self.assertEqual(sorted(path.read_bytes().rsplit(b", ")[-1] for path in
+                                self.data.notes.glob("*.md")), [b"here", b"there"])
+
     def test_cancel_changes_nothing(self):
         self.conflict_copy()
         before = self.data.state()

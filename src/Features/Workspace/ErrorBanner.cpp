@@ -73,6 +73,11 @@ void ErrorBanner::setRetryEnabled(bool enabled)
     m_retry->setEnabled(enabled);
 }
 
+void ErrorBanner::setRetryVisible(bool visible)
+{
+    m_retry->setVisible(visible);
+}
+
 void ErrorBanner::setShowText(const QString &text)
 {
     m_show->setText(text);

@@ -21,6 +21,7 @@ public:
     void setMessage(const QString &message);
     void setRetryText(const QString &text);
     void setRetryEnabled(bool enabled);
+    void setRetryVisible(bool visible);
     void setShowText(const QString &text);
     void setShowVisible(bool visible);
     void setReloadText(const QString &text);

@@ -87,6 +87,7 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     connect(&m_store, &NoteStore::snapshotChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorPlaceChanged, this, &NoteWorkspaceView::render);
+    connect(&m_store, &NoteStore::hasCopiesChanged, this, &NoteWorkspaceView::render);
     connect(&m_store, &NoteStore::errorContextChanged, this, &NoteWorkspaceView::render);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteWorkspaceView::render);
     for (const WorkspaceTab tab : allWorkspaceTabs) {
@@ -304,6 +305,9 @@ void NoteWorkspaceView::showScreen(const std::optional<Note> &returningFrom)
 QString NoteWorkspaceView::failureText() const
 {
     const auto &failure = m_store.failure();
+    if (!failure && m_store.hasCopies())
+        return m_preferences.text(
+            u"A synchronising program left copies of notes here. They are not among your notes yet."_s);
     if (!failure)
         return {};
     QString text = m_preferences.text(*failure);
@@ -333,6 +337,7 @@ void NoteWorkspaceView::render()
         m_screen->setFocus(Qt::OtherFocusReason);
     m_banner->setMessage(failure);
     m_banner->setRetryText(m_preferences.text(u"Retry"_s));
+    m_banner->setRetryVisible(m_store.failure().has_value());
     m_banner->setRetryEnabled(!m_store.isReadOnly());
     m_banner->setShowText(m_preferences.text(u"Show file"_s));
     m_banner->setShowVisible(m_store.errorPlace().has_value());
