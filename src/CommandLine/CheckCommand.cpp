@@ -67,7 +67,9 @@ std::vector<Finding> refusals(const FolderCheck &check, const StoredNotes &notes
     const std::optional<Complaint> complaint = notes.read(snapshot);
     if (!complaint)
         return {};
-    std::vector<Finding> findings = check.refused();
+    std::vector<Finding> findings;
+    // Of more than can be looked through the complaint tells as well as anything.
+    static_cast<void>(attempt([&] { findings = check.refused(); }));
     if (!findings.empty() || complaint->status == ExitStatus::recoveryCopy)
         return findings;
     return {{Finding::Kind::refused, complaint->place.value_or(notes.dataFolder()),

@@ -76,6 +76,17 @@ class DamagedFolders(CommandLineTest):
 
         self.assert_refused(f"Markdown/Drafts/{name}", "draft of a note that is not there")
 
+    def test_more_text_than_can_be_held(self):
+        for number in range(2, 7):
+            os.truncate(self.data.add_note("much", number), 60 << 20)
+
+        done = self.run_it("check")
+
+        self.assertEqual((done.returncode, done.stderr), (WRONG, b""))
+        word, path, sentence = done.stdout.decode().strip().split("\t")
+        self.assertEqual((word, path), ("refused", str(self.data.markdown)))
+        self.assertIn("256 MiB", sentence)
+
     def test_another_format(self):
         (self.data.markdown / ".format").write_text("Quillmark Markdown 2\n")
 
