@@ -1,2 +1,2 @@
 # SPDX-License-Identifier: MIT
-complete -W '--show-editor --show-notes --ui-testing --language=zh-Hans --appearance=dark --version --help' quillmark
+complete -W '--show-editor --show-notes --autostart --ui-testing --language=zh-Hans --appearance=dark --version --help' quillmark

@@ -11,7 +11,7 @@ namespace {
 /// The toolkit has taken its own out before.
 const QStringList knownArguments{u"--show-editor"_s,      u"--started-by-bus"_s,  u"--ui-testing"_s,
                                  u"--language=zh-Hans"_s, u"--appearance=dark"_s, u"-session"_s,
-                                 u"--show-notes"_s};
+                                 u"--show-notes"_s,       u"--autostart"_s};
 
 } // namespace
 
@@ -21,6 +21,7 @@ LaunchOptions LaunchOptions::from(const QStringList &arguments,
     LaunchOptions options;
     options.showsEditor = arguments.contains("--show-editor"_L1);
     options.showsNotes = arguments.contains("--show-notes"_L1);
+    options.isAutostart = arguments.contains("--autostart"_L1);
     options.isStartedByBus = arguments.contains("--started-by-bus"_L1);
     for (const QString &argument : arguments.mid(1)) {
         if (!knownArguments.contains(argument))

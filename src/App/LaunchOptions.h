@@ -34,6 +34,10 @@ struct LaunchOptions {
     /// "--show-notes": the same, with the list of notes.
     bool showsNotes = false;
 
+    /// "--autostart": the session started the program by itself, so that one which runs already is
+    /// left as it is.
+    bool isAutostart = false;
+
     /// "--started-by-bus": the session bus started the program for a call, so that to be activated
     /// by that call is this start and not a second one.
     bool isStartedByBus = false;

@@ -78,11 +78,12 @@ int PenwickApp::run()
                      qUtf8Printable(options.unknown.join(u' ')));
     // Interface tests and hosts of other code run beside the user's own program.
     if (options.mode == LaunchOptions::Mode::normal) {
-        // Who restores a session beside what starts by itself wants nothing opened.
+        // A session that is restored and what starts with it, in either order, open nothing.
+        const bool isOfSession = m_application->isSessionRestored() || options.isAutostart;
         const SingleInstance::Claim claim =
-            m_instance.claim(m_application->isSessionRestored() ? SingleInstance::Wish::none
-                             : options.showsNotes               ? SingleInstance::Wish::showNotes
-                                                                : SingleInstance::Wish::open);
+            m_instance.claim(isOfSession          ? SingleInstance::Wish::none
+                             : options.showsNotes ? SingleInstance::Wish::showNotes
+                                                  : SingleInstance::Wish::open);
         if (claim == SingleInstance::Claim::passedOn)
             return EXIT_SUCCESS;
         if (const QString why = whyRefused(claim); !why.isEmpty()) {

@@ -23,6 +23,7 @@ constexpr auto help =
     "\n"
     "  --show-editor        opens the editor at once\n"
     "  --show-notes         opens the editor with the list of notes\n"
+    "  --autostart          leaves one that runs already as it is; for the start of a session\n"
     "  --ui-testing         keeps notes in memory and nothing else, in English and light\n"
     "  --language=zh-Hans   with --ui-testing: in Chinese\n"
     "  --appearance=dark    with --ui-testing: dark\n"

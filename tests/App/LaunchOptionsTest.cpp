@@ -19,6 +19,7 @@ private Q_SLOTS:
     void passesOverTheOverridesOtherwise();
     void opensTheEditorInEveryMode();
     void opensTheListOfNotesInEveryMode();
+    void isToldThatTheSessionStartsIt();
     void comparesWholeArgumentsOnly();
     void knowsThatTheBusStartedIt();
     void namesWhatItDoesNotKnow();
@@ -116,6 +117,13 @@ void LaunchOptionsTest::opensTheListOfNotesInEveryMode()
     QVERIFY(!from({u"--show-notes"_s}).showsEditor);
     QVERIFY(from({u"--ui-testing"_s, u"--show-notes"_s}).showsNotes);
     QVERIFY(!from({u"--show-notes=now"_s}).showsNotes);
+}
+
+void LaunchOptionsTest::isToldThatTheSessionStartsIt()
+{
+    QVERIFY(from({u"--autostart"_s}).isAutostart);
+    QVERIFY(from({u"--autostart"_s}).unknown.isEmpty());
+    QVERIFY(!from({}).isAutostart);
 }
 
 void LaunchOptionsTest::comparesWholeArgumentsOnly()

@@ -210,6 +210,15 @@ class Starting(DesktopTest):
         self.assertEqual(second.wait_until_ended(), 0)
         holds_for(0.5, first.shows_launcher, "the bubble stays")
 
+    def test_a_start_with_the_session_opens_nothing(self):
+        first = self.start("-session", "10_1_1")
+        first.launcher()
+
+        second = self.start("--autostart")
+
+        self.assertEqual(second.wait_until_ended(), 0)
+        holds_for(0.5, first.shows_launcher, "the bubble stays")
+
     def test_a_start_on_another_display_says_so(self):
         first = self.start()
         first.launcher()
