@@ -62,6 +62,8 @@ class ClipboardOwner:
                 event = self._display.next_event()
                 if event.type == X.SelectionRequest:
                     self._answer(event)
+                elif event.type == X.ClientMessage:
+                    self._hear(event)
                 elif (event.type == X.PropertyNotify and event.state == X.PropertyDelete
                         and self._manner not in ("after a part", "slow")):
                     self._send_part(event.window, event.atom)
@@ -69,6 +71,9 @@ class ClipboardOwner:
                 for window, place in list(self._parts):
                     self._send_part(window, place)
             self._display.flush()
+
+    def _hear(self, message):
+        """Another program's message to the owner's window."""
 
     def _answer(self, request):
         self._asked.set()
