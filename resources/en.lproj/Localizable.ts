@@ -281,6 +281,10 @@ with a quick note.</translation>
         <translation>What was typed could not be saved, and is kept in “%@” for the next start.</translation>
     </message>
     <message>
+        <source>Not kept: the other program did not hand over what was dropped.</source>
+        <translation>Not kept: the other program did not hand over what was dropped.</translation>
+    </message>
+    <message>
         <source>Not kept: what was dropped is no UTF-8 text.</source>
         <translation>Not kept: what was dropped is no UTF-8 text.</translation>
     </message>

@@ -281,6 +281,10 @@ with a quick note.</source>
         <translation>输入的内容未能保存，已保留在“%@”中，供下次启动时恢复。</translation>
     </message>
     <message>
+        <source>Not kept: the other program did not hand over what was dropped.</source>
+        <translation>未保存：另一个程序没有交出拖放的内容。</translation>
+    </message>
+    <message>
         <source>Not kept: what was dropped is no UTF-8 text.</source>
         <translation>未保留：拖入的内容不是 UTF-8 文本。</translation>
     </message>

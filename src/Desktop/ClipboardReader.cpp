@@ -7,14 +7,12 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QSocketNotifier>
-#include <QStringDecoder>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-using Kind = SelectionTransfer::Kind;
 using Question = SelectionTransfer::Question;
 
 /// As long as it takes a program that is not held up. Shorter than what feels like a hitch.
@@ -32,38 +30,6 @@ bool isAtHand(QClipboard::Mode mode)
 bool isText(const QMimeData &data)
 {
     return data.hasText() || data.hasHtml();
-}
-
-/// Browsers send UTF-16, with or without a mark.
-QString decodedHtml(const QByteArray &bytes)
-{
-    auto encoding = QStringConverter::encodingForData(bytes);
-    if (!encoding && bytes.size() > 1 && bytes[0] != '\0' && bytes[1] == '\0')
-        encoding = QStringConverter::Utf16LE;
-    return QStringDecoder(encoding.value_or(QStringConverter::Utf8)).decode(bytes);
-}
-
-std::unique_ptr<QMimeData> decoded(Kind kind, const QByteArray &bytes)
-{
-    auto data = std::make_unique<QMimeData>();
-    switch (kind) {
-    case Kind::utf8:
-    case Kind::utf8ByName:
-    case Kind::plain:
-        data->setText(QString::fromUtf8(bytes));
-        break;
-    case Kind::latin1:
-    case Kind::ownersChoice:
-        data->setText(QString::fromLatin1(bytes));
-        break;
-    case Kind::addresses:
-        data->setData(u"text/uri-list"_s, bytes);
-        break;
-    case Kind::html:
-        data->setHtml(decodedHtml(bytes));
-        break;
-    }
-    return data;
 }
 
 } // namespace
@@ -153,6 +119,6 @@ void ClipboardReader::deliver()
 {
     const auto transfer = std::move(m_transfer);
     cancel();
-    if (transfer->hasText())
-        Q_EMIT arrived(*decoded(transfer->kinds().constFirst(), transfer->text()));
+    if (const auto data = transfer->data())
+        Q_EMIT arrived(*data);
 }

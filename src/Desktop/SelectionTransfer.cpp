@@ -3,10 +3,14 @@
 
 #include "XcbReply.h"
 
+#include <QMimeData>
+#include <QStringDecoder>
 #include <algorithm>
 #include <iterator>
 #include <poll.h>
 #include <string_view>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -34,11 +38,13 @@ constexpr std::string_view names[] = {
 
     "TARGETS",        "INCR",
     "QUILLMARK_TEXT", "CLIPBOARD",
+    "XdndSelection",
 };
 constexpr qsizetype targets = 7;
 constexpr qsizetype inParts = 8;
 constexpr qsizetype place = 9;
 constexpr qsizetype clipboard = 10;
+constexpr qsizetype drag = 11;
 
 QList<xcb_atom_t> internAtoms(xcb_connection_t *connection)
 {
@@ -67,9 +73,70 @@ QByteArray bytes(const xcb_get_property_reply_t &property)
             xcb_get_property_value_length(&property)};
 }
 
+/// Browsers send UTF-16, with or without a mark.
+QString decodedHtml(const QByteArray &bytes)
+{
+    auto encoding = QStringConverter::encodingForData(bytes);
+    if (!encoding && bytes.size() > 1 && bytes[0] != '\0' && bytes[1] == '\0')
+        encoding = QStringConverter::Utf16LE;
+    return QStringDecoder(encoding.value_or(QStringConverter::Utf8)).decode(bytes);
+}
+
+std::unique_ptr<QMimeData> decoded(SelectionTransfer::Kind kind, const QByteArray &bytes)
+{
+    auto data = std::make_unique<QMimeData>();
+    using Kind = SelectionTransfer::Kind;
+    switch (kind) {
+    case Kind::utf8:
+    case Kind::utf8ByName:
+        data->setData(u"text/plain;charset=utf-8"_s, bytes);
+        data->setText(QString::fromUtf8(bytes));
+        break;
+    case Kind::plain:
+        data->setText(QString::fromUtf8(bytes));
+        break;
+    case Kind::latin1:
+    case Kind::ownersChoice:
+        data->setText(QString::fromLatin1(bytes));
+        break;
+    case Kind::addresses:
+        data->setData(u"text/uri-list"_s, bytes);
+        break;
+    case Kind::html:
+        data->setHtml(decodedHtml(bytes));
+        break;
+    }
+    return data;
+}
+
 } // namespace
 
 SelectionTransfer::SelectionTransfer(QClipboard::Mode selection, Question question)
+    : SelectionTransfer(question)
+{
+    if (m_isOver)
+        return;
+    m_selection =
+        selection == QClipboard::Selection ? xcb_atom_t(XCB_ATOM_PRIMARY) : atom(clipboard);
+    if (hasOwner())
+        askFor(atom(targets));
+    else
+        m_hasKinds = true; // None.
+}
+
+SelectionTransfer::SelectionTransfer(const QList<Kind> &dropped)
+    : SelectionTransfer(Question::text)
+{
+    m_kinds = dropped;
+    m_hasKinds = true;
+    if (m_isOver)
+        return;
+    m_selection = atom(drag);
+    if (hasOwner())
+        askForText();
+}
+
+SelectionTransfer::SelectionTransfer(Question question)
     : m_question(question)
     , m_connection(xcb_connect(nullptr, nullptr))
     , m_deadline(patience)
@@ -79,22 +146,20 @@ SelectionTransfer::SelectionTransfer(QClipboard::Mode selection, Question questi
         return;
     }
     m_atoms = internAtoms(m_connection);
-    m_selection =
-        selection == QClipboard::Selection ? xcb_atom_t(XCB_ATOM_PRIMARY) : atom(clipboard);
-    const auto owner = owned(xcb_get_selection_owner_reply(
-        m_connection, xcb_get_selection_owner(m_connection, m_selection), nullptr));
-    if (!owner || owner->owner == XCB_WINDOW_NONE) {
-        m_isOver = true;
-        m_hasKinds = true; // None.
-        return;
-    }
     m_window = xcb_generate_id(m_connection);
     const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window,
                       xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root, 0, 0, 1, 1,
                       0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
                       &events);
-    askFor(atom(targets));
+}
+
+bool SelectionTransfer::hasOwner()
+{
+    const auto owner = owned(xcb_get_selection_owner_reply(
+        m_connection, xcb_get_selection_owner(m_connection, m_selection), nullptr));
+    m_isOver = !owner || owner->owner == XCB_WINDOW_NONE;
+    return !m_isOver;
 }
 
 SelectionTransfer::~SelectionTransfer()
@@ -127,6 +192,11 @@ void SelectionTransfer::wait(int longest)
         ::poll(&arrival, 1,
                static_cast<int>(std::min<qint64>(end.remainingTime(), remainingTime())));
     }
+}
+
+std::unique_ptr<QMimeData> SelectionTransfer::data() const
+{
+    return m_hasText ? decoded(m_kinds.constFirst(), m_text) : nullptr;
 }
 
 xcb_atom_t SelectionTransfer::atomOf(Kind kind) const

@@ -5,7 +5,10 @@
 #include <QClipboard>
 #include <QDeadlineTimer>
 #include <QList>
+#include <memory>
 #include <xcb/xcb.h>
+
+class QMimeData;
 
 /// A question to the owner of a selection, and its answer: ICCCM 2.0, "Peer-to-Peer Communication
 /// by Means of Selections". Internal to Desktop.
@@ -23,6 +26,10 @@ public:
     enum class Kind { utf8, utf8ByName, latin1, ownersChoice, plain, addresses, html };
 
     SelectionTransfer(QClipboard::Mode selection, Question question);
+
+    /// For what is dropped, which is offered as these kinds, perhaps, the best one first: the
+    /// selection "XdndSelection" (freedesktop.org/wiki/Specifications/XDND).
+    explicit SelectionTransfer(const QList<Kind> &dropped);
     SelectionTransfer(const SelectionTransfer &) = delete;
     SelectionTransfer &operator=(const SelectionTransfer &) = delete;
     ~SelectionTransfer();
@@ -45,14 +52,15 @@ public:
     /// The owner has told what it has.
     [[nodiscard]] bool hasKinds() const { return m_hasKinds; }
 
-    /// The kinds that it has, the best one first. Of a text that was sent, the first is its kind.
+    /// The kinds that it has, the best one first.
     [[nodiscard]] const QList<Kind> &kinds() const { return m_kinds; }
 
-    /// All of the text was sent.
-    [[nodiscard]] bool hasText() const { return m_hasText; }
-    [[nodiscard]] const QByteArray &text() const { return m_text; }
+    /// The text; null when not all of it was sent.
+    [[nodiscard]] std::unique_ptr<QMimeData> data() const;
 
 private:
+    explicit SelectionTransfer(Question question);
+    [[nodiscard]] bool hasOwner();
     [[nodiscard]] xcb_atom_t atom(qsizetype number) const { return m_atoms[number]; }
     [[nodiscard]] xcb_atom_t atomOf(Kind kind) const;
     void askFor(xcb_atom_t target);
@@ -68,6 +76,7 @@ private:
     QList<xcb_atom_t> m_atoms;
     xcb_atom_t m_selection = XCB_ATOM_NONE;
     xcb_window_t m_window = XCB_WINDOW_NONE;
+    /// Of a text that was sent, the first is its kind.
     QList<Kind> m_kinds;
     QByteArray m_text;
     bool m_hasKinds = false;

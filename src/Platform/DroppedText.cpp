@@ -68,9 +68,12 @@ bool DroppedText::isOffered(const QMimeData &data)
     return data.hasUrls() || data.hasFormat(exact) || data.hasText() || data.hasHtml();
 }
 
-DroppedText DroppedText::from(const QMimeData &data)
+DroppedText DroppedText::from(const QMimeData *data)
 {
-    return checked(textOf(data));
+    if (!data)
+        return {{},
+                Message{u"Not kept: the other program did not hand over what was dropped."_s, {}}};
+    return checked(textOf(*data));
 }
 
 DroppedText DroppedText::fromAddresses(const QStringList &addresses)

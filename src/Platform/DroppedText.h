@@ -18,6 +18,8 @@ struct DroppedText {
 
     /// Whether there may be something in it, before it is asked for.
     [[nodiscard]] static bool isOffered(const QMimeData &data);
-    [[nodiscard]] static DroppedText from(const QMimeData &data);
+
+    /// Null stands for what was never given.
+    [[nodiscard]] static DroppedText from(const QMimeData *data);
     [[nodiscard]] static DroppedText fromAddresses(const QStringList &addresses);
 };

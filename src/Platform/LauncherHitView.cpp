@@ -2,6 +2,7 @@
 #include "LauncherHitView.h"
 
 #include "AppPreferences.h"
+#include "DropReader.h"
 #include "PanelHints.h"
 #include "Screens.h"
 #include "ThemedMenu.h"
@@ -165,7 +166,7 @@ void LauncherHitView::dropEvent(QDropEvent *event)
 {
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    Q_EMIT dropped(DroppedText::from(*event->mimeData()));
+    Q_EMIT dropped(DroppedText::from(DropReader(*event).data()));
 }
 
 void LauncherHitView::openMenu(QPoint place)

@@ -72,6 +72,35 @@ class Drops(DesktopTest):
 
         self.assertEqual(self.bodies(), [])
 
+    def test_a_source_that_hands_nothing_over_is_told_of(self):
+        launcher = self.quillmark.launcher()
+        offers = {"text/uri-list": b"file:///x", "UTF8_STRING": b"x", "text/html": b"x"}
+        for manner in "silent", "after a part":
+            with self.subTest(manner=manner):
+                self.source(offers, manner=manner).drop(launcher, launcher.centre())
+
+                self.until_said("the other program did not hand over")
+        self.assertEqual(self.bodies(), [])
+
+    def test_a_source_that_hands_nothing_over_changes_no_text(self):
+        editor = self.quillmark.open_editor()
+        text = self.quillmark.element("text", "Note text")
+
+        self.assertFalse(self.source({"UTF8_STRING": b"x"}, manner="silent").drop(
+            editor, text.centre()))
+
+        self.keyboard.type("on")
+        until(lambda: text.text() == "on", "the text is written on")
+
+    def test_the_search_takes_a_text(self):
+        editor = self.quillmark.open_editor()
+        self.keyboard.press("ctrl+f")
+        search = self.quillmark.element("text", "Find a thought…")
+
+        self.assertTrue(self.source({"UTF8_STRING": b"milk"}).drop(editor, search.centre()))
+
+        until(lambda: search.text() == "milk", "it is searched for")
+
     def test_a_save_that_fails_is_told(self):
         (self.data.markdown / ".format").write_text("of another kind")
 

@@ -4,6 +4,7 @@
 #include "AccessibleRole.h"
 #include "AppPreferences.h"
 #include "ClipboardReader.h"
+#include "DropReader.h"
 #include "EditMenu.h"
 #include "EmojiFormats.h"
 #include "Metrics.h"
@@ -358,7 +359,7 @@ void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
 
 void NoteTextEditor::dropEvent(QDropEvent *event)
 {
-    QTextEdit::dropEvent(event);
+    DropReader::handOver(*event, [this](QDropEvent &read) { QTextEdit::dropEvent(&read); });
     // Whoever drops text here goes on writing here.
     setFocus(Qt::MouseFocusReason);
     PanelHints::activate(*window());

@@ -4,6 +4,7 @@
 #include "AppPreferences.h"
 #include "ClipboardReader.h"
 #include "Composition.h"
+#include "DropReader.h"
 #include "EditMenu.h"
 #include "Pasting.h"
 
@@ -60,6 +61,11 @@ void SearchField::mouseReleaseEvent(QMouseEvent *event)
     setCursorPosition(cursorPositionAt(event->position().toPoint()));
     pasteFrom(QClipboard::Selection);
     event->accept();
+}
+
+void SearchField::dropEvent(QDropEvent *event)
+{
+    DropReader::handOver(*event, [this](QDropEvent &read) { PlainTextField::dropEvent(&read); });
 }
 
 void SearchField::contextMenuEvent(QContextMenuEvent *event)

@@ -6,7 +6,7 @@ The messages are those of XDND 5 (freedesktop.org/wiki/Specifications/XDND).
 
 import queue
 
-from Xlib import X
+from Xlib import X, Xatom
 from Xlib.display import Display
 from Xlib.protocol.event import ClientMessage
 
@@ -25,6 +25,9 @@ class DragSource(ClipboardOwner):
         self._sender = Display(display_name)
         self._source = self._window.id
         self._types = [self._sender.intern_atom(name) for name in offers]
+        self._window.change_property(self._sender.intern_atom("XdndTypeList"), Xatom.ATOM, 32,
+                                     self._types)
+        self._display.flush()
 
     def close(self):
         super().close()
