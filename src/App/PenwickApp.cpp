@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PenwickApp.h"
 
+#include "AccessibilityBus.h"
 #include "AppPreferences.h"
 #include "DisplayErrors.h"
 #include "ProgramStyle.h"
@@ -26,7 +27,9 @@ std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
     QApplication::setStyle(new ProgramStyle);
 
     const DisplayErrors untilItStands;
-    return std::make_unique<QApplication>(argc, argv);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    doWithoutSilentAccessibility();
+    return application;
 }
 
 /// A text of the program; none where there is nothing to say.

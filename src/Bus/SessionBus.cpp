@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SessionBus.h"
 
-#include <QByteArray>
-#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QtEndian>
 #include <cerrno>
@@ -180,19 +178,20 @@ std::optional<QByteArray> socketPath(const QByteArray &address)
     return std::nullopt;
 }
 
-bool answers(const QByteArray &path, QDeadlineTimer deadline)
-{
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= qsizetype(sizeof address.sun_path))
-        return true;
-    std::copy(path.cbegin(), path.cend(), static_cast<char *>(address.sun_path));
-    // The length tells where a name that begins with 0 ends.
-    const auto size = socklen_t(offsetof(sockaddr_un, sun_path)) + socklen_t(path.size());
-    return Conversation(deadline).isAnswered(address, size);
-}
-
 } // namespace
+
+bool isBusAnswering(const QByteArray &address, QDeadlineTimer deadline)
+{
+    const std::optional<QByteArray> path = socketPath(address);
+    sockaddr_un place{};
+    place.sun_family = AF_UNIX;
+    if (!path || path->size() >= qsizetype(sizeof place.sun_path))
+        return true;
+    std::copy(path->cbegin(), path->cend(), static_cast<char *>(place.sun_path));
+    // The length tells where a name that begins with 0 ends.
+    const auto size = socklen_t(offsetof(sockaddr_un, sun_path)) + socklen_t(path->size());
+    return Conversation(deadline).isAnswered(place, size);
+}
 
 void doWithoutSilentSessionBus()
 {
@@ -209,8 +208,7 @@ void doWithoutSilentSessionBus()
     const QByteArrayList every = addresses.split(';');
     QByteArrayList answering = every;
     answering.removeIf([&](const QByteArray &address) {
-        const std::optional<QByteArray> path = socketPath(address);
-        return path && !answers(*path, QDeadlineTimer(longestWait / every.size()));
+        return !isBusAnswering(address, QDeadlineTimer(longestWait / every.size()));
     });
     if (answering.size() == every.size())
         return;

@@ -59,6 +59,21 @@ class SilentOthers(DesktopTest):
 
         self.expect_a_working_bubble(self.start())
 
+    def stop_on_accessibility_bus(self, name):
+        process = self.desktop.assistive.process_of(name)
+        os.kill(process, signal.SIGSTOP)
+        self.addCleanup(os.kill, process, signal.SIGCONT)
+
+    def test_a_registry_of_assistive_technology_that_is_stopped(self):
+        self.stop_on_accessibility_bus("org.a11y.atspi.Registry")
+
+        self.expect_a_working_bubble(self.start())
+
+    def test_a_bus_of_assistive_technology_that_is_stopped(self):
+        self.stop_on_accessibility_bus("org.freedesktop.DBus")
+
+        self.expect_a_working_bubble(self.start())
+
     def test_a_first_instance_that_is_stopped(self):
         first = self.start()
         first.launcher()
