@@ -86,6 +86,7 @@ inline constexpr int rowRadius = 15;
 inline constexpr double rowFill = 0.035;
 inline constexpr double rowHoverFill = 0.075;
 inline constexpr double rowArrowOpacity = 0.35;
+inline constexpr double matchRadius = 3;
 inline constexpr int scrollStep = 24;
 inline constexpr int emptyStateSpacing = 14;
 

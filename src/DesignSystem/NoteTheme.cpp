@@ -20,7 +20,10 @@ struct Colors {
     QColor window;
     QColor base;
     QColor raised;
+    QColor match;
 };
+
+constexpr QPalette::ColorRole matchRole = QPalette::Midlight; // Nothing else uses it.
 
 Colors colors(ColorScheme scheme)
 {
@@ -31,14 +34,16 @@ Colors colors(ColorScheme scheme)
                 .failure = QColor(255, 154, 140),
                 .window = QColor(38, 36, 34),
                 .base = QColor(28, 27, 25),
-                .raised = QColor(52, 50, 47)};
+                .raised = QColor(52, 50, 47),
+                .match = QColor(96, 56, 38)};
     return {.primary = QColor(30, 27, 25),
             .secondary = QColor(82, 76, 71),
             .tertiary = QColor(92, 85, 78),
             .failure = QColor(160, 26, 18),
             .window = QColor(238, 233, 226),
             .base = QColor(255, 253, 250),
-            .raised = QColor(226, 220, 212)};
+            .raised = QColor(226, 220, 212),
+            .match = QColor(240, 187, 143)};
 }
 
 /// The accent, dark enough for white text: selected text is to be read, as any other.
@@ -78,14 +83,16 @@ Colors highContrastColors(ColorScheme scheme)
                 .failure = QColor(255, 170, 158),
                 .window = QColor(0, 0, 0),
                 .base = QColor(0, 0, 0),
-                .raised = QColor(38, 36, 34)};
+                .raised = QColor(38, 36, 34),
+                .match = QColor(112, 47, 20)};
     return {.primary = QColor(0, 0, 0),
             .secondary = QColor(43, 39, 36),
             .tertiary = QColor(66, 61, 57),
             .failure = QColor(128, 10, 4),
             .window = QColor(255, 255, 255),
             .base = QColor(255, 255, 255),
-            .raised = QColor(233, 228, 221)};
+            .raised = QColor(233, 228, 221),
+            .match = QColor(255, 178, 120)};
 }
 
 /// The accent, what is written on it, and what is behind selected text.
@@ -179,6 +186,7 @@ QPalette NoteTheme::palette(ColorScheme scheme, Contrast contrast)
     palette.setColor(role(Tone::tertiary), c.tertiary);
     palette.setColor(role(Tone::accent), accent);
     palette.setColor(QPalette::Highlight, selection);
+    palette.setColor(matchRole, c.match);
     palette.setColor(role(Tone::failure), c.failure);
     palette.setColor(role(Tone::onAccent), onAccent);
     return palette;
@@ -227,6 +235,11 @@ QColor NoteTheme::color(const QPalette &palette, Tone tone, double opacity)
     QColor color = NoteTheme::color(palette, tone);
     color.setAlphaF(static_cast<float>(opacity));
     return color;
+}
+
+QColor NoteTheme::matchColor(const QPalette &palette)
+{
+    return palette.color(matchRole);
 }
 
 QFont NoteTheme::font(int pixelSize, QFont::Weight weight, const QLocale &locale)

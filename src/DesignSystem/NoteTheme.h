@@ -48,6 +48,10 @@ namespace NoteTheme {
 /// The tone at an opacity from 0 to 1, for fills and lines.
 [[nodiscard]] QColor color(const QPalette &palette, Tone tone, double opacity);
 
+/// What a search found is marked with this, below its text. Opaque, so that text in the primary and
+/// in the secondary tone keeps its contrast over it whatever is below.
+[[nodiscard]] QColor matchColor(const QPalette &palette);
+
 /// The system's interface font at a pixel size, see families().
 [[nodiscard]] QFont font(int pixelSize, QFont::Weight weight = QFont::Normal,
                          const QLocale &locale = {});

@@ -2,12 +2,17 @@
 #include "TextLine.h"
 
 #include "EmojiFormats.h"
+#include "Metrics.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPainter>
+#include <QPainterPath>
 #include <QStyle>
 #include <QTextLayout>
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -29,14 +34,46 @@ int height(const QFontMetricsF &metrics)
     return height;
 }
 
-/// In fonts of East Asia the middle dot is as wide as an ideograph and brings its own space along.
-QString withoutGaps(QString text, const QFontMetrics &metrics)
+bool hasWideDot(const QFontMetrics &metrics)
 {
-    const QChar dot(u'·');
-    if (text.contains(dot) && metrics.horizontalAdvance(dot) * 2 > metrics.height()) {
-        text.replace(u" · "_s, u"·"_s);
-        if (text.startsWith(u"· "_s))
-            text.remove(1, 1);
+    return metrics.horizontalAdvance(u'·') * 2 > metrics.height();
+}
+
+/// The spaces beside middle dots, as places in the text, from the last one on.
+QList<qsizetype> gaps(const QString &text)
+{
+    const auto isSpace = [&text](qsizetype at) {
+        return at >= 0 && at < text.size() && text[at] == u' ';
+    };
+    QList<qsizetype> gaps;
+    for (qsizetype dot = text.lastIndexOf(u'·'); dot >= 0;
+         dot = dot > 0 ? text.lastIndexOf(u'·', dot - 1) : -1) {
+        if (!isSpace(dot + 1) || (dot > 0 && !isSpace(dot - 1)))
+            continue;
+        for (const qsizetype at : {dot + 1, dot - 1}) {
+            if (at >= 0 && (gaps.isEmpty() || gaps.last() != at))
+                gaps.append(at);
+        }
+    }
+    return gaps;
+}
+
+/// In fonts of East Asia the middle dot is as wide as an ideograph and brings its own space along.
+/// Places in the text move along with it.
+QString withoutGaps(QString text, const QFontMetrics &metrics, QList<TextRange> *places = nullptr)
+{
+    if (!text.contains(u'·') || !hasWideDot(metrics))
+        return text;
+    for (const qsizetype gap : gaps(text)) {
+        text.remove(gap, 1);
+        if (!places)
+            continue;
+        for (TextRange &place : *places) {
+            if (gap < place.start)
+                --place.start;
+            else if (gap < place.end())
+                --place.length;
+        }
     }
     return text;
 }
@@ -68,6 +105,31 @@ public:
 
     void draw(QPainter &painter, QPointF at) const { m_layout.draw(&painter, at); }
 
+    /// Where parts of the text stand, from the origin on: in a line of two directions one part may
+    /// stand in several places. What lies side by side is one.
+    [[nodiscard]] QPainterPath shape(const QList<TextRange> &parts, double top, double height) const
+    {
+        QList<std::pair<double, double>> spans;
+        for (const TextRange &part : parts) {
+            for (const QGlyphRun &run :
+                 m_line.glyphRuns(static_cast<int>(part.start), static_cast<int>(part.length))) {
+                const QRectF rect = run.boundingRect();
+                spans.append({rect.left(), rect.right()});
+            }
+        }
+        std::ranges::sort(spans);
+        QPainterPath shape;
+        for (qsizetype i = 0; i < spans.size();) {
+            auto [left, right] = spans[i];
+            constexpr double touching = 0.5;
+            for (++i; i < spans.size() && spans[i].first <= right + touching; ++i)
+                right = std::max(right, spans[i].second);
+            shape.addRoundedRect({left, top, right - left, height}, Metrics::matchRadius,
+                                 Metrics::matchRadius);
+        }
+        return shape;
+    }
+
     /// A place not far before the given one at which no character is cut.
     [[nodiscard]] int characterBefore(int place) const
     {
@@ -80,18 +142,17 @@ private:
     double m_width = 0;
 };
 
-/// The longest beginning of the text that fits into the width with an ellipsis.
-QString elided(const QString &text, const QFont &font, QPaintDevice *device, double width)
+/// How much of the beginning of the text fits into the width: all of it, unless there is more than
+/// it, or as much as stands before an ellipsis.
+qsizetype fitting(const QString &text, bool isAll, const QFont &font, QPaintDevice *device,
+                  double width)
 {
-    // Nobody sees more of a line than this; a title may be as long as a book.
-    constexpr qsizetype longest = 1000;
-    const QString seen = text.size() > longest ? text.left(longest) : text;
-    const Line whole(seen, font, device);
-    if (seen.size() == text.size() && whole.width() <= width)
-        return text;
-    const auto cut = [&](int length) { return seen.left(length) + QChar(u'…'); };
+    const Line whole(text, font, device);
+    if (isAll && whole.width() <= width)
+        return text.size();
+    const auto cut = [&](int length) { return text.left(length) + QChar(u'…'); };
     int fits = 0;
-    int tooLong = static_cast<int>(seen.size());
+    int tooLong = static_cast<int>(text.size());
     while (fits < tooLong) {
         const int middle = whole.characterBefore((fits + tooLong + 1) / 2 + 1);
         if (middle <= fits)
@@ -101,11 +162,11 @@ QString elided(const QString &text, const QFont &font, QPaintDevice *device, dou
         else
             tooLong = middle - 1;
     }
-    return cut(fits);
+    return fits;
 }
 
 void paintLine(QPainter &painter, const QRectF &rect, const Line &line, bool isRightToLeft,
-               Qt::Alignment alignment)
+               Qt::Alignment alignment, const TextLine::Marks &marks = {})
 {
     const Qt::LayoutDirection direction =
         isRightToLeft ? Qt::RightToLeft : painter.layoutDirection();
@@ -116,6 +177,9 @@ void paintLine(QPainter &painter, const QRectF &rect, const Line &line, bool isR
         left += free;
     else if (visual & Qt::AlignHCenter)
         left += free / 2;
+    if (!marks.places.isEmpty())
+        painter.fillPath(line.shape(marks.places, rect.top(), rect.height()).translated(left, 0),
+                         marks.color);
     const QFontMetricsF metrics(painter.font(), painter.device());
     line.draw(painter, {left, baseLine(metrics, rect.center().y())});
 }
@@ -135,10 +199,18 @@ void TextLine::paint(QPainter &painter, const QRectF &rect, const QString &text,
               alignment);
 }
 
-void TextLine::paintElided(QPainter &painter, const QRectF &rect, const QString &text)
+void TextLine::paintElided(QPainter &painter, const QRectF &rect, const QString &text,
+                           const Marks &marks)
 {
-    const QString shown = elided(withoutGaps(text, painter.fontMetrics()), painter.font(),
-                                 painter.device(), rect.width());
+    // Nobody sees more of a line than this; a title may be as long as a book.
+    constexpr qsizetype longest = 1000;
+    Marks shownMarks = marks;
+    const QString seen = withoutGaps(text.left(longest), painter.fontMetrics(), &shownMarks.places);
+    const bool isAll = text.size() <= longest;
+    const qsizetype fits = fitting(seen, isAll, painter.font(), painter.device(), rect.width());
+    const QString shown = isAll && fits == seen.size() ? seen : seen.left(fits) + QChar(u'…');
+    for (TextRange &place : shownMarks.places)
+        place.length = std::clamp<qsizetype>(fits - place.start, 0, place.length);
     paintLine(painter, rect, Line(shown, painter.font(), painter.device()), shown.isRightToLeft(),
-              Qt::AlignLeading);
+              Qt::AlignLeading, shownMarks);
 }

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "TextRange.h"
+
+#include <QColor>
+#include <QList>
 #include <QRectF>
 #include <QSize>
 #include <QString>
@@ -22,7 +26,14 @@ namespace TextLine {
 void paint(QPainter &painter, const QRectF &rect, const QString &text,
            Qt::Alignment alignment = Qt::AlignLeading);
 
+/// Parts of a text, in whole characters, and the colour of what is painted below them.
+struct Marks {
+    QList<TextRange> places;
+    QColor color;
+};
+
 /// The same for a line that is cut, between characters, where the rectangle ends.
-void paintElided(QPainter &painter, const QRectF &rect, const QString &text);
+void paintElided(QPainter &painter, const QRectF &rect, const QString &text,
+                 const Marks &marks = {});
 
 } // namespace TextLine

@@ -33,7 +33,7 @@ QString Note::title() const
     return takeLine(rest).toString();
 }
 
-QString Note::excerpt() const
+QString Note::excerpt(QChar joint) const
 {
     QStringView rest(body);
     takeLine(rest);
@@ -41,7 +41,7 @@ QString Note::excerpt() const
     excerpt.reserve(rest.size());
     for (QStringView line = takeLine(rest); !line.isEmpty(); line = takeLine(rest)) {
         if (!excerpt.isEmpty())
-            excerpt += u' ';
+            excerpt += joint;
         excerpt += line;
     }
     return excerpt;

@@ -19,8 +19,9 @@ struct Note {
     /// Lines end at LF, VT, FF, CR, CR LF, NEL, U+2028 or U+2029.
     [[nodiscard]] QString title() const;
 
-    /// The non-empty lines after the title, joined with single spaces.
-    [[nodiscard]] QString excerpt() const;
+    /// The non-empty lines after the title, joined with single spaces, or with another character
+    /// where it counts that lines end there.
+    [[nodiscard]] QString excerpt(QChar joint = u' ') const;
 
     /// Whether excerpt() is not empty, without making it.
     [[nodiscard]] bool hasExcerpt() const noexcept;

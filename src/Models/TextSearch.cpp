@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "TextSearch.h"
 
+#include <QTextBoundaryFinder>
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -47,6 +48,9 @@ bool anyOf(const Block &block, const Question &isFoundAt)
     }
     return false;
 }
+
+/// What a match ends at when there is none.
+constexpr size_t nowhere = 0;
 
 enum class Kind { ascii, plain, odd };
 
@@ -145,6 +149,22 @@ public:
         return false;
     }
 
+    /// Behind the match that begins within the character at the position, or within letters that
+    /// are one with it.
+    [[nodiscard]] size_t endOfMatch(size_t position) const
+    {
+        if (!m_folding.mayBegin(m_text, position, m_spelling.weights.front()))
+            return nowhere;
+        std::u32string room;
+        size_t behind = position;
+        const Weights character = m_folding.next(m_text, behind, room);
+        if (const size_t end = endWithin(character, behind); end != nowhere)
+            return m_folding.isTakenByTheLetterBefore(m_text, position) ? nowhere : end;
+        behind = position;
+        const Weights letters = m_folding.joined(m_text, behind);
+        return endWithin(letters, behind);
+    }
+
 private:
     /// Where a match may begin: at a unit that is not plain, at a plain one that is the query's
     /// first before one that may be its second, and at any plain one before an odd one where that
@@ -171,49 +191,40 @@ private:
         return block;
     }
 
-    /// True when a match begins within the character at the position, or within letters that are
-    /// one with it.
-    [[nodiscard]] bool isFoundAt(size_t position) const
-    {
-        if (!m_folding.mayBegin(m_text, position, m_spelling.weights.front()))
-            return false;
-        std::u32string room;
-        size_t behind = position;
-        const Weights character = m_folding.next(m_text, behind, room);
-        if (isFoundWithin(character, behind))
-            return !m_folding.isTakenByTheLetterBefore(m_text, position);
-        behind = position;
-        const Weights letters = m_folding.joined(m_text, behind);
-        return isFoundWithin(letters, behind);
-    }
+    [[nodiscard]] bool isFoundAt(size_t position) const { return endOfMatch(position) != nowhere; }
 
-    [[nodiscard]] bool isFoundWithin(Weights character, size_t behind) const
+    [[nodiscard]] size_t endWithin(Weights character, size_t behind) const
     {
         const Weights query = m_spelling.weights;
         for (size_t i = 0; i < character.size(); ++i) {
-            if (character[i] == query.front() && continues(character.substr(i), behind, query))
-                return true;
+            if (character[i] != query.front())
+                continue;
+            if (const size_t end = endOf(character.substr(i), behind, query); end != nowhere)
+                return end;
         }
-        return false;
+        return nowhere;
     }
 
-    /// True when a part of the text and what stands from the position on begin with the query.
-    [[nodiscard]] bool continues(Weights part, size_t position, Weights query) const
+    /// Behind the match, where a part of the text and what stands from the position on begin with
+    /// the query.
+    [[nodiscard]] size_t endOf(Weights part, size_t position, Weights query) const
     {
         std::u32string room;
         for (;;) {
             const size_t common = std::min(part.size(), query.size());
             if (part.substr(0, common) != query.substr(0, common))
-                return false;
+                return nowhere;
             query.remove_prefix(common);
             if (query.empty())
-                return true;
+                return position;
             if (position >= m_text.size())
-                return false;
+                return nowhere;
             size_t behindJoined = position;
             const Weights joined = m_folding.joined(m_text, behindJoined);
-            if (behindJoined > position && continues(joined, behindJoined, query))
-                return true;
+            if (behindJoined > position) {
+                if (const size_t end = endOf(joined, behindJoined, query); end != nowhere)
+                    return end;
+            }
             part = m_folding.next(m_text, position, room);
         }
     }
@@ -283,4 +294,67 @@ bool TextSearch::isFoundIn(QStringView view) const
             return isPlain ? scan.findsAmongPlain<4>() : scan.finds<4>();
         }
     });
+}
+
+/// Where a query of weights is found.
+QList<TextRange> TextSearch::rawPlacesIn(QStringView view) const
+{
+    const Units text(view.utf16(), static_cast<size_t>(view.size()));
+    QList<TextRange> places;
+    for (size_t position = 0; position < text.size();) {
+        size_t end = nowhere;
+        for (const Spelling &spelling : m_spellings)
+            end = std::max(end, Scan(m_folding, spelling, text).endOfMatch(position));
+        if (end != nowhere)
+            places.append({qsizetype(position), qsizetype(end - position)});
+        position = std::max(end, position + 1);
+    }
+    return places;
+}
+
+/// Where a query without weight is found: character by character, since accents that are written
+/// apart are found in letters that bring them along.
+QList<TextRange> TextSearch::writtenPlacesIn(QStringView text) const
+{
+    QString written;
+    QList<TextRange>
+        characters; ///< Of each unit that is written, the character that it comes from.
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    for (qsizetype start = 0, end = 0; start < text.size(); start = end) {
+        end = finder.toNextBoundary();
+        written +=
+            text.sliced(start, end - start).toString().normalized(QString::NormalizationForm_D);
+        characters.resize(written.size(), {start, end - start});
+    }
+    QList<TextRange> places;
+    for (qsizetype at = written.indexOf(m_asWritten); at >= 0;
+         at = written.indexOf(m_asWritten, at + m_asWritten.size())) {
+        const TextRange first = characters[at];
+        const TextRange last = characters[at + m_asWritten.size() - 1];
+        places.append({first.start, last.end() - first.start});
+    }
+    return places;
+}
+
+QList<TextRange> TextSearch::placesIn(QStringView text) const
+{
+    if (m_spellings.empty() && m_asWritten.isEmpty())
+        return {};
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    QList<TextRange> whole;
+    for (TextRange place : m_spellings.empty() ? writtenPlacesIn(text) : rawPlacesIn(text)) {
+        qsizetype end = place.end();
+        finder.setPosition(place.start);
+        if (!finder.isAtBoundary())
+            place.start = finder.toPreviousBoundary();
+        finder.setPosition(end);
+        if (!finder.isAtBoundary())
+            end = finder.toNextBoundary();
+        // Two of one character are one.
+        if (!whole.isEmpty() && place.start < whole.last().end())
+            whole.last().length = std::max(end, whole.last().end()) - whole.last().start;
+        else
+            whole.append({place.start, end - place.start});
+    }
+    return whole;
 }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "TextFolding.h"
+#include "TextRange.h"
 
+#include <QList>
 #include <QLocale>
 #include <QString>
 #include <QStringView>
@@ -30,6 +32,11 @@ public:
     /// True as well for every text when the query is empty.
     [[nodiscard]] bool isFoundIn(QStringView text) const;
 
+    /// Where in the text it is found, from the beginning on and without overlaps; nowhere when the
+    /// query is empty. A place is made of whole characters as they are seen: with their accents, of
+    /// ligatures and joined emoji all. For texts of the length of a line, since it skips nothing.
+    [[nodiscard]] QList<TextRange> placesIn(QStringView text) const;
+
 private:
     /// All plain units of one weight, those of ASCII first; the last is repeated where there are
     /// less.
@@ -51,6 +58,8 @@ private:
     class Scan;
 
     [[nodiscard]] Spelling spelling(const std::u32string &weights) const;
+    [[nodiscard]] QList<TextRange> rawPlacesIn(QStringView text) const;
+    [[nodiscard]] QList<TextRange> writtenPlacesIn(QStringView text) const;
 
     const TextFolding &m_folding;
     std::vector<Spelling> m_spellings; ///< One by one and, where that differs, with letters joined.

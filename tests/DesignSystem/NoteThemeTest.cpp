@@ -23,6 +23,7 @@ private Q_SLOTS:
     void keepsTextReadableOverEveryWallpaper();
     void keepsTextReadableInAlertsAndMenus();
     void keepsSelectedTextReadable();
+    void keepsMarkedTextReadable();
     void makesEveryToneStandOutInHighContrast();
     void setsFontsInPixels();
     void drawsChineseAsTheUserReadsIt_data();
@@ -157,6 +158,27 @@ void NoteThemeTest::keepsSelectedTextReadable()
         // A disabled editor still shows text that someone wants to read.
         QVERIFY(Pixels::contrast(palette.color(QPalette::Disabled, QPalette::Text),
                                  GlassSurface::fill(scheme, true)) >= textContrast);
+    }
+}
+
+void NoteThemeTest::keepsMarkedTextReadable()
+{
+    for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {
+        for (const Contrast contrast : {Contrast::normal, Contrast::high}) {
+            const QPalette palette = NoteTheme::palette(scheme, contrast);
+            const QColor mark = NoteTheme::matchColor(palette);
+
+            QCOMPARE(mark.alpha(), 255);
+            const double least = contrast == Contrast::high ? highContrast : textContrast;
+            for (const Tone tone : {Tone::primary, Tone::secondary})
+                QVERIFY(Pixels::contrast(NoteTheme::color(palette, tone), mark) >= least);
+            // The mark itself is seen, too, on the row of an opaque panel.
+            constexpr double visible = 1.2;
+            const QColor row =
+                Pixels::over(NoteTheme::color(palette, Tone::primary, Metrics::rowHoverFill),
+                             palette.color(QPalette::Window));
+            QVERIFY(Pixels::contrast(mark, row) >= visible);
+        }
     }
 }
 

@@ -25,6 +25,8 @@ private Q_SLOTS:
     void cutsTheTextsOfALongNote();
     void showsTheNewTextsOfAnEditedNote();
     void isNotResetByTheSameNotes();
+    void tellsWhereTheSearchFoundARow_data();
+    void tellsWhereTheSearchFoundARow();
     void findsTheRowOfANoteOrTheOneThatTookItsPlace();
 };
 
@@ -127,6 +129,46 @@ void NoteListModelTest::showsTheNewTextsOfAnEditedNote()
     fixture.model.show({note});
 
     QCOMPARE(fixture.text(0, Qt::DisplayRole), u"eggs"_s);
+}
+
+void NoteListModelTest::tellsWhereTheSearchFoundARow_data()
+{
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<QStringList>("inTitle");
+    QTest::addColumn<QStringList>("inExcerpt");
+    const auto row = [](const char *name, const QString &body, const QString &query,
+                        const QStringList &inTitle, const QStringList &inExcerpt) {
+        QTest::newRow(name) << body << query << inTitle << inExcerpt;
+    };
+    row("both", u"Milk\nno milk, MILK"_s, u"milk"_s, {u"Milk"_s}, {u"milk"_s, u"MILK"_s});
+    row("spaces around the query", u"Milk\nbread"_s, u"  milk "_s, {u"Milk"_s}, {});
+    row("no search", u"Milk\nbread"_s, u"  "_s, {}, {});
+    row("nothing over the end of a line", u"t\na\nb a b"_s, u"a b"_s, {}, {u"a b"_s});
+    row("a tab is no space", u"a\tb a b"_s, u"a b"_s, {u"a b"_s}, {});
+    row("the words for no title", u"\n"_s, u"idea"_s, {}, {});
+}
+
+void NoteListModelTest::tellsWhereTheSearchFoundARow()
+{
+    QFETCH(const QString, body);
+    QFETCH(const QString, query);
+    QFETCH(const QStringList, inTitle);
+    QFETCH(const QStringList, inExcerpt);
+    Fixture fixture;
+
+    fixture.model.show({noteOf(body)}, query);
+
+    const auto found = [&fixture](int textRole, int matchesRole) {
+        const QString text = fixture.text(0, textRole);
+        QStringList places;
+        for (const TextRange place :
+             fixture.model.index(0).data(matchesRole).value<QList<TextRange>>())
+            places.append(text.sliced(place.start, place.length));
+        return places;
+    };
+    QCOMPARE(found(Qt::DisplayRole, NoteListModel::titleMatchesRole), inTitle);
+    QCOMPARE(found(NoteListModel::excerptRole, NoteListModel::excerptMatchesRole), inExcerpt);
 }
 
 void NoteListModelTest::isNotResetByTheSameNotes()

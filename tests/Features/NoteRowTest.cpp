@@ -22,6 +22,7 @@ private Q_SLOTS:
     void showsItsArrowInFullUnderThePointerAlone();
     void setsTitleExcerptAndDateOneBelowTheOther();
     void hasNoLineForAnEmptyExcerpt();
+    void marksWhatTheSearchFound();
 };
 
 namespace {
@@ -40,6 +41,12 @@ public:
         m_model.appendRow(item);
         m_option.palette = NoteTheme::palette(ColorScheme::light);
         m_option.rect = QRect(0, 0, width, height());
+    }
+
+    void setMatches(const QList<TextRange> &inTitle, const QList<TextRange> &inExcerpt)
+    {
+        m_model.item(0)->setData(QVariant::fromValue(inTitle), NoteListModel::titleMatchesRole);
+        m_model.item(0)->setData(QVariant::fromValue(inExcerpt), NoteListModel::excerptMatchesRole);
     }
 
     void setPointerIsOver(bool isOver) { m_option.state.setFlag(QStyle::State_MouseOver, isOver); }
@@ -185,6 +192,33 @@ void NoteRowTest::hasNoLineForAnEmptyExcerpt()
     QCOMPARE(without.height(), with.height() - line - 8);
     QCOMPARE(without.lines()[0], with.lines()[0]);
     QCOMPARE(without.height() - without.lines()[1].second, with.height() - with.lines()[2].second);
+}
+
+void NoteRowTest::marksWhatTheSearchFound()
+{
+    Row row(u"bread and butter"_s);
+    const QColor mark = NoteTheme::matchColor(row.palette());
+    const auto marked = [&row, &mark] {
+        const QImage image = row.draw().convertToFormat(QImage::Format_ARGB32);
+        QList<int> lines;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y) == mark && (lines.isEmpty() || lines.last() != y))
+                    lines.append(y);
+            }
+        }
+        return lines;
+    };
+    QCOMPARE(marked(), QList<int>());
+
+    row.setMatches({{0, 4}}, {});
+    const QList<int> title = marked();
+    row.setMatches({}, {{10, 6}});
+    const QList<int> excerpt = marked();
+
+    QVERIFY(!title.isEmpty() && !excerpt.isEmpty());
+    QVERIFY(title.first() >= 15 && title.last() < excerpt.first());
+    QVERIFY(excerpt.last() < row.height() - 8 - 15);
 }
 
 QTEST_MAIN(NoteRowTest)

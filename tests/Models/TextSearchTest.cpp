@@ -4,6 +4,7 @@
 
 #include <QRandomGenerator>
 #include <QTest>
+#include <QTextBoundaryFinder>
 #include <map>
 #include <memory>
 #include <unicode/coleitr.h>
@@ -552,6 +553,91 @@ private Q_SLOTS:
                      qUtf8Printable(u"\"%1\" in \"%2\""_s.arg(query, text)));
         }
         QVERIFY(found > cases / 4 && found < cases * 3 / 4);
+    }
+
+    void tellsWhereItFoundSomething_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("places");
+        const auto english = [](const char *name, const QString &query, const QString &text,
+                                const QStringList &places) {
+            QTest::newRow(name) << u"en"_s << query << text << places;
+        };
+        english("nothing for nothing", {}, u"milk"_s, {});
+        english("nowhere", u"bread"_s, u"milk"_s, {});
+        english("every place", u"to"_s, u"To do: tomato"_s, {u"To"_s, u"to"_s, u"to"_s});
+        english("without overlaps", u"aa"_s, u"aaaaa"_s, {u"aa"_s, u"aa"_s});
+        english("other case and accents", u"cafe"_s, u"un CAFÉ, cafe\u0301!"_s,
+                {u"CAFÉ"_s, u"cafe\u0301"_s});
+        english("full width", u"abc"_s, u"＝ＡＢＣ＝"_s, {u"ＡＢＣ"_s});
+        english("across what is not seen", u"coffee"_s, u"a cof\u00ADfee"_s, {u"cof\u00ADfee"_s});
+        english("longer than the query", u"ss"_s, u"Straße"_s, {u"ß"_s});
+        english("part of a ligature", u"ish"_s, u"ﬁsh"_s, {u"ﬁsh"_s});
+        english("Chinese", u"想到"_s, u"想到就记，想到"_s, {u"想到"_s, u"想到"_s});
+        english("Hebrew", u"חלב"_s, u"לקנות חָלָב."_s, {u"חָלָב"_s});
+        english("Thai letter with its vowel", u"ก"_s, u"นกิน"_s, {u"กิ"_s});
+        english("one of two letters of a flag", u"🇩"_s, u"a 🇩🇪!"_s, {u"🇩🇪"_s});
+        english("one of a family", u"👩"_s, u"x👨‍👩‍👧y"_s, {u"👨‍👩‍👧"_s});
+        english("without its skin", u"👍"_s, u"👍🏽👍"_s, {u"👍🏽"_s, u"👍"_s});
+        english("two of one character", u"👩"_s, u"👩‍👩‍👧"_s, {u"👩‍👩‍👧"_s});
+        english("lone accent", u"\u0301"_s, u"cafés ó"_s, {u"é"_s, u"ó"_s});
+        english("soft hyphen", u"\u00AD"_s, u"cof\u00ADfee"_s, {u"\u00AD"_s});
+        QTest::newRow("joined letters")
+            << u"da"_s << u"ålborg"_s << u"i Aalborg"_s << QStringList{u"Aalborg"_s};
+        QTest::newRow("the language's own letter")
+            << u"tr"_s << u"isik"_s << u"ISIK İsik"_s << QStringList{u"İsik"_s};
+    }
+    void tellsWhereItFoundSomething()
+    {
+        QFETCH(const QString, locale);
+        QFETCH(const QString, query);
+        QFETCH(const QString, text);
+        QFETCH(const QStringList, places);
+
+        QStringList found;
+        for (const TextRange place : TextSearch(query, QLocale(locale)).placesIn(text))
+            found.append(text.sliced(place.start, place.length));
+
+        QCOMPARE(found, places);
+    }
+
+    void tellsPlacesJustWhereItFindsSomething()
+    {
+        QRandomGenerator random(11);
+        int found = 0;
+        constexpr int cases = 20'000;
+        for (int i = 0; i < cases; ++i) {
+            const QString text = generatedText(random, 60);
+            const QString query = generatedText(random, 3);
+            if (query.isEmpty())
+                continue;
+            const QByteArray which = u"\"%1\" in \"%2\""_s.arg(query, text).toUtf8();
+            const TextSearch search(query, everyone);
+
+            const QList<TextRange> places = search.placesIn(text);
+
+            QVERIFY2(search.isFoundIn(text) == !places.isEmpty(), which.constData());
+            found += places.isEmpty() ? 0 : 1;
+            QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
+            qsizetype behindLast = 0;
+            for (const TextRange place : places) {
+                QVERIFY2(place.start >= behindLast && place.end() <= text.size(),
+                         which.constData());
+                for (const qsizetype border : {place.start, place.end()}) {
+                    characters.setPosition(border);
+                    QVERIFY2(characters.isAtBoundary(), which.constData());
+                }
+                QVERIFY2(search.isFoundIn(text.sliced(place.start, place.length)),
+                         which.constData());
+                QVERIFY2(!search.isFoundIn(text.sliced(behindLast, place.start - behindLast)),
+                         which.constData());
+                behindLast = place.end();
+            }
+            QVERIFY2(!search.isFoundIn(text.sliced(behindLast)), which.constData());
+        }
+        QVERIFY(found > cases / 8);
     }
 };
 

@@ -291,6 +291,10 @@ QList<Scene> scenes()
                                                                                : u"knee"_s);
          },
          {}},
+        {u"library-search-scripts"_s,
+         manyScripts,
+         [](Stage &stage) { stage.search(u"חלב"_s); },
+         {}},
         {u"library-no-match"_s, sevenNotes, [](Stage &stage) { stage.search(u"xyz"_s); }, {}},
         {u"edit"_s, sevenNotes, [](Stage &stage) { stage.openNote(2); }, {}},
         {u"edit-copied"_s,

@@ -18,13 +18,18 @@ constexpr qsizetype longestPreview = 300;
 
 constexpr qsizetype mostSpoken = 1000;
 
-/// One line of what a text starts with.
 QString startOf(const QString &text)
 {
     QString start = text.left(longestPreview);
     if (!start.isEmpty() && start.back().isHighSurrogate())
         start.chop(1);
-    return start.replace(u'\t', u' ');
+    return start;
+}
+
+/// The text in one line, each character at the same place.
+QString asLine(QString text)
+{
+    return text.replace(u'\t', u' ').replace(u'\n', u' ');
 }
 
 bool areTheSameNotes(const QList<Note> &some, const QList<Note> &others)
@@ -55,7 +60,7 @@ QVariant NoteListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole: {
         const QString &title = preview(note).title;
-        return title.isEmpty() ? m_preferences.text(u"Untitled idea"_s) : title;
+        return title.isEmpty() ? m_preferences.text(u"Untitled idea"_s) : asLine(title);
     }
     case Qt::AccessibleTextRole:
         return m_preferences.format(u"Open note: %@"_s, {beginning(note.title(), mostSpoken)});
@@ -64,11 +69,15 @@ QVariant NoteListModel::data(const QModelIndex &index, int role) const
         return excerpt.isEmpty() ? meta(note) : excerpt + u'\n' + meta(note);
     }
     case excerptRole:
-        return preview(note).excerpt;
+        return asLine(preview(note).excerpt);
     case hasExcerptRole:
         return note.hasExcerpt();
     case metaRole:
         return meta(note);
+    case titleMatchesRole:
+        return QVariant::fromValue(matches(preview(note).title));
+    case excerptMatchesRole:
+        return QVariant::fromValue(matches(preview(note).excerpt));
     default:
         return {};
     }
@@ -86,8 +95,11 @@ QModelIndex NoteListModel::indexOf(const QUuid &id) const
                                   : index(static_cast<int>(found - m_notes.begin()));
 }
 
-void NoteListModel::show(const QList<Note> &notes)
+void NoteListModel::show(const QList<Note> &notes, const QString &query)
 {
+    m_search.reset();
+    if (const QString sought = query.trimmed(); !sought.isEmpty())
+        m_search.emplace(sought);
     if (areTheSameNotes(m_notes, notes)) {
         m_notes = notes;
         if (!m_notes.isEmpty())
@@ -116,7 +128,7 @@ const NoteListModel::Preview &NoteListModel::preview(const Note &note) const
     const bool isCurrent =
         known.body.constData() == note.body.constData() && known.body.size() == note.body.size();
     if (!isCurrent)
-        known = {note.body, startOf(note.title()), startOf(note.excerpt())};
+        known = {note.body, startOf(note.title()), startOf(note.excerpt(u'\n'))};
     return known;
 }
 
@@ -127,4 +139,9 @@ QString NoteListModel::meta(const Note &note) const
     if (m_store.hasDraft(note))
         meta += u' ' + m_preferences.text(u"· Editing draft"_s);
     return meta;
+}
+
+QList<TextRange> NoteListModel::matches(const QString &text) const
+{
+    return m_search ? m_search->placesIn(text) : QList<TextRange>();
 }

@@ -30,11 +30,13 @@ QRect takeLine(QRect &rest, const TextStyle &style, const QLocale &locale)
 }
 
 void drawText(QPainter &painter, const QStyleOptionViewItem &option, const QRect &line,
-              const TextStyle &style, const QString &text)
+              const TextStyle &style, const QString &text, const QVariant &matches = {})
 {
     painter.setFont(style.font(option.locale));
     painter.setPen(NoteTheme::color(option.palette, style.tone));
-    TextLine::paintElided(painter, QStyle::visualRect(option.direction, option.rect, line), text);
+    TextLine::paintElided(
+        painter, QStyle::visualRect(option.direction, option.rect, line), text,
+        {matches.value<QList<TextRange>>(), NoteTheme::matchColor(option.palette)});
 }
 
 } // namespace
@@ -75,10 +77,12 @@ void NoteRow::paint(QPainter *painter, const QStyleOptionViewItem &option,
 
     QRect rest = row.marginsRemoved(Metrics::rowPadding);
     drawText(*painter, option, takeLine(rest, TextStyles::rowTitle, option.locale),
-             TextStyles::rowTitle, index.data(Qt::DisplayRole).toString());
+             TextStyles::rowTitle, index.data(Qt::DisplayRole).toString(),
+             index.data(NoteListModel::titleMatchesRole));
     if (index.data(NoteListModel::hasExcerptRole).toBool())
         drawText(*painter, option, takeLine(rest, TextStyles::rowExcerpt, option.locale),
-                 TextStyles::rowExcerpt, index.data(NoteListModel::excerptRole).toString());
+                 TextStyles::rowExcerpt, index.data(NoteListModel::excerptRole).toString(),
+                 index.data(NoteListModel::excerptMatchesRole));
 
     QRect meta = takeLine(rest, TextStyles::rowMeta, option.locale);
     const int arrowWidth = Symbol::size(TextStyles::rowMeta.pixelSize).width();
