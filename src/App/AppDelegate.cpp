@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 
+#include "AccessibleIdentifiers.h"
 #include "AppPreferences.h"
 #include "ApplicationFocus.h"
 #include "DesktopAppearance.h"
@@ -83,6 +84,8 @@ std::optional<Message> AppDelegate::applicationDidFinishLaunching(const LaunchOp
     if (!isInterfaceTest)
         m_notes = std::make_unique<NotesService>(
             dataFolder(), [this](const QList<Note> &notes) { return m_store->addNotes(notes); });
+
+    m_identifiers = std::make_unique<AccessibleIdentifiers>();
 
     m_panels->launcher().show();
     if (options.showsNotes)

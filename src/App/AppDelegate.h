@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 
+class AccessibleIdentifiers;
 class AppPreferences;
 class ApplicationFocus;
 class FloatingPanelController;
@@ -86,4 +87,5 @@ private:
     std::unique_ptr<ApplicationFocus> m_focus;
     std::unique_ptr<FloatingPanelController> m_panels;
     std::unique_ptr<NotesService> m_notes;
+    std::unique_ptr<AccessibleIdentifiers> m_identifiers;
 };

@@ -3,6 +3,7 @@
 
 #include "AppPreferences.h"
 #include "DropReader.h"
+#include "Named.h"
 #include "PanelHints.h"
 #include "Screens.h"
 #include "ThemedMenu.h"
@@ -66,7 +67,7 @@ LauncherHitView::LauncherHitView(const Screens &screens, const AppPreferences *p
 {
     // Qt keeps each factory once, however often it is installed.
     QAccessible::installFactory(makeInterface);
-    setObjectName(u"floatingLauncher"_s);
+    setIdentifier(this, u"floatingLauncher"_s);
     // A move without a button ends a drag whose release was never told.
     setMouseTracking(true);
     setAcceptDrops(true);

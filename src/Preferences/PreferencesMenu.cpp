@@ -58,7 +58,7 @@ PreferencesMenu::PreferencesMenu(AppPreferences &preferences, NotesFolder notesF
     , m_divider(new QAction(this))
     , m_showFolder(new QAction(this))
 {
-    setObjectName(u"preferencesMenu"_s);
+    setIdentifier(this, u"preferencesMenu"_s);
     setFocusPolicy(Qt::TabFocus);
     FocusRing::watch(this);
     setFixedSize(Metrics::preferencesButton);

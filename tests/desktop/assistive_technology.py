@@ -132,6 +132,30 @@ class AssistiveTechnology(DesktopTest):
                     self.assertTrue(text in known or text in own or is_pattern or is_number,
                                     f"{screen}: “{text}”")
 
+    def test_what_is_seen_can_be_found_by_its_identifier(self):
+        expected = {
+            "capture": {"captureTab": "Capture", "libraryTab": "Notes", "noteEditor": "Note text",
+                        "saveNote": "Save this thought"},
+            "notes": {"searchNotes": "Find a thought…", "noteList": "Notes"},
+            "nothing found": {"searchNotes": "Find a thought…", "clearSearch": "Clear search"},
+            "note": {"noteEditor": "Note text", "saveEdit": "Save changes",
+                     "deleteNote": "Delete note"},
+            "alert": {"cancelDelete": "Cancel", "confirmDelete": "Delete"},
+        }
+        for screen in self.screens():
+            with self.subTest(screen):
+                showing = self.showing()
+                found = {element.identifier(): element for element in showing}
+                for identifier, name in expected[screen].items():
+                    self.assertIn(identifier, found)
+                    self.assertEqual(found[identifier].name(), self.words(name))
+                # They are for programs: no reader comes across them.
+                self.assertFalse([element for element in showing if element.identifier() and
+                                  element.identifier() in (element.name(), element.description())])
+        self.keyboard.press("Escape")
+        self.quillmark.launcher()
+        self.assertIn("floatingLauncher", [element.identifier() for element in self.showing()])
+
     # What is told
 
     def test_only_what_gets_the_keyboard_is_told(self):

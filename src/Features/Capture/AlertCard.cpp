@@ -7,6 +7,7 @@
 #include "GlassSurface.h"
 #include "Layouts.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "ScrolledText.h"
 #include "TextLabel.h"
 
@@ -164,9 +165,9 @@ QList<QWidget *> AlertCard::stops() const
 
 void AlertCard::nameParts(const QString &card, const QString &cancel, const QString &confirm)
 {
-    setObjectName(card);
-    m_cancel->setObjectName(cancel);
-    m_confirm->setObjectName(confirm);
+    setIdentifier(this, card);
+    setIdentifier(m_cancel, cancel);
+    setIdentifier(m_confirm, confirm);
 }
 
 void AlertCard::setConfirmVisible(bool isVisible)

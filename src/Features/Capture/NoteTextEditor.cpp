@@ -121,7 +121,7 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     , m_clipboard(new ClipboardReader(this))
     , m_lineEnd(u"\n"_s)
 {
-    setObjectName(u"noteEditor"_s);
+    setIdentifier(this, u"noteEditor"_s);
     setAcceptRichText(false);
     setTabChangesFocus(true);
     setFrameStyle(QFrame::NoFrame);

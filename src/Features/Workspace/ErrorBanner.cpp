@@ -24,7 +24,7 @@ ErrorBanner::ErrorBanner(QWidget *parent)
     , m_reload(named(u"reload"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
     , m_takeIn(named(u"takeIn"_s, new PlainButton(TextStyles::bannerAction, {}, this)))
 {
-    setObjectName(u"errorBanner"_s);
+    setIdentifier(this, u"errorBanner"_s);
     setAccessibleRole(this, QAccessible::AlertMessage);
 
     auto *frame = new TintedFrame(Tone::failure, Metrics::bannerFill, Metrics::bannerRadius, this);

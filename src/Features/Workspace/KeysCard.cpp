@@ -5,6 +5,7 @@
 #include "AppPreferences.h"
 #include "GlassSurface.h"
 #include "Metrics.h"
+#include "Named.h"
 #include "TextLabel.h"
 
 #include <QGridLayout>
@@ -41,7 +42,7 @@ KeysCard::KeysCard(const AppPreferences &preferences, QWidget *window)
     , m_hadFocus(window->focusWidget())
     , m_card(new QWidget(this))
 {
-    setObjectName(u"keysCard"_s);
+    setIdentifier(this, u"keysCard"_s);
     setAccessibleRole(this, QAccessible::Dialog);
     setAccessiblyModal(this);
     setFocusPolicy(Qt::StrongFocus);

@@ -55,7 +55,7 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     , m_count(named(u"noteCount"_s, new TextLabel(TextStyles::footer, this)))
     , m_tagline(named(u"tagline"_s, new TextLabel(TextStyles::footer, this)))
 {
-    setObjectName(u"noteWorkspace"_s);
+    setIdentifier(this, u"noteWorkspace"_s);
     setFixedWidth(Metrics::panelSize.width());
     // Lower on a screen that is. What is inside gives way.
     setMinimumHeight(0);

@@ -16,6 +16,8 @@ _ACTION = "org.a11y.atspi.Action"
 _COMPONENT = "org.a11y.atspi.Component"
 _TEXT = "org.a11y.atspi.Text"
 _ROOT = "/org/a11y/atspi/accessible/root"
+_IDENTIFIERS = "org.quillmark.Quillmark.Identifiers1"
+_IDENTIFIERS_PATH = "/org/quillmark/Quillmark/Identifiers"
 _MILLISECONDS = 5000
 
 # The numbers of the states, which the protocol sends as a set of bits.
@@ -206,6 +208,11 @@ class Element:
 
     def description(self):
         return self._bus.property(self._name, self._path, _ACCESSIBLE, "Description")
+
+    def identifier(self):
+        """By which the program names it for drivers of tests, see docs/ARCHITECTURE.md."""
+        return self._bus.call(self._name, _IDENTIFIERS_PATH, _IDENTIFIERS, "IdentifierOf",
+                              GLib.Variant("(o)", (self._path,)))
 
     def role(self):
         """As the protocol names it: "push button", "text", "menu item"."""
