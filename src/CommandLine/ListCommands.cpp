@@ -78,7 +78,7 @@ ExitStatus printMatching(Console &console, const StoredNotes &notes, const QStri
         return complaint->status;
     }
     const NoteStore store(std::make_unique<MemoryNoteRepository>(std::move(snapshot)));
-    return print(console, store.matching(query), isJson);
+    return print(console, store.matching(query).toList(), isJson);
 }
 
 } // namespace

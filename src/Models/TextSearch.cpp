@@ -158,8 +158,9 @@ public:
         std::u32string room;
         size_t behind = position;
         const Weights character = m_folding.next(m_text, behind, room);
-        if (const size_t end = endWithin(character, behind); end != nowhere)
-            return m_folding.isTakenByTheLetterBefore(m_text, position) ? nowhere : end;
+        if (const size_t end = endWithin(character, behind);
+            end != nowhere && !m_folding.isTakenByTheLetterBefore(m_text, position))
+            return end;
         behind = position;
         const Weights letters = m_folding.joined(m_text, behind);
         return endWithin(letters, behind);
@@ -273,6 +274,24 @@ TextSearch::Spelling TextSearch::spelling(const std::u32string &weights) const
             spelling.mayBeginAnywhere = true;
     }
     return spelling;
+}
+
+bool TextSearch::narrows(const TextSearch &other) const
+{
+    if (&m_folding != &other.m_folding)
+        return false;
+    if (other.m_spellings.empty())
+        return other.m_asWritten.isEmpty() ||
+               (m_spellings.empty() && m_asWritten.contains(other.m_asWritten));
+    // A match of a spelling is a match of what the spelling begins with, at the same place and read
+    // in the same way. Of what stands further behind that is not so: a match does not begin with a
+    // mark that the letter before it takes.
+    return !m_spellings.empty() &&
+           std::ranges::all_of(m_spellings, [&other](const Spelling &spelling) {
+               return std::ranges::any_of(other.m_spellings, [&spelling](const Spelling &shorter) {
+                   return spelling.weights.starts_with(shorter.weights);
+               });
+           });
 }
 
 bool TextSearch::isFoundIn(QStringView view) const

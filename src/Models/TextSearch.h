@@ -37,6 +37,12 @@ public:
     /// ligatures and joined emoji all. For texts of the length of a line, since it skips nothing.
     [[nodiscard]] QList<TextRange> placesIn(QStringView text) const;
 
+    /// True only where every text in which this is found is one in which the other is found, so
+    /// that nobody need look at more than those. Compares what the two are folded to and not what
+    /// was typed: a mark, the second half of a pair, or a letter that is one with the letter before
+    /// it makes something else of what it follows.
+    [[nodiscard]] bool narrows(const TextSearch &other) const;
+
 private:
     /// All plain units of one weight, those of ASCII first; the last is repeated where there are
     /// less.

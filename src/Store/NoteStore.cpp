@@ -3,7 +3,6 @@
 
 #include "FileUrl.h"
 #include "NoteId.h"
-#include "TextSearch.h"
 #include "WellFormed.h"
 
 #include <QSet>
@@ -53,37 +52,6 @@ std::optional<Failure> failureOf(const Operation &operation)
 /// So often what others change is taken in while one addition is saved: a program that carries
 /// many notes over at once goes on meanwhile.
 constexpr int mostReloads = 5;
-
-bool isInDisplayOrder(const Note &first, const Note &second)
-{
-    return first.updatedAt > second.updatedAt;
-}
-
-/// Sorts places instead of notes, so that each note is copied once, and not at all when the list
-/// is in order already.
-QList<Note> inDisplayOrder(const QList<Note> &notes)
-{
-    if (std::is_sorted(notes.begin(), notes.end(), isInDisplayOrder))
-        return notes;
-
-    struct Place {
-        Timestamp updatedAt;
-        qsizetype index;
-    };
-    std::vector<Place> places;
-    places.reserve(static_cast<size_t>(notes.size()));
-    for (qsizetype i = 0; i < notes.size(); ++i)
-        places.push_back({notes[i].updatedAt, i});
-    std::stable_sort(places.begin(), places.end(), [](const Place &first, const Place &second) {
-        return first.updatedAt > second.updatedAt;
-    });
-
-    QList<Note> sorted;
-    sorted.reserve(notes.size());
-    for (const Place &place : places)
-        sorted.append(notes[place.index]);
-    return sorted;
-}
 
 } // namespace
 
@@ -212,22 +180,12 @@ QString NoteStore::status() const
 
 QList<Note> NoteStore::notes() const
 {
-    return inDisplayOrder(m_snapshot.notes);
+    return m_search.all().toList();
 }
 
-QList<Note> NoteStore::matching(const QString &query) const
+FoundNotes NoteStore::matching(const QString &query) const
 {
-    const QString trimmed = query.trimmed();
-    if (trimmed.isEmpty())
-        return notes();
-
-    const TextSearch search(trimmed);
-    QList<Note> found;
-    for (const Note &note : m_snapshot.notes) {
-        if (search.isFoundIn(note.body))
-            found.append(note);
-    }
-    return inDisplayOrder(found);
+    return m_search.matching(query);
 }
 
 QString NoteStore::text(const Note &note) const
@@ -450,6 +408,7 @@ void NoteStore::setSnapshot(const NoteSnapshot &snapshot)
     if (m_snapshot == snapshot)
         return;
     m_snapshot = snapshot;
+    m_search.setNotes(m_snapshot.notes);
     Q_EMIT snapshotChanged();
 }
 

@@ -3,6 +3,7 @@
 
 #include "Message.h"
 #include "NoteRepository.h"
+#include "NoteSearch.h"
 #include "Refusal.h"
 #include "RepositoryError.h"
 
@@ -100,7 +101,7 @@ public:
 
     /// The notes, in display order, whose body contains the trimmed query without regard to case
     /// or accents. Drafts are not searched. A blank query finds every note.
-    [[nodiscard]] QList<Note> matching(const QString &query) const;
+    [[nodiscard]] FoundNotes matching(const QString &query) const;
 
     /// The note's unsaved edit, even an empty one, or else its body.
     [[nodiscard]] QString text(const Note &note) const;
@@ -185,6 +186,7 @@ private:
     std::unique_ptr<NoteRepository> m_repository;
     Clock m_clock;
     NoteSnapshot m_snapshot;
+    mutable NoteSearch m_search; ///< Among the notes of the snapshot.
     std::optional<Message> m_failure;
     std::optional<QString> m_errorContext;
     std::optional<RepositoryError> m_repositoryError;

@@ -503,6 +503,87 @@ private Q_SLOTS:
         }
     }
 
+    void narrowsASearchThatGoesOn_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("earlier");
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<bool>("isNarrower");
+        QTest::newRow("first letter") << u"en"_s << u""_s << u"m"_s << true;
+        QTest::newRow("next letter") << u"en"_s << u"mil"_s << u"milk"_s << true;
+        QTest::newRow("next letter, other case") << u"en"_s << u"mil"_s << u"MILK"_s << true;
+        QTest::newRow("accent that folds away") << u"en"_s << u"cafe"_s << u"cafe\u0301"_s << true;
+        QTest::newRow("next mark, looked for as written")
+            << u"en"_s << u"\u0301"_s << u"\u0301\u0302"_s << true;
+        QTest::newRow("letter taken back") << u"en"_s << u"milk"_s << u"mil"_s << false;
+        QTest::newRow("another letter") << u"en"_s << u"mil"_s << u"mit"_s << false;
+        QTest::newRow("accent that makes a letter") << u"sv"_s << u"ha"_s << u"ha\u030A"_s << false;
+        QTest::newRow("breve that makes a letter") << u"en"_s << u"и"_s << u"и\u0306"_s << false;
+        QTest::newRow("letter to a lone mark") << u"en"_s << u"\u0301"_s << u"\u0301a"_s << false;
+        QTest::newRow("other half of a pair")
+            << u"en"_s << QString(QChar(0xD83D)) << u"\U0001F600"_s << false;
+        QTest::newRow("letter that is one with the last") << u"da"_s << u"a"_s << u"aa"_s << false;
+        QTest::newRow("Czech ch") << u"cs"_s << u"c"_s << u"ch"_s << false;
+        QTest::newRow("Thai letter after its vowel") << u"th"_s << u"เ"_s << u"เก"_s << false;
+    }
+    void narrowsASearchThatGoesOn()
+    {
+        QFETCH(const QString, locale);
+        QFETCH(const QString, earlier);
+        QFETCH(const QString, query);
+        QFETCH(const bool, isNarrower);
+
+        const TextSearch search(query, QLocale(locale));
+
+        QCOMPARE(search.narrows(TextSearch(earlier, QLocale(locale))), isNarrower);
+    }
+
+    void narrowsNoSearchOfAnotherLanguage()
+    {
+        QVERIFY(!TextSearch(u"milk"_s, QLocale(u"sv"_s)).narrows(TextSearch(u"mil"_s, everyone)));
+    }
+
+    void findsANarrowerTextOnlyWhereTheWiderOneIsFound_data()
+    {
+        callsEqualWhatIcuCallsEqual_data();
+    }
+    void findsANarrowerTextOnlyWhereTheWiderOneIsFound()
+    {
+        QFETCH(const QByteArray, locale);
+        const QLocale language(QString::fromLatin1(locale));
+        // Letters and marks that depend on what stands beside them, in one language or another.
+        const QString odd =
+            u"aAåcChHlLjdzsnygeiIıßœ\u0301\u0306\u030A\u0323\u0345ийเแกิคि\u00ADあーカ各각"_s;
+        QRandomGenerator random(11);
+        const auto oddText = [&](int longest) {
+            QString text;
+            for (int i = random.bounded(longest + 1); i > 0; --i)
+                text += odd[random.bounded(odd.size())];
+            return random.bounded(3) == 0 ? text + generatedText(random, longest) : text;
+        };
+        int narrowed = 0;
+        int found = 0;
+        for (int i = 0; i < 4000; ++i) {
+            const QString earlier = oddText(3);
+            const QString query = earlier + oddText(2);
+            const TextSearch wide(earlier, language);
+            const TextSearch narrow(query, language);
+            if (!narrow.narrows(wide))
+                continue;
+            ++narrowed;
+            for (int k = 0; k < 8; ++k) {
+                // Parts of the query beside others, so that it is often found.
+                const QString text = oddText(4) + query.mid(random.bounded(2)) + oddText(4);
+                if (!narrow.isFoundIn(text))
+                    continue;
+                ++found;
+                QVERIFY2(wide.isFoundIn(text), qPrintable(earlier + u'|' + query + u'|' + text));
+            }
+        }
+        QVERIFY(narrowed > 1000);
+        QVERIFY(found > 5000);
+    }
+
     void agreesWithThePlainReferenceOnGeneratedCases()
     {
         QRandomGenerator random(20250301);

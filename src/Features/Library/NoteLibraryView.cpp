@@ -205,7 +205,7 @@ void NoteLibraryView::render()
     setAccessibleText(m_clear, m_preferences.text(u"Clear search"_s));
     m_clear->setToolTip(m_clear->accessibleName());
 
-    m_model->show(m_store.matching(query), query);
+    m_model->show(m_store.matching(query).toList(), query);
     // It goes when it is empty, and the keyboard would go to whatever comes next.
     if (m_model->rowCount() == 0 && m_list->hasFocus())
         m_search->setFocus(Qt::OtherFocusReason);
