@@ -2,26 +2,42 @@
 #include "Note.h"
 
 #include <QStringView>
+#include <algorithm>
+#include <cstddef>
 
 namespace {
 
-constexpr bool endsLine(QChar c)
+/// Without branches: asked of many units at once.
+constexpr bool endsLine(char16_t unit)
 {
-    const char16_t unit = c.unicode();
-    return (unit >= 0x000A && unit <= 0x000D) || unit == 0x0085 || unit == 0x2028 || unit == 0x2029;
+    return (static_cast<char16_t>(unit - 0x000A) < 4) | (unit == 0x0085) |
+           (static_cast<char16_t>(unit - 0x2028) < 2);
+}
+
+/// Where a line ends that begins there. A note of one line is read to its end to know that it is
+/// one, and of every note in a list that has to be known.
+const char16_t *endOfLine(const char16_t *begin, const char16_t *end)
+{
+    constexpr std::ptrdiff_t blockSize = 32;
+    for (; end - begin >= blockSize; begin += blockSize) {
+        // Of sixteen bits like the units, so that the compiler asks many in one instruction.
+        char16_t ends = 0;
+        for (std::ptrdiff_t i = 0; i < blockSize; ++i)
+            ends = static_cast<char16_t>(ends | (endsLine(begin[i]) ? 0xFFFF : 0));
+        if (ends != 0)
+            break;
+    }
+    return std::find_if(begin, end, endsLine);
 }
 
 /// Takes the first non-empty line from the text; empty when there is none left. CR LF needs no
 /// care: the empty line between the two is passed over like any other.
 QStringView takeLine(QStringView &text)
 {
-    const auto *begin = text.begin();
-    while (begin != text.end() && endsLine(*begin))
-        ++begin;
-    const auto *end = begin;
-    while (end != text.end() && !endsLine(*end))
-        ++end;
-    text = QStringView(end, text.end());
+    const char16_t *const all = text.utf16();
+    const char16_t *const begin = std::find_if_not(all, all + text.size(), endsLine);
+    const char16_t *const end = endOfLine(begin, all + text.size());
+    text = QStringView(end, all + text.size());
     return QStringView(begin, end);
 }
 

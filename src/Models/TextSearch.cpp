@@ -52,9 +52,9 @@ bool anyOf(const Block &block, const Question &isFoundAt)
 /// What a match ends at when there is none.
 constexpr size_t nowhere = 0;
 
-enum class Kind { ascii, plain, odd };
+using Letters = TextSearch::Letters;
 
-Kind kindOf(Units text, const TextFolding::Plain &given)
+Letters lettersOf(Units text, const TextFolding::Plain &given)
 {
     // A copy, so that the compiler need not fear that it changes.
     const TextFolding::Plain plain = given;
@@ -73,17 +73,17 @@ Kind kindOf(Units text, const TextFolding::Plain &given)
         for (size_t k = 0; k < blockSize; ++k)
             odd = static_cast<Mask>(odd | isOdd(plain, text[i + k]));
         if (odd != no)
-            return Kind::odd;
+            return Letters::odd;
         for (size_t k = 0; k < blockSize; ++k)
             bits = static_cast<char16_t>(bits | text[i + k]);
         isAscii = isAscii && bits < firstBeyondAscii;
     }
     for (; i < text.size(); ++i) {
         if (!plain.is(text[i]))
-            return Kind::odd;
+            return Letters::odd;
         isAscii = isAscii && text[i] < firstBeyondAscii;
     }
-    return isAscii ? Kind::ascii : Kind::plain;
+    return isAscii ? Letters::ascii : Letters::plain;
 }
 
 } // namespace
@@ -278,7 +278,7 @@ TextSearch::Spelling TextSearch::spelling(const std::u32string &weights) const
 
 bool TextSearch::narrows(const TextSearch &other) const
 {
-    if (&m_folding != &other.m_folding)
+    if (!speakTheSame(other))
         return false;
     if (other.m_spellings.empty())
         return other.m_asWritten.isEmpty() ||
@@ -294,17 +294,24 @@ bool TextSearch::narrows(const TextSearch &other) const
            });
 }
 
-bool TextSearch::isFoundIn(QStringView view) const
+bool TextSearch::isFoundIn(QStringView text) const
+{
+    auto letters = Letters::unknown;
+    return isFoundIn(text, letters);
+}
+
+bool TextSearch::isFoundIn(QStringView view, Letters &letters) const
 {
     if (m_spellings.empty())
         return view.toString().normalized(QString::NormalizationForm_D).contains(m_asWritten);
 
     const Units text(view.utf16(), static_cast<size_t>(view.size()));
-    const Kind kind = kindOf(text, m_folding.plain());
+    if (letters == Letters::unknown)
+        letters = lettersOf(text, m_folding.plain());
     return std::any_of(m_spellings.begin(), m_spellings.end(), [&](const Spelling &spelling) {
         const Scan scan(m_folding, spelling, text);
-        const bool isPlain = kind != Kind::odd && !spelling.mayBeginAnywhere;
-        switch (kind == Kind::ascii ? spelling.asciiCount : spelling.unitCount) {
+        const bool isPlain = letters != Letters::odd && !spelling.mayBeginAnywhere;
+        switch (letters == Letters::ascii ? spelling.asciiCount : spelling.unitCount) {
         case 1:
             return isPlain ? scan.findsAmongPlain<1>() : scan.finds<1>();
         case 2:

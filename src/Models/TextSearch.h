@@ -20,11 +20,18 @@
 /// forms by narrow ones. The query is one text: inner spaces must match. A query of which nothing
 /// would be left, as a lone mark, is looked for as it is written.
 ///
-/// Built once for a query and then asked of each text. Nothing about the texts is remembered: the
-/// scan skips, many units at a time, what cannot begin a match, and folds only where one may begin.
-/// For one thread.
+/// Built once for a query and then asked of each text. The scan skips, many units at a time, what
+/// cannot begin a match, and folds only where one may begin. For one thread.
 class TextSearch {
 public:
+    /// The letters that a text is made of. Searches that speakTheSame() see the same in it.
+    enum class Letters : char {
+        unknown,
+        ascii,
+        plain, ///< See TextFolding::Plain.
+        odd,
+    };
+
     /// The locale is that in which the user's system sorts, unless another one is given.
     explicit TextSearch(QStringView query,
                         const QLocale &locale = QLocale(QLocale::system().collation()));
@@ -36,6 +43,15 @@ public:
     /// query is empty. A place is made of whole characters as they are seen: with their accents, of
     /// ligatures and joined emoji all. For texts of the length of a line, since it skips nothing.
     [[nodiscard]] QList<TextRange> placesIn(QStringView text) const;
+
+    /// The same of a text that is asked for again and again, which is faster where its letters are
+    /// known already. They become known where they have to be.
+    [[nodiscard]] bool isFoundIn(QStringView text, Letters &letters) const;
+
+    [[nodiscard]] bool speakTheSame(const TextSearch &other) const noexcept
+    {
+        return &m_folding == &other.m_folding;
+    }
 
     /// True only where every text in which this is found is one in which the other is found, so
     /// that nobody need look at more than those. Compares what the two are folded to and not what

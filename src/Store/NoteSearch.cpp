@@ -56,14 +56,18 @@ const FoundNotes &NoteSearch::matching(const QString &query)
 
     Last next{trimmed, TextSearch(trimmed), {}, {}};
     next.isFound = mayBeFound(next.search);
+    if (!m_last || !next.search.speakTheSame(m_last->search))
+        m_letters.assign(next.isFound.size(), TextSearch::Letters::unknown);
     for (size_t place = 0; place < next.isFound.size(); ++place) {
+        const QString &body = m_notes.at(qsizetype(place)).body;
         if (next.isFound[place])
-            next.isFound[place] = next.search.isFoundIn(m_notes[qsizetype(place)].body);
+            next.isFound[place] = next.search.isFoundIn(body, m_letters[place]);
     }
+    const FoundNotes &notes = all();
     QList<FoundNotes::Place> places;
-    for (qsizetype i = 0; i < all().size(); ++i) {
-        if (next.isFound[all().place(i)])
-            places.append(all().place(i));
+    for (qsizetype i = 0; i < notes.size(); ++i) {
+        if (next.isFound[notes.place(i)])
+            places.append(notes.place(i));
     }
     next.found = FoundNotes(m_notes, std::move(places));
     m_last.emplace(std::move(next));

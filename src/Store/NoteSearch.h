@@ -37,6 +37,7 @@ private:
     [[nodiscard]] std::vector<char> mayBeFound(const TextSearch &search) const;
 
     QList<Note> m_notes;
+    std::vector<TextSearch::Letters> m_letters; ///< Of the notes, for the language searched last.
     std::optional<FoundNotes> m_all;
     std::optional<Last> m_last;
 };

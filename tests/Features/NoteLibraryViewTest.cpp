@@ -43,6 +43,8 @@ private Q_SLOTS:
     void opensWithTheKeyboard();
     void goesBackToTheSearchFromTheFirstRow();
     void goesToTheFirstAndLastNote();
+    void goesAPageFurtherWithoutPassingANote();
+    void showsEachRowWhereTheLastOneEnds();
     void searchesForWhatIsTypedInTheList();
     void searchesForWhatIsComposedInTheList();
     void startsAtTheTopWithEachSearch();
@@ -342,6 +344,63 @@ void NoteLibraryViewTest::goesToTheFirstAndLastNote()
     QTest::keyClick(screen.list(), Qt::Key_Home);
     QCOMPARE(screen.currentTitle(), u"note 0"_s);
     QCOMPARE(screen.list()->verticalScrollBar()->value(), 0);
+}
+
+void NoteLibraryViewTest::goesAPageFurtherWithoutPassingANote()
+{
+    Screen screen(withManyNotes(120));
+    QVERIFY(Views::show(screen.view));
+    QTest::keyClick(screen.search(), Qt::Key_Down);
+    NoteListView *const list = screen.list();
+    const auto isSeen = [&](int row) {
+        return list->viewport()->rect().contains(list->visualRect(screen.model()->index(row, 0)));
+    };
+
+    int pages = 0;
+    for (int row = 0; row < 119; ++pages) {
+        QTest::keyClick(list, Qt::Key_PageDown);
+        const int next = list->currentIndex().row();
+        QVERIFY(next > row);
+        for (int between = row + 1; between <= next; ++between)
+            QVERIFY(isSeen(between));
+        row = next;
+    }
+    QVERIFY(pages <= 60);
+
+    for (int row = 119; row > 0; --pages) {
+        QTest::keyClick(list, Qt::Key_PageUp);
+        const int next = list->currentIndex().row();
+        QVERIFY(next < row);
+        for (int between = next; between < row; ++between)
+            QVERIFY(isSeen(between));
+        row = next;
+    }
+    QVERIFY(std::abs(pages) < 2);
+    QTest::keyClick(list, Qt::Key_PageUp);
+    QCOMPARE(list->currentIndex().row(), 0);
+    QVERIFY(list->hasFocus());
+}
+
+void NoteLibraryViewTest::showsEachRowWhereTheLastOneEnds()
+{
+    Screen screen(withManyNotes(120));
+    QVERIFY(Views::show(screen.view));
+    NoteListView *const list = screen.list();
+    const auto rect = [&](int row) { return list->visualRect(screen.model()->index(row, 0)); };
+    list->verticalScrollBar()->setValue(500);
+
+    QVERIFY(rect(0).height() < rect(1).height());
+    QCOMPARE(rect(0).top(), -500);
+    for (int row = 0; row < 120; ++row) {
+        QCOMPARE(rect(row).height(), rect(row % 3 ? 1 : 0).height());
+        QCOMPARE(rect(row).width(), list->viewport()->width());
+        if (row > 0)
+            QCOMPARE(rect(row).top(), rect(row - 1).bottom() + 1);
+        QCOMPARE(list->indexAt(rect(row).topLeft()).row(), row);
+    }
+    QCOMPARE(list->verticalScrollBar()->maximum(),
+             rect(119).bottom() + 1 + 500 - list->viewport()->height());
+    QVERIFY(!list->indexAt({1, rect(119).bottom() + 1}).isValid());
 }
 
 void NoteLibraryViewTest::searchesForWhatIsTypedInTheList()

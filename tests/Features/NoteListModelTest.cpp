@@ -8,6 +8,7 @@
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <QTest>
+#include <numeric>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -24,9 +25,12 @@ private Q_SLOTS:
     void marksANoteWithAnUnsavedEdit();
     void cutsTheTextsOfALongNote();
     void showsTheNewTextsOfAnEditedNote();
-    void isNotResetByTheSameNotes();
     void tellsWhereTheSearchFoundARow_data();
     void tellsWhereTheSearchFoundARow();
+    void changesNothingForTheSameNotes();
+    void takesRowsOutAndPutsThemInWhereFewDiffer();
+    void isResetWhereManyRowsDiffer();
+    void showsOtherTextsOfTheSameNotes();
     void findsTheRowOfANoteOrTheOneThatTookItsPlace();
 };
 
@@ -35,6 +39,14 @@ namespace {
 Note noteOf(const QString &body, double updatedAt = 0)
 {
     return {QUuid::createUuid(), body, {}, Timestamp{updatedAt}};
+}
+
+/// All of them, in the order in which they are kept.
+FoundNotes found(const QList<Note> &notes)
+{
+    QList<FoundNotes::Place> places(notes.size());
+    std::iota(places.begin(), places.end(), FoundNotes::Place{0});
+    return {notes, places};
 }
 
 struct Fixture {
@@ -58,11 +70,11 @@ void NoteListModelTest::isAProperModelWhateverItShows()
     Fixture fixture;
     const QList<Note> notes{noteOf(u"a"_s), noteOf(u""_s), noteOf(u"c\nd"_s)};
 
-    fixture.model.show(notes);
-    fixture.model.show(notes);
-    fixture.model.show({notes[2], notes[0]});
-    fixture.model.show({});
-    fixture.model.show(notes);
+    fixture.model.show(found(notes));
+    fixture.model.show(found(notes));
+    fixture.model.show(found({notes[2], notes[0]}));
+    fixture.model.show(found({}));
+    fixture.model.show(found(notes));
 
     QCOMPARE(fixture.model.rowCount(), 3);
 }
@@ -73,7 +85,7 @@ void NoteListModelTest::givesTheTextsOfARow()
     Note note = noteOf(u"milk\nbread\n\nbutter"_s);
     note.updatedAt = Timestamp::fromIso8601(u"2025-03-01T20:05:00.000Z").value();
 
-    fixture.model.show({note});
+    fixture.model.show(found({note}));
 
     QCOMPARE(fixture.text(0, Qt::DisplayRole), u"milk"_s);
     QCOMPARE(fixture.text(0, NoteListModel::excerptRole), u"bread butter"_s);
@@ -86,7 +98,7 @@ void NoteListModelTest::namesANoteWithoutATitleButNotToAReader()
 {
     Fixture fixture;
 
-    fixture.model.show({noteOf(u"\n\n"_s)});
+    fixture.model.show(found({noteOf(u"\n\n"_s)}));
 
     QCOMPARE(fixture.text(0, Qt::DisplayRole), u"Untitled idea"_s);
     QCOMPARE(fixture.text(0, Qt::AccessibleTextRole), u"Open note: "_s);
@@ -99,7 +111,7 @@ void NoteListModelTest::marksANoteWithAnUnsavedEdit()
     snapshot.editingDrafts[canonicalText(snapshot.notes[1].id)] = QString();
     Fixture fixture(snapshot);
 
-    fixture.model.show(snapshot.notes);
+    fixture.model.show(found(snapshot.notes));
 
     QVERIFY(!fixture.text(0, NoteListModel::metaRole).contains(u"Editing draft"_s));
     QVERIFY(fixture.text(1, NoteListModel::metaRole).endsWith(u" · Editing draft"_s));
@@ -110,7 +122,8 @@ void NoteListModelTest::cutsTheTextsOfALongNote()
     Fixture fixture;
     const QString emoji = u"👍"_s;
 
-    fixture.model.show({noteOf(emoji.repeated(100'000) + u'\n' + u"word "_s.repeated(100'000))});
+    fixture.model.show(
+        found({noteOf(emoji.repeated(100'000) + u'\n' + u"word "_s.repeated(100'000))}));
 
     const QString title = fixture.text(0, Qt::DisplayRole);
     QVERIFY(title.size() < 1000);
@@ -122,11 +135,11 @@ void NoteListModelTest::showsTheNewTextsOfAnEditedNote()
 {
     Fixture fixture;
     Note note = noteOf(u"milk"_s);
-    fixture.model.show({note});
+    fixture.model.show(found({note}));
     QCOMPARE(fixture.text(0, Qt::DisplayRole), u"milk"_s);
 
     note.body = u"eggs"_s;
-    fixture.model.show({note});
+    fixture.model.show(found({note}));
 
     QCOMPARE(fixture.text(0, Qt::DisplayRole), u"eggs"_s);
 }
@@ -157,7 +170,7 @@ void NoteListModelTest::tellsWhereTheSearchFoundARow()
     QFETCH(const QStringList, inExcerpt);
     Fixture fixture;
 
-    fixture.model.show({noteOf(body)}, query);
+    fixture.model.show(::found({noteOf(body)}), query);
 
     const auto found = [&fixture](int textRole, int matchesRole) {
         const QString text = fixture.text(0, textRole);
@@ -171,18 +184,103 @@ void NoteListModelTest::tellsWhereTheSearchFoundARow()
     QCOMPARE(found(NoteListModel::excerptRole, NoteListModel::excerptMatchesRole), inExcerpt);
 }
 
-void NoteListModelTest::isNotResetByTheSameNotes()
+void NoteListModelTest::changesNothingForTheSameNotes()
 {
     Fixture fixture;
-    const QList<Note> notes{noteOf(u"milk"_s), noteOf(u"bread"_s)};
+    const FoundNotes notes = found({noteOf(u"milk"_s), noteOf(u"bread"_s)});
     fixture.model.show(notes);
-    QSignalSpy resets(&fixture.model, &QAbstractItemModel::modelReset);
-    QSignalSpy changes(&fixture.model, &QAbstractItemModel::dataChanged);
+    const QSignalSpy resets(&fixture.model, &QAbstractItemModel::modelReset);
+    const QSignalSpy changes(&fixture.model, &QAbstractItemModel::dataChanged);
+    const QSignalSpy rows(&fixture.model, &NoteListModel::rowsChanged);
 
     fixture.model.show(notes);
 
     QCOMPARE(resets.count(), 0);
+    QCOMPARE(changes.count(), 0);
+    QCOMPARE(rows.count(), 0);
+}
+
+void NoteListModelTest::takesRowsOutAndPutsThemInWhereFewDiffer()
+{
+    Fixture fixture;
+    QList<Note> notes;
+    for (int i = 0; i < 20; ++i)
+        notes.append(noteOf(u"%1\nmore"_s.arg(i)));
+    const FoundNotes all = found(notes);
+    FoundNotes fewer = all;
+    fewer.remove(15, 5);
+    fewer.remove(7, 1);
+    fewer.remove(0, 3);
+    const auto titles = [&] {
+        QStringList rows;
+        for (int row = 0; row < fixture.model.rowCount(); ++row)
+            rows.append(fixture.text(row, Qt::DisplayRole));
+        return rows;
+    };
+    fixture.model.show(all);
+    const QStringList allTitles = titles();
+    const QPersistentModelIndex kept = fixture.model.index(8);
+    const QSignalSpy resets(&fixture.model, &QAbstractItemModel::modelReset);
+    const QSignalSpy removed(&fixture.model, &QAbstractItemModel::rowsRemoved);
+    const QSignalSpy inserted(&fixture.model, &QAbstractItemModel::rowsInserted);
+
+    fixture.model.show(fewer);
+    QCOMPARE(removed.count(), 3);
+    QCOMPARE(kept.row(), 4);
+    QCOMPARE(titles(), allTitles.mid(3, 4) + allTitles.mid(8, 7));
+
+    fixture.model.show(all);
+    QCOMPARE(inserted.count(), 3);
+    QCOMPARE(kept.row(), 8);
+    QCOMPARE(titles(), allTitles);
+
+    // Also where it is another list of notes: one is gone, and one is new.
+    notes.removeAt(4);
+    fixture.model.show(found(notes));
+    QCOMPARE(kept.row(), 7);
+    notes.prepend(noteOf(u"new"_s));
+    fixture.model.show(found(notes));
+    QCOMPARE(kept.row(), 8);
+    QCOMPARE(titles().first(), u"new"_s);
+    QVERIFY(!fixture.model.hasExcerpt(0));
+    QVERIFY(fixture.model.hasExcerpt(1));
+    QCOMPARE(resets.count(), 0);
+}
+
+void NoteListModelTest::isResetWhereManyRowsDiffer()
+{
+    Fixture fixture;
+    QList<Note> notes;
+    for (int i = 0; i < 100; ++i)
+        notes.append(noteOf(u"note"_s));
+    FoundNotes half = found(notes);
+    for (int row = 99; row > 0; row -= 2)
+        half.remove(row, 1);
+    fixture.model.show(found(notes));
+    const QSignalSpy resets(&fixture.model, &QAbstractItemModel::modelReset);
+    const QSignalSpy removed(&fixture.model, &QAbstractItemModel::rowsRemoved);
+
+    fixture.model.show(half);
+
+    QCOMPARE(resets.count(), 1);
+    QCOMPARE(removed.count(), 0);
+    QCOMPARE(fixture.model.rowCount(), 50);
+}
+
+void NoteListModelTest::showsOtherTextsOfTheSameNotes()
+{
+    Fixture fixture;
+    QList<Note> notes{noteOf(u"milk"_s), noteOf(u"bread"_s)};
+    fixture.model.show(found(notes));
+    const QSignalSpy resets(&fixture.model, &QAbstractItemModel::modelReset);
+    const QSignalSpy changes(&fixture.model, &QAbstractItemModel::dataChanged);
+
+    notes[1].body = u"bread\nand butter"_s;
+    fixture.model.show(found(notes));
+
     QCOMPARE(changes.count(), 1);
+    QCOMPARE(resets.count(), 0);
+    QVERIFY(fixture.model.hasExcerpt(1));
 }
 
 void NoteListModelTest::findsTheRowOfANoteOrTheOneThatTookItsPlace()
@@ -191,16 +289,16 @@ void NoteListModelTest::findsTheRowOfANoteOrTheOneThatTookItsPlace()
     const Note newest = noteOf(u"newest"_s, 30);
     const Note middle = noteOf(u"middle"_s, 20);
     const Note oldest = noteOf(u"oldest"_s, 10);
-    fixture.model.show({newest, middle, oldest});
+    fixture.model.show(found({newest, middle, oldest}));
     QCOMPARE(fixture.model.indexNear(middle).row(), 1);
 
-    fixture.model.show({newest, oldest});
+    fixture.model.show(found({newest, oldest}));
     QCOMPARE(fixture.model.indexNear(middle).row(), 1);
 
-    fixture.model.show({newest});
+    fixture.model.show(found({newest}));
     QCOMPARE(fixture.model.indexNear(middle).row(), 0);
 
-    fixture.model.show({});
+    fixture.model.show(found({}));
     QVERIFY(!fixture.model.indexNear(middle).isValid());
 }
 

@@ -86,6 +86,8 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
 
     connect(&m_store, &NoteStore::snapshotChanged, this, &NoteLibraryView::render);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteLibraryView::render);
+    connect(&m_store, &NoteStore::snapshotChanged, m_model, &NoteListModel::refresh);
+    connect(&m_preferences, &AppPreferences::languageChanged, m_model, &NoteListModel::refresh);
     connect(m_search, &QLineEdit::textChanged, this, &NoteLibraryView::search);
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
         // First, since the button goes with the text.
@@ -205,7 +207,7 @@ void NoteLibraryView::render()
     setAccessibleText(m_clear, m_preferences.text(u"Clear search"_s));
     m_clear->setToolTip(m_clear->accessibleName());
 
-    m_model->show(m_store.matching(query).toList(), query);
+    m_model->show(m_store.matching(query), query);
     // It goes when it is empty, and the keyboard would go to whatever comes next.
     if (m_model->rowCount() == 0 && m_list->hasFocus())
         m_search->setFocus(Qt::OtherFocusReason);

@@ -32,10 +32,9 @@ QString asLine(QString text)
     return text.replace(u'\t', u' ').replace(u'\n', u' ');
 }
 
-bool areTheSameNotes(const QList<Note> &some, const QList<Note> &others)
-{
-    return std::ranges::equal(some, others, {}, &Note::id, &Note::id);
-}
+/// Views and readers hear of each stretch of rows by itself. Of more than so many it is less to do
+/// to show all rows anew.
+constexpr size_t mostStretches = 16;
 
 } // namespace
 
@@ -56,7 +55,7 @@ QVariant NoteListModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    const Note &note = m_notes.at(index.row());
+    const Note &note = m_notes[index.row()];
     switch (role) {
     case Qt::DisplayRole: {
         const QString &title = preview(note).title;
@@ -71,7 +70,7 @@ QVariant NoteListModel::data(const QModelIndex &index, int role) const
     case excerptRole:
         return asLine(preview(note).excerpt);
     case hasExcerptRole:
-        return note.hasExcerpt();
+        return hasExcerpt(index.row());
     case metaRole:
         return meta(note);
     case titleMatchesRole:
@@ -85,30 +84,16 @@ QVariant NoteListModel::data(const QModelIndex &index, int role) const
 
 const Note &NoteListModel::note(const QModelIndex &index) const
 {
-    return m_notes.at(index.row());
+    return m_notes[index.row()];
 }
 
 QModelIndex NoteListModel::indexOf(const QUuid &id) const
 {
-    const auto found = std::ranges::find(m_notes, id, &Note::id);
-    return found == m_notes.end() ? QModelIndex()
-                                  : index(static_cast<int>(found - m_notes.begin()));
-}
-
-void NoteListModel::show(const QList<Note> &notes, const QString &query)
-{
-    m_search.reset();
-    if (const QString sought = query.trimmed(); !sought.isEmpty())
-        m_search.emplace(sought);
-    if (areTheSameNotes(m_notes, notes)) {
-        m_notes = notes;
-        if (!m_notes.isEmpty())
-            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
-        return;
+    for (int row = 0; row < rowCount(); ++row) {
+        if (m_notes[row].id == id)
+            return index(row);
     }
-    beginResetModel();
-    m_notes = notes;
-    endResetModel();
+    return {};
 }
 
 QModelIndex NoteListModel::indexNear(const Note &note) const
@@ -116,10 +101,130 @@ QModelIndex NoteListModel::indexNear(const Note &note) const
     const QModelIndex exact = indexOf(note.id);
     if (exact.isValid() || m_notes.isEmpty())
         return exact;
-    const auto after = std::ranges::find_if(
-        m_notes, [&note](const Note &other) { return other.updatedAt <= note.updatedAt; });
-    const auto row = static_cast<int>(after - m_notes.begin());
-    return index(std::min(row, rowCount() - 1));
+    int row = 0;
+    while (row < rowCount() - 1 && m_notes[row].updatedAt > note.updatedAt)
+        ++row;
+    return index(row);
+}
+
+bool NoteListModel::hasExcerpt(int row) const
+{
+    std::optional<bool> &known = m_hasExcerpt[m_notes.place(row)];
+    if (!known)
+        known = m_notes[row].hasExcerpt();
+    return *known;
+}
+
+void NoteListModel::show(const FoundNotes &notes, const QString &query)
+{
+    const bool isOtherSearch = search(query.trimmed());
+    if (notes == m_notes) {
+        if (isOtherSearch)
+            refreshMatches();
+        return;
+    }
+    const bool areOfOthers = !notes.isOfTheSame(m_notes);
+    const auto going = rowsMissing(notes, m_notes);
+    const auto coming = going ? std::nullopt : rowsMissing(m_notes, notes);
+    Q_EMIT rowsAboutToChange();
+    if (going) {
+        removeRows(*going);
+        setNotes(notes);
+    } else if (coming) {
+        insertRows(*coming, notes);
+    } else {
+        beginResetModel();
+        setNotes(notes);
+        endResetModel();
+    }
+    Q_EMIT rowsChanged();
+    if (areOfOthers)
+        refresh();
+    else if (isOtherSearch)
+        refreshMatches();
+}
+
+/// Whether it is another one than before.
+bool NoteListModel::search(const QString &query)
+{
+    if (query == m_query)
+        return false;
+    m_query = query;
+    m_search.reset();
+    if (!query.isEmpty())
+        m_search.emplace(query);
+    return true;
+}
+
+void NoteListModel::setNotes(const FoundNotes &notes)
+{
+    if (!notes.isOfTheSame(m_notes))
+        m_hasExcerpt.assign(static_cast<size_t>(notes.among().size()), std::nullopt);
+    m_notes = notes;
+}
+
+/// The last ones first, so that those before them keep their numbers.
+void NoteListModel::removeRows(const std::vector<Rows> &stretches)
+{
+    for (auto rows = stretches.rbegin(); rows != stretches.rend(); ++rows) {
+        beginRemoveRows({}, rows->first, rows->first + rows->count - 1);
+        m_notes.remove(rows->first, rows->count);
+        endRemoveRows();
+    }
+}
+
+void NoteListModel::insertRows(const std::vector<Rows> &stretches, const FoundNotes &notes)
+{
+    FoundNotes there = notes;
+    for (auto rows = stretches.rbegin(); rows != stretches.rend(); ++rows)
+        there.remove(rows->first, rows->count);
+    setNotes(there);
+    for (const Rows &rows : stretches) {
+        beginInsertRows({}, rows.first, rows.first + rows.count - 1);
+        m_notes.insert(rows.first, rows.count, notes);
+        endInsertRows();
+    }
+}
+
+void NoteListModel::refresh()
+{
+    if (!m_notes.isEmpty())
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+}
+
+void NoteListModel::refreshMatches()
+{
+    if (!m_notes.isEmpty())
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {titleMatchesRole, excerptMatchesRole});
+}
+
+bool NoteListModel::areTheSame(const FoundNotes &some, qsizetype i, const FoundNotes &others,
+                               qsizetype k)
+{
+    return some.isOfTheSame(others) ? some.place(i) == others.place(k) : some[i].id == others[k].id;
+}
+
+/// What the longer list has and the shorter has not, when that is all that they differ in, and not
+/// more than mostStretches.
+std::optional<std::vector<NoteListModel::Rows>>
+NoteListModel::rowsMissing(const FoundNotes &shorter, const FoundNotes &longer)
+{
+    std::vector<Rows> missing;
+    qsizetype next = 0;
+    bool isMissing = false;
+    for (qsizetype row = 0; row < longer.size(); ++row) {
+        const bool wasMissing = isMissing;
+        isMissing = next == shorter.size() || !areTheSame(longer, row, shorter, next);
+        if (!isMissing)
+            ++next;
+        else if (wasMissing)
+            ++missing.back().count;
+        else if (missing.size() < mostStretches)
+            missing.push_back({static_cast<int>(row), 1});
+        else
+            return std::nullopt;
+    }
+    return next == shorter.size() ? std::optional(std::move(missing)) : std::nullopt;
 }
 
 const NoteListModel::Preview &NoteListModel::preview(const Note &note) const

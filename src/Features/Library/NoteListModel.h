@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Note.h"
+#include "FoundNotes.h"
 #include "TextRange.h"
 #include "TextSearch.h"
 
 #include <QAbstractListModel>
 #include <QHash>
 #include <optional>
+#include <vector>
 
 class AppPreferences;
 class NoteStore;
@@ -43,11 +44,39 @@ public:
     /// The note's row, or the one that took its place; invalid when there are no rows.
     [[nodiscard]] QModelIndex indexNear(const Note &note) const;
 
-    /// Shows these notes in place of the earlier ones, as what a search for the query found. The
-    /// model is reset unless they are the same ones in the same order.
-    void show(const QList<Note> &notes, const QString &query = {});
+    /// Whether a row has a line for an excerpt: what its height depends on. Cheap enough to be
+    /// asked of every row.
+    [[nodiscard]] bool hasExcerpt(int row) const;
+
+    /// Shows these notes in place of the earlier ones, as what a search for the query found: some
+    /// rows go or come, or the model is reset where that is less to do.
+    void show(const FoundNotes &notes, const QString &query = {});
+
+    /// The rows read differently: in another language, or with other drafts.
+    void refresh();
+
+Q_SIGNALS:
+    /// Around all changes of rows that one call of show() makes.
+    void rowsAboutToChange();
+    void rowsChanged();
 
 private:
+    /// Rows of the longer of two lists that the other one has not.
+    struct Rows {
+        int first = 0;
+        int count = 0;
+    };
+
+    [[nodiscard]] static bool areTheSame(const FoundNotes &some, qsizetype i,
+                                         const FoundNotes &others, qsizetype k);
+    [[nodiscard]] static std::optional<std::vector<Rows>> rowsMissing(const FoundNotes &shorter,
+                                                                      const FoundNotes &longer);
+    [[nodiscard]] bool search(const QString &query);
+    void refreshMatches();
+    void setNotes(const FoundNotes &notes);
+    void removeRows(const std::vector<Rows> &stretches);
+    void insertRows(const std::vector<Rows> &stretches, const FoundNotes &notes);
+
     struct Preview {
         /// Shared with the note, so that the same characters are at the same address.
         QString body;
@@ -61,7 +90,11 @@ private:
 
     const NoteStore &m_store;
     const AppPreferences &m_preferences;
-    QList<Note> m_notes;
+    FoundNotes m_notes;
+    QString m_query;
     std::optional<TextSearch> m_search;
+
+    /// Whether there is an excerpt, by the place of a note, as far as that was asked.
+    mutable std::vector<std::optional<bool>> m_hasExcerpt;
     mutable QHash<QUuid, Preview> m_previews;
 };

@@ -46,10 +46,10 @@ QRect NoteRow::surface(const QRect &item)
     return item.adjusted(0, 0, 0, -Metrics::betweenRows);
 }
 
-int NoteRow::heightOf(const QStyleOptionViewItem &option, bool hasExcerpt) const
+int NoteRow::height(const QLocale &locale, bool hasExcerpt) const
 {
-    if (m_titleOnly == 0 || m_locale != option.locale) {
-        m_locale = option.locale;
+    if (m_titleOnly == 0 || m_locale != locale) {
+        m_locale = locale;
         m_titleOnly = Metrics::rowPadding.top() + lineHeight(TextStyles::rowTitle, m_locale) +
                       Metrics::rowSpacing + lineHeight(TextStyles::rowMeta, m_locale) +
                       Metrics::rowPadding.bottom() + Metrics::betweenRows;
@@ -61,7 +61,7 @@ int NoteRow::heightOf(const QStyleOptionViewItem &option, bool hasExcerpt) const
 
 QSize NoteRow::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
-    return {0, heightOf(option, index.data(NoteListModel::hasExcerptRole).toBool())};
+    return {0, height(option.locale, index.data(NoteListModel::hasExcerptRole).toBool())};
 }
 
 void NoteRow::paint(QPainter *painter, const QStyleOptionViewItem &option,

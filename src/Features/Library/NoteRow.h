@@ -20,10 +20,10 @@ public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
 
-private:
-    /// Of an item in the locale of the view. Asked for every note of the list at once.
-    [[nodiscard]] int heightOf(const QStyleOptionViewItem &option, bool hasExcerpt) const;
+    /// Of an item in that locale, with the gap.
+    [[nodiscard]] int height(const QLocale &locale, bool hasExcerpt) const;
 
+private:
     mutable QLocale m_locale;
     mutable int m_withExcerpt = 0;
     mutable int m_titleOnly = 0;
