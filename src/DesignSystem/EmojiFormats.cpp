@@ -84,11 +84,15 @@ qsizetype endOfEmoji(QStringView text, qsizetype at)
     return end;
 }
 
-QTextCharFormat emojiFormat(const QFont &font)
+QTextCharFormat emojiFormat(const QFont &font, QStringView emoji)
 {
     QTextCharFormat format;
     format.setFontFamilies(NoteTheme::emojiFamilies() + font.families());
     format.setFontWeight(QFont::Normal);
+    // The sign that asks for a picture may stand inside, as between a digit and its key. Where the
+    // font lacks it, another font would be asked for it, and the picture would fall apart.
+    if (emoji.chopped(1).contains(QChar(asEmoji)))
+        format.setFontStyleStrategy(QFont::NoFontMerging);
     return format;
 }
 
@@ -106,11 +110,13 @@ QList<QTextLayout::FormatRange> emojiFormats(const QString &text, const QFont &f
             at = behind(codePointAt(text, at), at);
             continue;
         }
+        const QTextCharFormat format = emojiFormat(font, QStringView(text).sliced(at, end - at));
         // Emoji in a row are one range.
-        if (!ranges.isEmpty() && ranges.last().start + ranges.last().length == at) {
+        if (!ranges.isEmpty() && ranges.last().start + ranges.last().length == at &&
+            ranges.last().format == format) {
             ranges.last().length += static_cast<int>(end - at);
         } else {
-            ranges.append({static_cast<int>(at), static_cast<int>(end - at), emojiFormat(font)});
+            ranges.append({static_cast<int>(at), static_cast<int>(end - at), format});
         }
         at = end;
     }

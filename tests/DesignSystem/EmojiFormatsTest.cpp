@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "EmojiFormats.h"
+#include "NoteTheme.h"
 
 #include <QFont>
+#include <QFontDatabase>
+#include <QGlyphRun>
+#include <QRawFont>
 #include <QTest>
+#include <QTextBoundaryFinder>
 #include <QTextDocument>
 
 using namespace Qt::Literals::StringLiterals;
@@ -16,6 +21,8 @@ private Q_SLOTS:
     void leavesTextAlone_data();
     void leavesTextAlone();
     void asksForAFontWithColoursFirst();
+    void drawsEachEmojiAsOne_data();
+    void drawsEachEmojiAsOne();
     void leavesTheDocumentsTextWithoutFormats();
 };
 
@@ -74,6 +81,41 @@ void EmojiFormatsTest::asksForAFontWithColoursFirst()
     const QStringList families = ranges.first().format.fontFamilies().toStringList();
     QCOMPARE(families.first(), u"Noto Color Emoji"_s);
     QCOMPARE(families.last(), letters.family());
+}
+
+void EmojiFormatsTest::drawsEachEmojiAsOne_data()
+{
+    findsWholeEmoji_data();
+    QTest::newRow("keycap of a sign") << u"#\uFE0F\u20E3"_s;
+    QTest::newRow("keycap without the sign for pictures") << u"*\u20E3"_s;
+    QTest::newRow("keycap beside another emoji") << u"😀7\uFE0F\u20E3"_s;
+}
+
+void EmojiFormatsTest::drawsEachEmojiAsOne()
+{
+    QFETCH(const QString, emoji);
+    const QString colours = NoteTheme::emojiFamilies().first();
+    if (!QFontDatabase::families().contains(colours))
+        QSKIP("the font with colours is not installed");
+    const QString text = u"ab "_s + emoji + u" c"_s;
+    const QFont letters(u"DejaVu Sans"_s);
+    QTextLayout layout(text, letters);
+    layout.setFormats(emojiFormats(text, letters));
+
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+
+    qsizetype coloured = 0;
+    for (const QGlyphRun &run : line.glyphRuns()) {
+        if (run.rawFont().familyName() == colours)
+            coloured += run.glyphIndexes().size();
+    }
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, emoji);
+    qsizetype characters = 0;
+    while (finder.toNextBoundary() >= 0)
+        ++characters;
+    QCOMPARE(coloured, characters);
 }
 
 void EmojiFormatsTest::leavesTheDocumentsTextWithoutFormats()

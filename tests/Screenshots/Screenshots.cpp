@@ -102,14 +102,14 @@ NoteSnapshot manyScripts(AppLanguage)
     snapshot.notes = {
         noteOf(
             u"לקנות חלב, לחם ו-12 ביצים.\nשלום English בתוך משפט\nشراء الحليب والخبز\n"
-            "Then on in English, 骨直 and 👩🏻‍💻 👨‍👩‍👧‍👦 🇩🇪."_s,
+            "Then on in English, 骨直 and 👩🏻‍💻 👨‍👩‍👧‍👦 🇩🇪 1️⃣ ❤️‍🔥."_s,
             u"2025-11-19T09:12:00.000Z"_s),
         noteOf(u"اشترِ الحليب (2)!\nلا تنسَ الخبز."_s, u"2025-11-18T21:40:00.000Z"_s),
         noteOf(u"直骨角 Chinese in the middle 今令\n想到就记下来，然后回到刚才的事情上。"_s,
                u"2025-11-17T18:05:00.000Z"_s),
         noteOf(
-            u"👩🏻‍💻 👨‍👩‍👧‍👦 🇩🇪 ❤️ 1️⃣ 👍🏽 😀\n☕ at ten, ✔ done"_s,
-            u"2025-11-16T07:30:00.000Z"_s),
+            u"👩🏻‍💻 👨‍👩‍👧‍👦 🇩🇪 ❤️ 1️⃣ #️⃣ ❤️‍🔥 👍🏽 😀\n☕ at ten, ✔ done"_s,
+            u"2025-11-18T22:30:00.000Z"_s),
     };
     return snapshot;
 }
