@@ -3,6 +3,7 @@
 
 #include <QAccessible>
 #include <QGuiApplication>
+#include <QWidget>
 #include <QWindow>
 
 namespace {
@@ -44,8 +45,32 @@ void pass(QAccessibleEvent *event)
     QAccessible::installUpdateHandler(tell);
 }
 
+bool isOfText(QAccessible::Event type)
+{
+    switch (type) {
+    case QAccessible::TextCaretMoved:
+    case QAccessible::TextInserted:
+    case QAccessible::TextRemoved:
+    case QAccessible::TextSelectionChanged:
+    case QAccessible::TextUpdated:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The text of a screen that is only being made is no news: a reader would read it out, and then
+/// take for known what gets the keyboard.
+bool isOfHiddenText(const QAccessibleEvent &event)
+{
+    const auto *const widget = qobject_cast<const QWidget *>(event.object());
+    return isOfText(event.type()) && widget && !widget->isVisible();
+}
+
 void tell(QAccessibleEvent *event)
 {
+    if (isOfHiddenText(*event))
+        return;
     if (event->type() != QAccessible::Focus) {
         pass(event);
         return;

@@ -175,6 +175,18 @@ class AssistiveTechnology(DesktopTest):
         self.assertEqual(
             self.heard_of_focus(lambda: self.keyboard.press("Escape"), note), [note])
 
+    def test_the_text_of_a_note_is_no_news_when_it_is_opened(self):
+        # A reader would read it out, and then not say what has the keyboard.
+        self.go_to_notes()
+        listener = self.listen()
+        self.row("milk").press()
+        self.element("Save changes")
+        self.until_focused(self.words("Note text"))
+        self.assertEqual(listener.text_changes(), [])
+
+        self.keyboard.type("y")
+        until(lambda: listener.text_changes() == ["insert"], "what is typed is told")
+
     def test_a_deletion_tells_of_the_note_that_comes_next(self):
         self.ask_to_delete()
         row = self.words("Open note: %@").replace("%@", "bread")

@@ -139,7 +139,8 @@ class ChangeListener:
         self._process = process
         self._changes = []
         self._announced = []
-        for event in "object:property-change", "object:state-changed":
+        self._texts = []
+        for event in "object:property-change", "object:state-changed", "object:text-changed":
             bus.call("org.a11y.atspi.Registry", "/org/a11y/atspi/registry",
                      "org.a11y.atspi.Registry", "RegisterEvent",
                      GLib.Variant("(sass)", (event, [], "")))
@@ -154,7 +155,9 @@ class ChangeListener:
         try:
             if source.process() != self._process:
                 return
-            if signal == "StateChanged" and kind == "showing":
+            if signal == "TextChanged":
+                self._texts.append(kind)
+            elif signal == "StateChanged" and kind == "showing":
                 if value == 1 and source.role() == "notification":
                     self._announced.append(source.name())
             elif signal == "PropertyChange" and kind == "accessible-name":
@@ -174,6 +177,11 @@ class ChangeListener:
         """What was told until now: (kind, name or object)."""
         self._listen()
         return list(self._changes)
+
+    def text_changes(self):
+        """What was told of texts: "insert", "delete"."""
+        self._listen()
+        return list(self._texts)
 
     def announced(self):
         """The texts that were only to be spoken."""
