@@ -50,6 +50,7 @@ private Q_SLOTS:
     void keepsItsLinesLevelInEveryScript();
     void showsThePlaceholderWhereTheTextBegins();
     void hidesThePlaceholderBehindTextAndCompositions();
+    void tellsReadersThePlaceholderWhileItIsSeen();
     void lendsThePlaceholderNoMouse();
     void speaksTheLanguageOfThePreferences();
     void takesTheKeyboardWhenItIsFirstShown();
@@ -469,6 +470,22 @@ void NoteTextEditorTest::hidesThePlaceholderBehindTextAndCompositions()
             Pixels::inkBounds(prompt).width() / 2);
     fixture.compose({});
     QCOMPARE(drawn(fixture.editor), prompt);
+}
+
+void NoteTextEditorTest::tellsReadersThePlaceholderWhileItIsSeen()
+{
+    Fixture fixture;
+    const QString prompt = fixture.preferences.text(QString::fromLatin1(placeholder));
+    QCOMPARE(fixture.editor.accessibleDescription(), prompt);
+
+    fixture.editor.setNoteText(u"milk"_s);
+    QCOMPARE(fixture.editor.accessibleDescription(), QString());
+
+    fixture.editor.selectAll();
+    QTest::keyClick(&fixture.editor, Qt::Key_Delete);
+    QCOMPARE(fixture.editor.accessibleDescription(), prompt);
+    QTest::keyClicks(&fixture.editor, u"b"_s);
+    QCOMPARE(fixture.editor.accessibleDescription(), QString());
 }
 
 void NoteTextEditorTest::lendsThePlaceholderNoMouse()

@@ -160,6 +160,7 @@ void NoteTextEditor::setNoteText(const QString &text)
     m_text = text;
     m_readText = readDocument();
     moveCursor(QTextCursor::End);
+    describe();
     viewport()->update();
 }
 
@@ -189,6 +190,7 @@ void NoteTextEditor::announceEdit()
     if (text == m_readText || (!text.isValidUtf16() && replaceHalfCharacters()))
         return;
     hideRefusal();
+    describe();
     m_readText = text;
     m_text = text;
     Q_EMIT textEdited(text);
@@ -341,9 +343,16 @@ void NoteTextEditor::translate()
     setFont(font);
     setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
     m_placeholder.setDefaultFont(font);
-    setAccessibleText(this, m_preferences.text(u"Note text"_s), placeholder);
     replaceText(m_placeholder, placeholder);
+    describe();
     viewport()->update();
+}
+
+/// A reader says the prompt for as long as it is seen, and not behind the text of a note.
+void NoteTextEditor::describe()
+{
+    setAccessibleText(this, m_preferences.text(u"Note text"_s),
+                      document()->isEmpty() ? m_preferences.text(m_placeholderKey) : QString());
 }
 
 void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)

@@ -88,6 +88,7 @@ private:
     void insertPasted(const QMimeData &pasted);
     void paintPlaceholder();
     void translate();
+    void describe();
 
     const AppPreferences &m_preferences;
     const QString m_placeholderKey;
