@@ -6,6 +6,7 @@
 #include "SystemAppearance.h"
 #include "TextStyle.h"
 
+#include <QEvent>
 #include <QToolTip>
 #include <QVBoxLayout>
 
@@ -43,6 +44,14 @@ bool AppEnvironment::reduceMotion() const
 bool AppEnvironment::reduceTransparency() const
 {
     return m_system.reduceTransparency();
+}
+
+bool AppEnvironment::event(QEvent *event)
+{
+    // Sent to every window when the desktop's language changes.
+    if (event->type() == QEvent::LanguageChange)
+        m_preferences.setSystemLanguages(systemLanguages());
+    return ViewEnvironment::event(event);
 }
 
 void AppEnvironment::apply()

@@ -25,6 +25,9 @@ public:
     [[nodiscard]] bool reduceMotion() const override;
     [[nodiscard]] bool reduceTransparency() const override;
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
     void apply();
     void announce();

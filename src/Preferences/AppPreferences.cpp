@@ -40,7 +40,14 @@ QString AppPreferences::defaultResourcesFolder()
 
 QString AppPreferences::resolvedLanguage() const
 {
-    return ::resolvedLanguage(m_language, systemLanguages());
+    return resolved(m_language);
+}
+
+QString AppPreferences::resolved(AppLanguage language) const
+{
+    if (!m_systemLanguages)
+        m_systemLanguages = systemLanguages();
+    return ::resolvedLanguage(language, *m_systemLanguages);
 }
 
 QLocale AppPreferences::locale() const
@@ -50,11 +57,17 @@ QLocale AppPreferences::locale() const
 
 QString AppPreferences::text(const QString &key) const
 {
-    const QString language = resolvedLanguage();
-    const QTranslator *translations = &table(language);
-    if (translations->isEmpty()) {
-        translations = &table(::resolvedLanguage(AppLanguage::system, systemLanguages()));
-    }
+    auto known = m_texts.constFind(key);
+    if (known == m_texts.constEnd())
+        known = m_texts.insert(key, translated(key));
+    return *known;
+}
+
+QString AppPreferences::translated(const QString &key) const
+{
+    const QTranslator *translations = &table(resolvedLanguage());
+    if (translations->isEmpty())
+        translations = &table(resolved(AppLanguage::system));
     const QString translation = translations->translate("Localizable", key.toUtf8().constData());
     return translation.isNull() ? key : translation;
 }
@@ -69,10 +82,20 @@ QString AppPreferences::format(const QString &key, const QList<FormatArgument> &
     return formatted(text(key), translated, locale());
 }
 
+void AppPreferences::setSystemLanguages(const QStringList &languages)
+{
+    const QString before = resolvedLanguage();
+    m_systemLanguages = languages;
+    m_texts.clear();
+    if (resolvedLanguage() != before)
+        Q_EMIT languageChanged();
+}
+
 void AppPreferences::setLanguage(AppLanguage language)
 {
     if (m_language != language) {
         m_language = language;
+        m_texts.clear();
         Q_EMIT languageChanged();
     }
     persist();

@@ -5,8 +5,10 @@
 #include "AppLanguage.h"
 #include "Message.h"
 
+#include <QHash>
 #include <QLocale>
 #include <QObject>
+#include <QStringList>
 #include <QTranslator>
 #include <map>
 #include <optional>
@@ -17,7 +19,8 @@ class QSettings;
 ///
 /// The English text is the key. A text without a translation is shown as written. The tables are
 /// "en.lproj/Localizable.qm" and "zh-Hans.lproj/Localizable.qm" in the resources folder; each is
-/// read when its first text is asked for.
+/// read when its first text is asked for. What was translated is remembered while the language
+/// stays the same, and the system is asked for its languages once, until they change.
 class AppPreferences final : public QObject {
     Q_OBJECT
 
@@ -51,12 +54,16 @@ public:
         return format(message.key, message.arguments);
     }
 
+    /// In place of what systemLanguages() gave when it was first needed.
+    void setSystemLanguages(const QStringList &languages);
+
     /// Both store both choices, unless the settings are locked, and emit didChange(), also when the
     /// value stays the same.
     void setLanguage(AppLanguage language);
     void setAppearance(AppAppearance appearance);
 
 Q_SIGNALS:
+    /// Also when the system's languages are others and the user follows the system.
     void languageChanged();
     void appearanceChanged();
 
@@ -65,11 +72,15 @@ Q_SIGNALS:
 
 private:
     void persist();
+    [[nodiscard]] QString resolved(AppLanguage language) const;
+    [[nodiscard]] QString translated(const QString &key) const;
     [[nodiscard]] const QTranslator &table(const QString &language) const;
 
     QSettings *const m_defaults;
     const QString m_resourcesFolder;
     mutable std::map<QString, QTranslator> m_tables;
+    mutable std::optional<QStringList> m_systemLanguages; ///< Once they were asked for.
+    mutable QHash<QString, QString> m_texts;              ///< By key, in resolvedLanguage().
     AppLanguage m_language;
     AppAppearance m_appearance;
 };

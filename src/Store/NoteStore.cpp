@@ -213,7 +213,7 @@ void NoteStore::setDraft(const QString &typed)
     const bool isChange = m_snapshot.captureDraft != text;
     m_snapshot.captureDraft = text;
     if (isChange)
-        Q_EMIT snapshotChanged();
+        Q_EMIT draftChanged();
     scheduleSave();
 }
 
@@ -227,7 +227,7 @@ void NoteStore::updateDraft(const Note &note, const QString &typed)
         !m_snapshot.editingDrafts.contains(key) || m_snapshot.editingDrafts.value(key) != text;
     m_snapshot.editingDrafts[key] = text;
     if (isChange)
-        Q_EMIT snapshotChanged();
+        Q_EMIT editsChanged();
     scheduleSave();
 }
 
@@ -405,11 +405,20 @@ void NoteStore::tidy()
 
 void NoteStore::setSnapshot(const NoteSnapshot &snapshot)
 {
-    if (m_snapshot == snapshot)
-        return;
-    m_snapshot = snapshot;
-    m_search.setNotes(m_snapshot.notes);
-    Q_EMIT snapshotChanged();
+    const bool areOtherNotes = m_snapshot.notes != snapshot.notes;
+    const bool isOtherDraft = m_snapshot.captureDraft != snapshot.captureDraft;
+    const bool areOtherEdits = m_snapshot.editingDrafts != snapshot.editingDrafts;
+    // What is equal stays what it was, and is not kept twice.
+    m_snapshot = {snapshot.version, areOtherNotes ? snapshot.notes : m_snapshot.notes,
+                  snapshot.captureDraft, snapshot.editingDrafts};
+    if (areOtherNotes) {
+        m_search.setNotes(m_snapshot.notes);
+        Q_EMIT notesChanged();
+    }
+    if (isOtherDraft)
+        Q_EMIT draftChanged();
+    if (areOtherEdits)
+        Q_EMIT editsChanged();
 }
 
 void NoteStore::setFailure(std::optional<Message> failure,

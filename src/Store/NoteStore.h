@@ -159,7 +159,12 @@ public:
     std::optional<std::filesystem::path> keepForNextStart();
 
 Q_SIGNALS:
-    void snapshotChanged();
+    /// Other notes, or the same ones with another text or time.
+    void notesChanged();
+    /// The text of the capture screen.
+    void draftChanged();
+    /// Which notes have an unsaved edit, or what it is.
+    void editsChanged();
     void errorMessageChanged();
     void errorContextChanged();
     void repositoryErrorChanged();

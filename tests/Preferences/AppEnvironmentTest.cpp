@@ -21,6 +21,7 @@ private Q_SLOTS:
     void keepsTheChosenAppearanceWhenTheSystemChanges();
     void handsDownHighContrast();
     void changesLanguageAndLookWithoutRebuildingTheView();
+    void followsTheLanguageOfTheSystem();
     void announcesWhatNoPaletteCarries();
     void isFoundFromEveryDescendantAlone();
     void fillsItselfWithItsContent();
@@ -145,6 +146,21 @@ void AppEnvironmentTest::changesLanguageAndLookWithoutRebuildingTheView()
     QCOMPARE(field->text(), u"half a thought"_s);
     QCOMPARE(field->cursorPosition(), 4);
     QVERIFY(field->isVisible());
+}
+
+void AppEnvironmentTest::followsTheLanguageOfTheSystem()
+{
+    AppPreferences preferences(nullptr, AppLanguage::system, AppAppearance::light);
+    preferences.setSystemLanguages({u"zh-CN"_s});
+    SystemAppearance system;
+    AppEnvironment environment(preferences, system);
+    QCOMPARE(environment.locale().language(), QLocale::Chinese);
+
+    // Tests run where nobody prefers Chinese.
+    QEvent change(QEvent::LanguageChange);
+    QCoreApplication::sendEvent(&environment, &change);
+
+    QCOMPARE(environment.locale().language(), QLocale::English);
 }
 
 void AppEnvironmentTest::announcesWhatNoPaletteCarries()

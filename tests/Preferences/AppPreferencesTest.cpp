@@ -27,6 +27,7 @@ private Q_SLOTS:
     void takesAnUnknownStoredValueForTheSystem();
     void hasNoSystemLanguageInTheLocaleC_data();
     void hasNoSystemLanguageInTheLocaleC();
+    void followsTheSystemsLanguagesWhenTheyChange();
     void translatesPhrasesAndWritesNumbersOfTheLocale();
     void prefersGivenValuesAndStoresNothing();
     void writesBothKeysAtEveryChange();
@@ -166,6 +167,26 @@ void AppPreferencesTest::hasNoSystemLanguageInTheLocaleC()
             qputenv(name, value);
     }
     QCOMPARE(!languages.isEmpty(), hasLanguage);
+}
+
+void AppPreferencesTest::followsTheSystemsLanguagesWhenTheyChange()
+{
+    AppPreferences preferences(nullptr, AppLanguage::system);
+    const QSignalSpy changed(&preferences, &AppPreferences::languageChanged);
+    QCOMPARE(preferences.text(u"Notes"_s), u"Notes"_s);
+
+    preferences.setSystemLanguages({u"zh-CN"_s, u"en"_s});
+    QCOMPARE(preferences.resolvedLanguage(), u"zh-Hans"_s);
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(preferences.text(u"Notes"_s) != u"Notes"_s);
+
+    preferences.setSystemLanguages({u"zh-TW"_s});
+    QCOMPARE(changed.count(), 1);
+
+    preferences.setLanguage(AppLanguage::english);
+    QCOMPARE(preferences.text(u"Notes"_s), u"Notes"_s);
+    preferences.setSystemLanguages({});
+    QCOMPARE(changed.count(), 2);
 }
 
 void AppPreferencesTest::translatesPhrasesAndWritesNumbersOfTheLocale()

@@ -326,7 +326,8 @@ void NoteStoreTest::ignoresDraftsWhenReadOnly()
 {
     const Note note = noteOf(u"milk"_s);
     auto fixture = Fixture::unreadable({}, noSpace);
-    const QSignalSpy snapshotChanged(&fixture.store, &NoteStore::snapshotChanged);
+    const QSignalSpy draft(&fixture.store, &NoteStore::draftChanged);
+    const QSignalSpy edits(&fixture.store, &NoteStore::editsChanged);
 
     fixture.store.setDraft(u"typed"_s);
     fixture.store.updateDraft(note, u"edited"_s);
@@ -335,7 +336,8 @@ void NoteStoreTest::ignoresDraftsWhenReadOnly()
     QCOMPARE(fixture.store.snapshot(), NoteSnapshot());
     QVERIFY(!fixture.store.hasDraft(note));
     QVERIFY(!fixture.store.hasPendingChanges());
-    QCOMPARE(snapshotChanged.count(), 0);
+    QCOMPARE(draft.count(), 0);
+    QCOMPARE(edits.count(), 0);
 }
 
 void NoteStoreTest::refusesEveryOperationWhenReadOnly()
@@ -954,16 +956,18 @@ void NoteStoreTest::keepsADraftExactlyAsTyped()
 void NoteStoreTest::tellsOfChangesOnly()
 {
     Fixture fixture;
-    const QSignalSpy snapshot(&fixture.store, &NoteStore::snapshotChanged);
+    const QSignalSpy notes(&fixture.store, &NoteStore::notesChanged);
+    const QSignalSpy draft(&fixture.store, &NoteStore::draftChanged);
+    const QSignalSpy edits(&fixture.store, &NoteStore::editsChanged);
     const QSignalSpy pending(&fixture.store, &NoteStore::hasPendingChangesChanged);
     const QSignalSpy message(&fixture.store, &NoteStore::errorMessageChanged);
     const QSignalSpy context(&fixture.store, &NoteStore::errorContextChanged);
     const QSignalSpy error(&fixture.store, &NoteStore::repositoryErrorChanged);
 
     fixture.store.setDraft(u"milk"_s);
-    QCOMPARE(snapshot.count(), 1);
+    QCOMPARE(draft.count(), 1);
     fixture.store.setDraft(u"milk"_s);
-    QCOMPARE(snapshot.count(), 1);
+    QCOMPARE(draft.count(), 1);
     QCOMPARE(pending.count(), 1);
 
     fixture.repository.failWith(RepositoryError::externalChange());
@@ -982,27 +986,38 @@ void NoteStoreTest::tellsOfChangesOnly()
         QCOMPARE(context.count(), 1);
         QCOMPARE(error.count(), 2);
         QCOMPARE(pending.count(), 2);
-        QCOMPARE(snapshot.count(), 1);
+        QCOMPARE(draft.count(), 1);
     }
 
+    QCOMPARE(notes.count(), 0);
     QVERIFY(fixture.store.saveCapture());
-    QCOMPARE(snapshot.count(), 2);
+    QCOMPARE(draft.count(), 2);
+    QCOMPARE(notes.count(), 1);
+    QCOMPARE(edits.count(), 0);
 }
 
 void NoteStoreTest::tellsOfAnEditThatChanges()
 {
     const Note note = noteOf(u"milk"_s);
     Fixture fixture(snapshotOf({note}));
-    const QSignalSpy snapshot(&fixture.store, &NoteStore::snapshotChanged);
+    const QSignalSpy notes(&fixture.store, &NoteStore::notesChanged);
+    const QSignalSpy draft(&fixture.store, &NoteStore::draftChanged);
+    const QSignalSpy edits(&fixture.store, &NoteStore::editsChanged);
 
     fixture.store.updateDraft(note, QString());
-    QCOMPARE(snapshot.count(), 1);
+    QCOMPARE(edits.count(), 1);
     fixture.store.updateDraft(note, QString());
-    QCOMPARE(snapshot.count(), 1);
+    QCOMPARE(edits.count(), 1);
     fixture.store.updateDraft(note, u"milk"_s);
-    QCOMPARE(snapshot.count(), 2);
+    QCOMPARE(edits.count(), 2);
     fixture.store.updateDraft(note, u"milk"_s);
-    QCOMPARE(snapshot.count(), 2);
+    QCOMPARE(edits.count(), 2);
+    QCOMPARE(notes.count(), 0);
+
+    QVERIFY(fixture.store.deleteNote(note));
+    QCOMPARE(edits.count(), 3);
+    QCOMPARE(notes.count(), 1);
+    QCOMPARE(draft.count(), 0);
 }
 
 void NoteStoreTest::canBeDestroyedWhileADraftWaits()

@@ -61,7 +61,7 @@ void OutsideChangeTest::init()
 void OutsideChangeTest::isTakenInBeforeTheNotesAreShown()
 {
     m_repository->changeOutside(withDraft(u"theirs"_s));
-    const QSignalSpy changed(&*m_store, &NoteStore::snapshotChanged);
+    const QSignalSpy changed(&*m_store, &NoteStore::draftChanged);
 
     m_store->takeInChanges();
 

@@ -69,17 +69,18 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
     setFocusProxy(m_editor);
     setAccessibleRole(this, QAccessible::Client);
 
-    connect(&m_store, &NoteStore::snapshotChanged, this, &CaptureView::render);
-    connect(&m_store, &NoteStore::errorMessageChanged, this, &CaptureView::render);
-    connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &CaptureView::render);
-    connect(&m_preferences, &AppPreferences::languageChanged, this, &CaptureView::render);
+    connect(&m_store, &NoteStore::draftChanged, this, &CaptureView::renderDraft);
+    connect(&m_store, &NoteStore::errorMessageChanged, this, &CaptureView::renderStatus);
+    connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &CaptureView::renderStatus);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &CaptureView::renderTexts);
     connect(m_editor, &NoteTextEditor::textEdited, &m_store, &NoteStore::setDraft);
-    connect(m_editor, &NoteTextEditor::compositionChanged, this, &CaptureView::render);
+    connect(m_editor, &NoteTextEditor::compositionChanged, this, &CaptureView::renderSaving);
     connect(m_save, &QAbstractButton::clicked, this, &CaptureView::save);
     connect(m_saveKeys, &SaveKeys::pressed, this, &CaptureView::save);
     connect(&m_midnight, &QTimer::timeout, this, &CaptureView::renderDate);
 
-    render();
+    renderDraft();
+    renderTexts();
 }
 
 bool CaptureView::canSave() const
@@ -94,24 +95,42 @@ void CaptureView::save()
         Q_EMIT saved();
 }
 
-void CaptureView::render()
+void CaptureView::renderTexts()
 {
     renderDate();
     m_title->setText(m_preferences.text(u"What’s on your mind?"_s));
     m_subtitle->setText(m_preferences.text(u"Catch the idea. Keep your flow."_s));
+    renderCount();
+    renderStatus();
+    m_hint->setText(m_preferences.text(u"⌘ ↵ Save & close"_s));
+    m_save->setText(m_preferences.text(u"Save this thought"_s));
+}
 
+void CaptureView::renderDraft()
+{
     m_editor->setNoteText(m_store.draft());
-    m_editor->setEnabled(!m_store.isReadOnly());
+    renderCount();
+    renderSaving();
+}
 
-    m_statusSymbol->setSymbol(m_store.failure() ? u"exclamationmark.circle"_s
-                                                : u"checkmark.circle"_s);
-    m_status->setText(m_preferences.text(m_store.status()));
+void CaptureView::renderCount()
+{
     const qsizetype count = characterCount(m_store.draft());
     m_count->setText(count == 1 ? m_preferences.text(u"1 character"_s)
                                 : m_preferences.format(u"%d characters"_s, {qint64(count)}));
+}
 
-    m_hint->setText(m_preferences.text(u"⌘ ↵ Save & close"_s));
-    m_save->setText(m_preferences.text(u"Save this thought"_s));
+void CaptureView::renderStatus()
+{
+    m_editor->setEnabled(!m_store.isReadOnly());
+    m_statusSymbol->setSymbol(m_store.failure() ? u"exclamationmark.circle"_s
+                                                : u"checkmark.circle"_s);
+    m_status->setText(m_preferences.text(m_store.status()));
+    renderSaving();
+}
+
+void CaptureView::renderSaving()
+{
     m_save->setEnabled(canSave());
     m_saveKeys->setEnabled(canSave());
 }

@@ -30,8 +30,12 @@ Q_SIGNALS:
 private:
     [[nodiscard]] bool canSave() const;
     void save();
-    void render();
+    void renderTexts();
     void renderDate();
+    void renderDraft();
+    void renderCount();
+    void renderStatus();
+    void renderSaving();
 
     NoteStore &m_store;
     const AppPreferences &m_preferences;

@@ -51,20 +51,22 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
     setFocusProxy(m_editor);
     setAccessibleRole(this, QAccessible::Client);
 
-    connect(&m_store, &NoteStore::snapshotChanged, this, &EditNoteView::render);
-    connect(&m_store, &NoteStore::errorMessageChanged, this, &EditNoteView::render);
-    connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &EditNoteView::render);
-    connect(&m_preferences, &AppPreferences::languageChanged, this, &EditNoteView::render);
+    connect(&m_store, &NoteStore::notesChanged, this, &EditNoteView::renderText);
+    connect(&m_store, &NoteStore::editsChanged, this, &EditNoteView::renderText);
+    connect(&m_store, &NoteStore::errorMessageChanged, this, &EditNoteView::renderStatus);
+    connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &EditNoteView::renderStatus);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &EditNoteView::renderTexts);
     connect(m_back, &QAbstractButton::clicked, this, &EditNoteView::backRequested);
     connect(m_copy, &QAbstractButton::clicked, this, &EditNoteView::copy);
     connect(m_delete, &QAbstractButton::clicked, this, &EditNoteView::confirmDelete);
     connect(m_editor, &NoteTextEditor::textEdited, this,
             [this](const QString &text) { m_store.updateDraft(m_note, text); });
-    connect(m_editor, &NoteTextEditor::compositionChanged, this, &EditNoteView::render);
+    connect(m_editor, &NoteTextEditor::compositionChanged, this, &EditNoteView::renderSaving);
     connect(m_save, &QAbstractButton::clicked, this, &EditNoteView::save);
     connect(m_saveKeys, &SaveKeys::pressed, this, &EditNoteView::save);
 
-    render();
+    renderText();
+    renderTexts();
 }
 
 EditNoteView::~EditNoteView()
@@ -84,7 +86,7 @@ void EditNoteView::copy()
     QGuiApplication::clipboard()->setText(text);
     // Another program may hold on to the clipboard, and Qt does not say so.
     m_isCopied = ClipboardReader::holdsOwn(text);
-    render();
+    renderCopied();
     if (m_isCopied)
         m_announcement->say(m_preferences.text(u"Copied"_s));
 }
@@ -96,12 +98,12 @@ void EditNoteView::confirmDelete()
     m_alert = new DeleteAlert(m_preferences, window());
     connect(m_alert, &DeleteAlert::dismissed, this, [this] {
         m_alert = nullptr;
-        render();
+        renderSaving();
     });
     connect(m_alert, &DeleteAlert::confirmed, this, &EditNoteView::deleteNote);
     // From outside the list of notes may be asked for meanwhile.
     connect(this, &QObject::destroyed, m_alert, &QObject::deleteLater);
-    render();
+    renderSaving();
 }
 
 void EditNoteView::deleteNote()
@@ -117,21 +119,39 @@ void EditNoteView::save()
         Q_EMIT backRequested();
 }
 
-void EditNoteView::render()
+void EditNoteView::renderTexts()
 {
     m_back->setText(m_preferences.text(u"All notes"_s));
-    m_copy->setSymbol(m_isCopied ? u"checkmark"_s : u"doc.on.doc"_s);
+    renderCopied();
     m_copy->setLabel(m_preferences.text(u"Copy text"_s));
     m_delete->setLabel(m_preferences.text(u"Delete note"_s));
-    m_delete->setEnabled(!m_store.isReadOnly());
-
     m_date->setText(dateText(m_note.createdAt, DateStyle::yearMonthDayAndTime,
                              m_preferences.resolvedLanguage()));
-    m_editor->setNoteText(m_store.text(m_note));
-    m_editor->setEnabled(!m_store.isReadOnly());
-
-    m_status->setText(m_preferences.text(m_store.status()));
+    renderStatus();
     m_save->setText(m_preferences.text(u"Save changes"_s));
+}
+
+void EditNoteView::renderCopied()
+{
+    m_copy->setSymbol(m_isCopied ? u"checkmark"_s : u"doc.on.doc"_s);
+}
+
+void EditNoteView::renderText()
+{
+    m_editor->setNoteText(m_store.text(m_note));
+    renderSaving();
+}
+
+void EditNoteView::renderStatus()
+{
+    m_delete->setEnabled(!m_store.isReadOnly());
+    m_editor->setEnabled(!m_store.isReadOnly());
+    m_status->setText(m_preferences.text(m_store.status()));
+    renderSaving();
+}
+
+void EditNoteView::renderSaving()
+{
     m_save->setEnabled(canSave());
     // The save button lies under the alert, but its keys reach everywhere.
     m_saveKeys->setEnabled(canSave() && !m_alert);

@@ -36,7 +36,11 @@ private:
     void confirmDelete();
     void deleteNote();
     void save();
-    void render();
+    void renderTexts();
+    void renderCopied();
+    void renderText();
+    void renderStatus();
+    void renderSaving();
 
     NoteStore &m_store;
     const AppPreferences &m_preferences;

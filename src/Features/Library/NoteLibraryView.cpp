@@ -84,9 +84,11 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
          std::initializer_list<QWidget *>{m_title, m_count, field, m_list, m_empty, m_announcement})
         part->raise();
 
-    connect(&m_store, &NoteStore::snapshotChanged, this, &NoteLibraryView::render);
-    connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteLibraryView::render);
-    connect(&m_store, &NoteStore::snapshotChanged, m_model, &NoteListModel::refresh);
+    connect(&m_store, &NoteStore::notesChanged, this, &NoteLibraryView::renderCount);
+    connect(&m_store, &NoteStore::notesChanged, this, &NoteLibraryView::renderResults);
+    connect(&m_store, &NoteStore::editsChanged, m_model, &NoteListModel::refresh);
+    connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteLibraryView::renderEmptyState);
+    connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteLibraryView::renderTexts);
     connect(&m_preferences, &AppPreferences::languageChanged, m_model, &NoteListModel::refresh);
     connect(m_search, &QLineEdit::textChanged, this, &NoteLibraryView::search);
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
@@ -108,7 +110,8 @@ NoteLibraryView::NoteLibraryView(NoteStore &store, const AppPreferences &prefere
     });
 
     levelCount();
-    render();
+    renderTexts();
+    renderResults();
 }
 
 bool NoteLibraryView::select(const Note &note)
@@ -166,7 +169,7 @@ void NoteLibraryView::search()
 {
     m_list->setCurrentIndex({});
     m_list->scrollToTop();
-    render();
+    renderResults();
     announceResults();
 }
 
@@ -195,35 +198,49 @@ void NoteLibraryView::levelCount()
     m_count->setContentsMargins(0, 0, 0, baselineHeight(*m_title) - baselineHeight(*m_count));
 }
 
-void NoteLibraryView::render()
+void NoteLibraryView::renderTexts()
 {
-    const QString query = m_search->text();
     m_title->setText(m_preferences.text(u"Thoughts, kept."_s));
-    m_count->setText(m_preferences.format(u"%02d"_s, {qint64(m_store.snapshot().notes.size())}));
-
+    renderCount();
     m_search->setPlaceholderText(m_preferences.text(u"Find a thought…"_s));
     setAccessibleText(m_search, m_search->placeholderText());
-    m_clear->setVisible(!query.isEmpty());
     setAccessibleText(m_clear, m_preferences.text(u"Clear search"_s));
     m_clear->setToolTip(m_clear->accessibleName());
+    setAccessibleText(m_list, m_preferences.text(u"Notes"_s));
+    renderEmptyState();
+}
 
-    m_model->show(m_store.matching(query), query);
+void NoteLibraryView::renderCount()
+{
+    m_count->setText(m_preferences.format(u"%02d"_s, {qint64(m_store.snapshot().notes.size())}));
+}
+
+void NoteLibraryView::renderResults()
+{
+    m_clear->setVisible(!m_search->text().isEmpty());
+    m_model->show(m_store.matching(m_search->text()), m_search->text());
     // It goes when it is empty, and the keyboard would go to whatever comes next.
     if (m_model->rowCount() == 0 && m_list->hasFocus())
         m_search->setFocus(Qt::OtherFocusReason);
     m_list->setVisible(m_model->rowCount() > 0);
-    setAccessibleText(m_list, m_preferences.text(u"Notes"_s));
+    renderEmptyState();
+}
 
+void NoteLibraryView::renderEmptyState()
+{
+    m_empty->setVisible(m_model->rowCount() == 0);
+    if (m_model->rowCount() > 0)
+        return;
     // An empty store invites to write; one that could not be read has its say in the banner alone.
-    const bool isUnread = m_store.isReadOnly() && query.isEmpty();
+    const bool isSearching = !m_search->text().isEmpty();
+    const bool isUnread = m_store.isReadOnly() && !isSearching;
     for (QWidget *const part :
          std::initializer_list<QWidget *>{m_emptySymbol, m_emptyHeading, m_emptyHint})
         part->setVisible(!isUnread);
-    m_empty->setVisible(m_model->rowCount() == 0);
-    m_emptySymbol->setSymbol(query.isEmpty() ? u"sparkle"_s : u"magnifyingglass"_s);
-    m_emptyHeading->setText(m_preferences.text(query.isEmpty()
-                                                   ? u"Every good idea starts\nwith a quick note."_s
-                                                   : u"No matching thoughts yet."_s));
+    m_emptySymbol->setSymbol(isSearching ? u"magnifyingglass"_s : u"sparkle"_s);
+    m_emptyHeading->setText(
+        m_preferences.text(isSearching ? u"No matching thoughts yet."_s
+                                       : u"Every good idea starts\nwith a quick note."_s));
     m_emptyHint->setText(m_preferences.text(
-        query.isEmpty() ? u"Open Capture to write your first one."_s : u"Try another keyword."_s));
+        isSearching ? u"Try another keyword."_s : u"Open Capture to write your first one."_s));
 }

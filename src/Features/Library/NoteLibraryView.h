@@ -49,7 +49,10 @@ private:
     void enterList();
     void levelCount();
     void announceResults();
-    void render();
+    void renderTexts();
+    void renderCount();
+    void renderResults();
+    void renderEmptyState();
 
     NoteStore &m_store;
     const AppPreferences &m_preferences;

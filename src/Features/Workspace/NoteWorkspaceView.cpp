@@ -84,12 +84,13 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
              drive, m_storage, m_count, dot, m_tagline})
         part->raise();
 
-    connect(&m_store, &NoteStore::snapshotChanged, this, &NoteWorkspaceView::render);
-    connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteWorkspaceView::render);
-    connect(&m_store, &NoteStore::errorPlaceChanged, this, &NoteWorkspaceView::render);
-    connect(&m_store, &NoteStore::hasCopiesChanged, this, &NoteWorkspaceView::render);
-    connect(&m_store, &NoteStore::errorContextChanged, this, &NoteWorkspaceView::render);
-    connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteWorkspaceView::render);
+    connect(&m_store, &NoteStore::notesChanged, this, &NoteWorkspaceView::renderCount);
+    connect(&m_store, &NoteStore::errorMessageChanged, this, &NoteWorkspaceView::renderBanner);
+    connect(&m_store, &NoteStore::errorPlaceChanged, this, &NoteWorkspaceView::renderBanner);
+    connect(&m_store, &NoteStore::hasCopiesChanged, this, &NoteWorkspaceView::renderBanner);
+    connect(&m_store, &NoteStore::errorContextChanged, this, &NoteWorkspaceView::renderBanner);
+    connect(&m_preferences, &AppPreferences::languageChanged, this,
+            &NoteWorkspaceView::renderTexts);
     for (const WorkspaceTab tab : allWorkspaceTabs) {
         const PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
         connect(button, &QAbstractButton::clicked, this, [this, tab] { chooseTab(tab); });
@@ -103,7 +104,8 @@ NoteWorkspaceView::NoteWorkspaceView(NoteStore &store, AppPreferences &preferenc
     connect(m_banner, &ErrorBanner::takeInRequested, this, &NoteWorkspaceView::askToTakeIn);
 
     showScreen();
-    render();
+    renderTabs();
+    renderTexts();
 }
 
 NoteWorkspaceView::~NoteWorkspaceView()
@@ -114,7 +116,7 @@ NoteWorkspaceView::~NoteWorkspaceView()
 void NoteWorkspaceView::showWayOut()
 {
     m_showsWayOut = true;
-    render();
+    renderBanner();
 }
 
 void NoteWorkspaceView::showLibrary()
@@ -129,7 +131,7 @@ void NoteWorkspaceView::chooseTab(WorkspaceTab tab)
     m_tab = tab;
     if (!isShown)
         showScreen();
-    render();
+    renderTabs();
 }
 
 void NoteWorkspaceView::open(const Note &note)
@@ -322,33 +324,44 @@ QString NoteWorkspaceView::failureText() const
     return text;
 }
 
-void NoteWorkspaceView::render()
+void NoteWorkspaceView::renderTexts()
+{
+    for (const WorkspaceTab tab : allWorkspaceTabs)
+        m_tabs[static_cast<size_t>(tab)]->setText(m_preferences.text(titleOf(tab)));
+    m_collapse->setLabel(m_preferences.text(u"Close · Esc"_s));
+    m_banner->setRetryText(m_preferences.text(u"Retry"_s));
+    m_banner->setShowText(m_preferences.text(u"Show file"_s));
+    m_banner->setReloadText(m_preferences.text(u"Reload"_s));
+    m_banner->setTakeInText(m_preferences.text(u"Take in copies…"_s));
+    renderBanner();
+    m_storage->setText(m_preferences.text(u"Markdown · local"_s));
+    renderCount();
+    m_tagline->setText(m_preferences.text(u"Capture now. Think later."_s));
+}
+
+void NoteWorkspaceView::renderTabs()
+{
+    for (const WorkspaceTab tab : allWorkspaceTabs)
+        m_tabs[static_cast<size_t>(tab)]->setChecked(tab == m_tab);
+}
+
+void NoteWorkspaceView::renderBanner()
 {
     m_showsWayOut = m_showsWayOut && m_store.failure();
-    for (const WorkspaceTab tab : allWorkspaceTabs) {
-        PlainButton *const button = m_tabs[static_cast<size_t>(tab)];
-        button->setText(m_preferences.text(titleOf(tab)));
-        button->setChecked(tab == m_tab);
-    }
-    m_collapse->setLabel(m_preferences.text(u"Close · Esc"_s));
-
     const QString failure = failureText();
     if (failure.isEmpty() && m_screen && m_banner->isAncestorOf(focusWidget()))
         m_screen->setFocus(Qt::OtherFocusReason);
     m_banner->setMessage(failure);
-    m_banner->setRetryText(m_preferences.text(u"Retry"_s));
     m_banner->setRetryVisible(m_store.failure().has_value());
     m_banner->setRetryEnabled(!m_store.isReadOnly());
-    m_banner->setShowText(m_preferences.text(u"Show file"_s));
     m_banner->setShowVisible(m_store.errorPlace().has_value());
-    m_banner->setReloadText(m_preferences.text(u"Reload"_s));
     m_banner->setReloadVisible(m_store.canReload());
-    m_banner->setTakeInText(m_preferences.text(u"Take in copies…"_s));
     m_banner->setTakeInVisible(m_store.canTakeIn());
+}
 
-    m_storage->setText(m_preferences.text(u"Markdown · local"_s));
+void NoteWorkspaceView::renderCount()
+{
     const qsizetype count = m_store.snapshot().notes.size();
     m_count->setText(count == 1 ? m_preferences.text(u"1 note"_s)
                                 : m_preferences.format(u"%d notes"_s, {qint64(count)}));
-    m_tagline->setText(m_preferences.text(u"Capture now. Think later."_s));
 }

@@ -72,7 +72,10 @@ private:
     void showScreen(const std::optional<Note> &returningFrom = {});
 
     [[nodiscard]] QString failureText() const;
-    void render();
+    void renderTexts();
+    void renderTabs();
+    void renderBanner();
+    void renderCount();
 
     NoteStore &m_store;
     AppPreferences &m_preferences;
