@@ -3,6 +3,7 @@
 #include "AppPreferences.h"
 #include "CountedCalls.h"
 #include "FailingRepository.h"
+#include "NoteListModel.h"
 #include "NoteStore.h"
 #include "NoteTextEditor.h"
 #include "NoteWorkspaceView.h"
@@ -113,8 +114,11 @@ private Q_SLOTS:
         // What is said of what was found; the rows need no text of the program.
         QCOMPARE(counts.texts, QStringList(u"%d notes"_s));
         QCOMPARE(counts.dates, 0);
-        for (const QSignalSpy *const change : {&resets, &removals, &insertions, &changes})
+        for (const QSignalSpy *const change : {&resets, &removals, &insertions})
             QCOMPARE(change->count(), 0);
+        const QList<int> marks{NoteListModel::titleMatchesRole, NoteListModel::excerptMatchesRole};
+        for (const QList<QVariant> &change : changes)
+            QCOMPARE(change.at(2).value<QList<int>>(), marks);
     }
 };
 

@@ -344,15 +344,18 @@ void NoteTextEditor::translate()
     setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
     m_placeholder.setDefaultFont(font);
     replaceText(m_placeholder, placeholder);
-    describe();
+    setAccessibleText(this, m_preferences.text(u"Note text"_s),
+                      document()->isEmpty() ? placeholder : QString());
     viewport()->update();
 }
 
 /// A reader says the prompt for as long as it is seen, and not behind the text of a note.
 void NoteTextEditor::describe()
 {
-    setAccessibleText(this, m_preferences.text(u"Note text"_s),
-                      document()->isEmpty() ? m_preferences.text(m_placeholderKey) : QString());
+    const bool isEmpty = document()->isEmpty();
+    if (isEmpty != accessibleDescription().isEmpty())
+        return;
+    setAccessibleDescription(isEmpty ? m_preferences.text(m_placeholderKey) : QString());
 }
 
 void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
