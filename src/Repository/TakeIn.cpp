@@ -371,11 +371,12 @@ void TakeIn::tellOutcome(std::size_t index)
     const Text *first = nullptr;
     qint64 made = 0;
     // They were collected step by step.
-    for (const Text &text : std::ranges::equal_range(m_texts, index, {}, &Text::step)) {
-        const bool isMade = text.fate == Fate::made || text.fate == Fate::restored;
+    auto text = std::ranges::lower_bound(m_texts, index, {}, &Text::step);
+    for (; text != m_texts.end() && text->step == index; ++text) {
+        const bool isMade = text->fate == Fate::made || text->fate == Fate::restored;
         made += isMade ? 1 : 0;
         if (!first || (isMade && made == 1))
-            first = &text;
+            first = &*text;
     }
     if (made > 0)
         step.outcome = first->fate == Fate::restored ? Outcome::restored : Outcome::note;
