@@ -128,10 +128,10 @@ void NoteListModel::show(const FoundNotes &notes, const QString &query)
     const auto coming = going ? std::nullopt : rowsMissing(m_notes, notes);
     Q_EMIT rowsAboutToChange();
     if (going) {
-        removeRows(*going);
+        removeStretches(*going);
         setNotes(notes);
     } else if (coming) {
-        insertRows(*coming, notes);
+        insertStretches(*coming, notes);
     } else {
         beginResetModel();
         setNotes(notes);
@@ -164,7 +164,7 @@ void NoteListModel::setNotes(const FoundNotes &notes)
 }
 
 /// The last ones first, so that those before them keep their numbers.
-void NoteListModel::removeRows(const std::vector<Rows> &stretches)
+void NoteListModel::removeStretches(const std::vector<Rows> &stretches)
 {
     for (auto rows = stretches.rbegin(); rows != stretches.rend(); ++rows) {
         beginRemoveRows({}, rows->first, rows->first + rows->count - 1);
@@ -173,7 +173,7 @@ void NoteListModel::removeRows(const std::vector<Rows> &stretches)
     }
 }
 
-void NoteListModel::insertRows(const std::vector<Rows> &stretches, const FoundNotes &notes)
+void NoteListModel::insertStretches(const std::vector<Rows> &stretches, const FoundNotes &notes)
 {
     FoundNotes there = notes;
     for (auto rows = stretches.rbegin(); rows != stretches.rend(); ++rows)

@@ -74,8 +74,8 @@ private:
     [[nodiscard]] bool search(const QString &query);
     void refreshMatches();
     void setNotes(const FoundNotes &notes);
-    void removeRows(const std::vector<Rows> &stretches);
-    void insertRows(const std::vector<Rows> &stretches, const FoundNotes &notes);
+    void removeStretches(const std::vector<Rows> &stretches);
+    void insertStretches(const std::vector<Rows> &stretches, const FoundNotes &notes);
 
     struct Preview {
         /// Shared with the note, so that the same characters are at the same address.
