@@ -188,8 +188,10 @@ void NoteListModel::insertStretches(const std::vector<Rows> &stretches, const Fo
 
 void NoteListModel::refresh()
 {
-    if (!m_notes.isEmpty())
-        Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    if (m_notes.isEmpty())
+        return;
+    Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    Q_EMIT textsChanged();
 }
 
 void NoteListModel::refreshMatches()

@@ -60,6 +60,9 @@ Q_SIGNALS:
     void rowsAboutToChange();
     void rowsChanged();
 
+    /// The same rows have other texts, and perhaps other heights. Not for other matches alone.
+    void textsChanged();
+
 private:
     /// Rows of the longer of two lists that the other one has not.
     struct Rows {

@@ -50,8 +50,8 @@ NoteListView::NoteListView(NoteListModel *model, QWidget *parent)
     connect(model, &NoteListModel::rowsAboutToChange, this, &NoteListView::keepPlace);
     connect(model, &NoteListModel::rowsChanged, this, &NoteListView::returnToPlace);
     connect(model, &NoteListModel::rowsChanged, this, &NoteListView::announceRows);
-    connect(model, &QAbstractItemModel::dataChanged, this, &NoteListView::doItemsLayout);
-    connect(model, &QAbstractItemModel::dataChanged, this, &NoteListView::announceRows);
+    connect(model, &NoteListModel::textsChanged, this, &NoteListView::doItemsLayout);
+    connect(model, &NoteListModel::textsChanged, this, &NoteListView::announceRows);
     connect(this, &QAbstractItemView::clicked, this, &NoteListView::opened);
 }
 
