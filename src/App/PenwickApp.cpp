@@ -27,9 +27,7 @@ std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
     QApplication::setStyle(new ProgramStyle);
 
     const DisplayErrors untilItStands;
-    auto application = std::make_unique<QApplication>(argc, argv);
-    doWithoutSilentAccessibility();
-    return application;
+    return std::make_unique<QApplication>(argc, argv);
 }
 
 /// A text of the program; none where there is nothing to say.
@@ -79,22 +77,22 @@ int PenwickApp::run()
     if (!options.unknown.isEmpty())
         std::fprintf(stderr, "quillmark: unknown: %s (see quillmark --help)\n",
                      qUtf8Printable(options.unknown.join(u' ')));
+    // A session that is restored and what starts with it, in either order, open nothing.
+    const bool isOfSession = m_application->isSessionRestored() || options.isAutostart;
+    const auto wish = isOfSession          ? SingleInstance::Wish::none
+                      : options.showsNotes ? SingleInstance::Wish::showNotes
+                                           : SingleInstance::Wish::open;
     // Interface tests and hosts of other code run beside the user's own program.
-    if (options.mode == LaunchOptions::Mode::normal) {
-        // A session that is restored and what starts with it, in either order, open nothing.
-        const bool isOfSession = m_application->isSessionRestored() || options.isAutostart;
-        const SingleInstance::Claim claim =
-            m_instance.claim(isOfSession          ? SingleInstance::Wish::none
-                             : options.showsNotes ? SingleInstance::Wish::showNotes
-                                                  : SingleInstance::Wish::open);
-        if (claim == SingleInstance::Claim::passedOn)
-            return EXIT_SUCCESS;
-        if (const QString why = whyRefused(claim); !why.isEmpty()) {
-            const auto defaults = standardDefaults();
-            const AppPreferences preferences(defaults.get());
-            RefusedStart::tell({why, {}}, &preferences);
-            return EXIT_FAILURE;
-        }
+    const auto claim = options.mode == LaunchOptions::Mode::normal ? m_instance.claim(wish)
+                                                                   : SingleInstance::Claim::granted;
+    if (claim == SingleInstance::Claim::passedOn)
+        return EXIT_SUCCESS;
+    doWithoutSilentAccessibility();
+    if (const QString why = whyRefused(claim); !why.isEmpty()) {
+        const auto defaults = standardDefaults();
+        const AppPreferences preferences(defaults.get());
+        RefusedStart::tell({why, {}}, &preferences);
+        return EXIT_FAILURE;
     }
     if (const auto refusal = m_delegate.applicationDidFinishLaunching(options)) {
         RefusedStart::tell(*refusal, m_delegate.preferences());
