@@ -111,7 +111,11 @@ std::optional<ConflictName> conflictNameOf(std::string_view name)
 
 bool isCopyOfNote(std::string_view name)
 {
-    const std::optional<ConflictName> conflict = conflictNameOf(name);
+    // Asked of every foreign file, pictures by the thousand. What a copy was called ended in ".md".
+    bool mayBe = false;
+    for (std::size_t end = 1; !mayBe && end <= name.size(); ++end)
+        mayBe = FileNames::isMarkdown(name.substr(0, end));
+    const std::optional<ConflictName> conflict = mayBe ? conflictNameOf(name) : std::nullopt;
     if (!conflict)
         return false;
     const FileNames::Owner owner = FileNames::parse(conflict->original);

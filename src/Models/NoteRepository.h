@@ -25,8 +25,8 @@ public:
     /// The whole stored state.
     [[nodiscard]] virtual NoteSnapshot load() = 0;
 
-    /// Whether another program changed what is stored since it was last read or written here. May
-    /// throw as well.
+    /// Whether another program changed what is stored, or what hasCopies() tells of, since it was
+    /// last read or written here. May throw as well.
     [[nodiscard]] virtual bool isChangedOutside() { return false; }
 
     /// The whole stored state anew, with what is typed and not stored put into it as merged() says.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "KnownFolder.h"
 
+#include "Neighbour.h"
 #include "SnapshotDifference.h"
 
 #include <algorithm>
@@ -36,6 +37,7 @@ const NoteFile *KnownFolder::find(const NoteFilePlace &place) const noexcept
 
 bool KnownFolder::isStill(const NoteFolder &folder)
 {
+    m_sawCopies = false;
     return isMarkerStill(folder) && isStill(folder, Section::notes) &&
            isStill(folder, Section::drafts);
 }
@@ -71,8 +73,10 @@ bool KnownFolder::isStill(const NoteFolder &folder, Section section,
     auto file = files.begin();
     for (const DirectoryListing::Entry &entry : listing.entries()) {
         const char *name = listing.name(entry);
-        if (!FileNames::isMarkdown(name))
+        if (!FileNames::isMarkdown(name)) {
+            m_sawCopies = m_sawCopies || (entry.kind == FileKind::file && isCopyOfNote(name));
             continue;
+        }
         if (entry.kind != FileKind::file)
             throw directory.error(NoteFolder::refusal(name, entry.kind), name);
         if (file == files.end() || std::strcmp(file->place.name.c_str(), name) != 0)

@@ -39,6 +39,10 @@ public:
     /// The same of one section.
     [[nodiscard]] bool isStill(const NoteFolder &folder, Section section);
 
+    /// Whether the last isStill() of a whole folder that still is what is known came across copies
+    /// of notes that are no Markdown files by their names.
+    [[nodiscard]] bool sawCopies() const noexcept { return m_sawCopies; }
+
     /// Whether the marker is what is known.
     [[nodiscard]] bool isMarkerStill(const NoteFolder &folder);
 
@@ -73,4 +77,5 @@ private:
     static bool readAgain(NoteFile &file, const Directory &folder, bool hasReliableTimes);
 
     std::vector<NoteFile> m_files;
+    bool m_sawCopies = false;
 };

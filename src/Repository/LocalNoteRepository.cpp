@@ -180,7 +180,7 @@ bool LocalNoteRepository::isChangedOutside()
     const auto folder = data ? NoteFolder::openIfExists(*data) : std::nullopt;
     if (!folder || !m_known)
         return folder.has_value() != m_known.has_value();
-    return !m_known->isStill(*folder);
+    return !m_known->isStill(*folder) || m_known->sawCopies() != m_hasCopies;
 }
 
 TakeInPlan LocalNoteRepository::planTakeIn()

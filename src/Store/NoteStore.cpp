@@ -106,10 +106,8 @@ void NoteStore::takeInChanges()
 {
     if (m_failure || m_hasPendingChanges)
         return;
-    // The copies are none of the files whose changes are heard of.
-    bool isChanged = m_hasCopies;
-    const auto failure =
-        failureOf([&] { isChanged = isChanged || m_repository->isChangedOutside(); });
+    bool isChanged = false;
+    const auto failure = failureOf([&] { isChanged = m_repository->isChangedOutside(); });
     if (failure || isChanged)
         reload();
 }

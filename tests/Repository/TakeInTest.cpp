@@ -213,6 +213,7 @@ private Q_SLOTS:
     void asksTheRepositoryForWhatWasShown();
     void tellsOfCopiesThatALoadPassesOver_data();
     void tellsOfCopiesThatALoadPassesOver();
+    void seesCopiesComeAndGo();
     void closesTheFolderOfOriginals();
 };
 
@@ -718,6 +719,28 @@ void TakeInTest::tellsOfCopiesThatALoadPassesOver()
     QCOMPARE(notes.hasCopies(), isCopy);
     static_cast<void>(notes.takeIn(notes.planTakeIn()));
     static_cast<void>(notes.reload(oldNotes()));
+    QVERIFY(!notes.hasCopies());
+}
+
+void TakeInTest::seesCopiesComeAndGo()
+{
+    MemoryDisk disk = diskWith({});
+    OtherProgram other(disk);
+    const std::string copy = pathOf("Markdown/Notes/" + nameOf(7) + ".md..path1");
+    LocalNoteRepository notes = repositoryOn(disk);
+    QCOMPARE(notes.load(), oldNotes());
+    other.make(pathOf("Markdown/Notes/picture.png"), "theirs");
+    QVERIFY(!notes.isChangedOutside());
+
+    other.make(copy, bytesOf(versionOf(7, u"seven"_s)));
+    QVERIFY(notes.isChangedOutside());
+    QCOMPARE(notes.reload(oldNotes()), oldNotes());
+    QVERIFY(notes.hasCopies());
+    QVERIFY(!notes.isChangedOutside());
+
+    other.remove(copy);
+    QVERIFY(notes.isChangedOutside());
+    QCOMPARE(notes.reload(oldNotes()), oldNotes());
     QVERIFY(!notes.hasCopies());
 }
 

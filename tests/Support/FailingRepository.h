@@ -90,6 +90,7 @@ public:
         if (m_failToRead)
             m_failToRead();
         m_known = m_stored;
+        m_hadCopies = hasCopies();
         return m_stored;
     }
 
@@ -97,7 +98,7 @@ public:
     {
         if (m_fail)
             m_fail();
-        return m_known != m_stored;
+        return m_known != m_stored || m_hadCopies != hasCopies();
     }
 
     [[nodiscard]] NoteSnapshot reload(const NoteSnapshot &typed) override
@@ -174,6 +175,7 @@ private:
     std::function<void()> m_fail;
     std::function<void()> m_failToRead;
     TakeInPlan m_beside;
+    bool m_hadCopies = false;
     NoteSnapshot m_takenIn;
     Tidy m_tidy;
     std::optional<QUrl> m_notesFolderURL;
