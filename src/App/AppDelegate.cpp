@@ -20,6 +20,7 @@
 #include <QFile>
 #include <QPalette>
 #include <QSettings>
+#include <QWindow>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -68,31 +69,50 @@ std::optional<Message> AppDelegate::applicationDidFinishLaunching(const LaunchOp
     m_defaults = standardDefaults();
     m_preferences = std::make_unique<AppPreferences>(isInterfaceTest ? nullptr : m_defaults.get(),
                                                      options.language, options.appearance);
-    std::unique_ptr<NoteRepository> repository = makeRepository(isInterfaceTest);
-    if (!repository)
+    m_repository = makeRepository(isInterfaceTest);
+    if (!m_repository)
         return notesInUse();
-    m_store = std::make_unique<NoteStore>(std::move(repository));
     // Before the program gives itself a palette, that of the platform tells light from dark.
     m_system = std::make_unique<DesktopAppearance>(NoteTheme::colorScheme(QApplication::palette()));
     m_screens = std::make_unique<DesktopScreens>();
     m_focus = std::make_unique<X11ApplicationFocus>();
     m_panels = std::make_unique<FloatingPanelController>(
-        *m_store, *m_preferences, *m_defaults, !isInterfaceTest, *m_system, *m_screens, *m_focus);
+        [this]() -> NoteStore & { return *store(); }, *m_preferences, *m_defaults, !isInterfaceTest,
+        *m_system, *m_screens, *m_focus);
     connect(m_panels.get(), &FloatingPanelController::quitRequested, this,
             &AppDelegate::quitRequested);
 
     if (!isInterfaceTest)
         m_notes = std::make_unique<NotesService>(
-            dataFolder(), [this](const QList<Note> &notes) { return m_store->addNotes(notes); });
+            dataFolder(), [this](const QList<Note> &notes) { return store()->addNotes(notes); });
 
     m_identifiers = std::make_unique<AccessibleIdentifiers>();
 
     m_panels->launcher().show();
+    m_panels->launcher().windowHandle()->installEventFilter(this);
     if (options.showsNotes)
         showNotes();
     else if (options.showsEditor)
         m_panels->expand();
     return std::nullopt;
+}
+
+NoteStore *AppDelegate::store()
+{
+    if (m_repository)
+        m_store = std::make_unique<NoteStore>(std::move(m_repository));
+    return m_store.get();
+}
+
+bool AppDelegate::eventFilter(QObject *receiver, QEvent *event)
+{
+    if (event->type() == QEvent::Expose) {
+        receiver->removeEventFilter(this);
+        // Queued: the launcher is painted while it is exposed.
+        QMetaObject::invokeMethod(
+            this, [this] { static_cast<void>(store()); }, Qt::QueuedConnection);
+    }
+    return QObject::eventFilter(receiver, event);
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/)
@@ -132,13 +152,13 @@ AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate()
 bool AppDelegate::applicationWillTerminate()
 {
     // What another program changed meanwhile is none of what the user would lose.
-    return !m_store || m_panels->write() || !m_store->hasPendingChanges();
+    return !m_panels || m_panels->write() || !store()->hasPendingChanges();
 }
 
 QString AppDelegate::keepForNextStart()
 {
-    const std::optional<Message> reason = m_store->failure();
-    const std::optional<std::filesystem::path> path = m_store->keepForNextStart();
+    const std::optional<Message> reason = store()->failure();
+    const std::optional<std::filesystem::path> path = store()->keepForNextStart();
     const Message told =
         path
             ? Message{u"What was typed could not be saved, and is kept in “%@” for the next start."_s,

@@ -13,6 +13,7 @@ class AccessibleIdentifiers;
 class AppPreferences;
 class ApplicationFocus;
 class FloatingPanelController;
+class NoteRepository;
 class NoteStore;
 class NotesService;
 class QSettings;
@@ -36,10 +37,11 @@ public:
     explicit AppDelegate(QuitQuestion quitQuestion, QObject *parent = nullptr);
     ~AppDelegate() override;
 
-    /// Builds preferences, store and panels in this order, shows the launcher, and opens the
-    /// editor when that is asked for. Notes that cannot be read give a read-only store, which says
-    /// so on screen. Only when another program has the notes for itself there is no start: then
-    /// that is the answer, and nothing but the preferences was built.
+    /// Builds preferences and panels, shows the launcher, and opens the editor when that is asked
+    /// for. The notes are loaded once the launcher is painted. Those that cannot be read give a
+    /// read-only store, which says so on screen. Only when another program has the notes for
+    /// itself there is no start: then that is the answer, and nothing but the preferences was
+    /// built.
     std::optional<Message> applicationDidFinishLaunching(const LaunchOptions &options);
 
     /// Opens the editor, or brings a question forward that waits for its answer. False: nothing is
@@ -68,12 +70,19 @@ public:
     [[nodiscard]] QString keepForNextStart();
 
     [[nodiscard]] AppPreferences *preferences() const noexcept { return m_preferences.get(); }
-    [[nodiscard]] NoteStore *store() const noexcept { return m_store.get(); }
     [[nodiscard]] FloatingPanelController *panels() const noexcept { return m_panels.get(); }
+
+    /// Whoever asks first has the notes loaded.
+    [[nodiscard]] NoteStore *store();
+
+    [[nodiscard]] bool hasLoaded() const noexcept { return m_store != nullptr; }
 
 Q_SIGNALS:
     /// The user chose to quit.
     void quitRequested();
+
+protected:
+    bool eventFilter(QObject *receiver, QEvent *event) override;
 
 private:
     const QuitQuestion m_quitQuestion;
@@ -81,6 +90,8 @@ private:
     // In the order of building; each may use those above it.
     std::unique_ptr<QSettings> m_defaults;
     std::unique_ptr<AppPreferences> m_preferences;
+    /// Until the store has it.
+    std::unique_ptr<NoteRepository> m_repository;
     std::unique_ptr<NoteStore> m_store;
     std::unique_ptr<SystemAppearance> m_system;
     std::unique_ptr<Screens> m_screens;

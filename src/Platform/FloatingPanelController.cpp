@@ -40,13 +40,13 @@ Rect launcherAt(Point origin)
 
 } // namespace
 
-FloatingPanelController::FloatingPanelController(NoteStore &store, AppPreferences &preferences,
+FloatingPanelController::FloatingPanelController(StoreSource store, AppPreferences &preferences,
                                                  QSettings &defaults, bool remembersPosition,
                                                  SystemAppearance &system, Screens &screens,
                                                  ApplicationFocus &focus, const QString &placesFile,
                                                  QObject *parent)
     : QObject(parent)
-    , m_store(store)
+    , m_store(std::move(store))
     , m_preferences(preferences)
     , m_defaults(defaults)
     , m_remembersPosition(remembersPosition)
@@ -89,7 +89,7 @@ void FloatingPanelController::expand()
     m_lastBeforeOpening = m_focus.lastWorkedIn();
     m_isExpanded = true;
     m_isWarm = true;
-    m_store.takeInChanges();
+    m_store().takeInChanges();
     m_editor.setContent(makeEditorContent());
     placeEditor();
     m_launcher.hide();
@@ -112,11 +112,11 @@ void FloatingPanelController::collapse()
 
 void FloatingPanelController::take(const DroppedText &dropped)
 {
-    if (!dropped.refusal && m_store.add(dropped.text)) {
+    if (!dropped.refusal && m_store().add(dropped.text)) {
         m_launcherView->showKept();
         return;
     }
-    const std::optional<Message> &reason = dropped.refusal ? dropped.refusal : m_store.failure();
+    const std::optional<Message> &reason = dropped.refusal ? dropped.refusal : m_store().failure();
     if (reason)
         m_launcherView->showRefusal(m_preferences.text(*reason));
 }
@@ -124,7 +124,8 @@ void FloatingPanelController::take(const DroppedText &dropped)
 bool FloatingPanelController::write()
 {
     Composition::endIn(m_editor);
-    return m_store.isReadOnly() || m_store.flush();
+    NoteStore &store = m_store();
+    return store.isReadOnly() || store.flush();
 }
 
 void FloatingPanelController::fold(Handover handover)
@@ -181,7 +182,7 @@ QWidget *FloatingPanelController::makeLauncherContent()
 
 QWidget *FloatingPanelController::makeEditorContent()
 {
-    auto *const workspace = new NoteWorkspaceView(m_store, m_preferences);
+    auto *const workspace = new NoteWorkspaceView(m_store(), m_preferences);
     connect(workspace, &NoteWorkspaceView::collapseRequested, this,
             &FloatingPanelController::collapse);
     connect(workspace, &NoteWorkspaceView::showFolderRequested, this, &openInFileBrowser);

@@ -11,6 +11,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <functional>
 #include <optional>
 
 class AppPreferences;
@@ -34,9 +35,12 @@ public:
     static constexpr auto launcherXKey = "launcher.x";
     static constexpr auto launcherYKey = "launcher.y";
 
+    /// The one store. It loads all notes, and so it is asked for when it is needed and not before.
+    using StoreSource = std::function<NoteStore &()>;
+
     /// Shows nothing yet. Everything given must outlive the controller.
     /// The file of places is that of ChosenPlaces.
-    FloatingPanelController(NoteStore &store, AppPreferences &preferences, QSettings &defaults,
+    FloatingPanelController(StoreSource store, AppPreferences &preferences, QSettings &defaults,
                             bool remembersPosition, SystemAppearance &system, Screens &screens,
                             ApplicationFocus &focus,
                             const QString &placesFile = ChosenPlaces::defaultPath(),
@@ -96,7 +100,7 @@ private:
     void clampLauncher(const Rect &frame);
     void placeEditor();
 
-    NoteStore &m_store;
+    const StoreSource m_store;
     AppPreferences &m_preferences;
     QSettings &m_defaults;
     const bool m_remembersPosition;

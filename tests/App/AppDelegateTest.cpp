@@ -18,6 +18,7 @@
 #include <QTest>
 #include <functional>
 #include <memory>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -37,6 +38,8 @@ private Q_SLOTS:
     void keepsTheStoredPreferencesWhateverTheArguments();
     void readsAndWritesTheNotesOnDisk();
     void leavesNothingBehindInInterfaceTests();
+    void loadsTheNotesOnceTheLauncherIsPainted();
+    void loadsTheNotesBeforeItQuits();
     void showsTheLauncherAlthoughTheNotesCannotBeRead();
     void doesNotStartBesideAnotherProgramOnTheNotes();
     void startsInterfaceTestsBesideAnotherProgramOnTheNotes();
@@ -88,6 +91,30 @@ const LaunchOptions interfaceTest = [] {
     options.appearance = AppAppearance::light;
     return options;
 }();
+
+/// The answer to a question at the moment when a widget was first painted.
+class AtPaint final : public QObject {
+public:
+    AtPaint(QWidget &widget, std::function<bool()> question)
+        : m_question(std::move(question))
+    {
+        widget.installEventFilter(this);
+    }
+
+    [[nodiscard]] const std::optional<bool> &first() const noexcept { return m_first; }
+
+protected:
+    bool eventFilter(QObject *receiver, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && !m_first)
+            m_first = m_question();
+        return QObject::eventFilter(receiver, event);
+    }
+
+private:
+    std::function<bool()> m_question;
+    std::optional<bool> m_first;
+};
 
 NoteSnapshot storedNotes()
 {
@@ -217,6 +244,32 @@ void AppDelegateTest::leavesNothingBehindInInterfaceTests()
     m_delegate.reset();
 
     QVERIFY(QDir(m_dir->path()).isEmpty());
+}
+
+void AppDelegateTest::loadsTheNotesOnceTheLauncherIsPainted()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    const AtPaint hadLoaded(m_delegate->panels()->launcher(),
+                            [this] { return m_delegate->hasLoaded(); });
+
+    QTRY_VERIFY(m_delegate->hasLoaded());
+    QVERIFY(!hadLoaded.first().value_or(true));
+}
+
+void AppDelegateTest::loadsTheNotesBeforeItQuits()
+{
+    {
+        NoteSnapshot typed;
+        typed.captureDraft = u"typed before"_s;
+        LocalNoteRepository().save(typed);
+    }
+    m_delegate->applicationDidFinishLaunching(normal);
+    QVERIFY(!m_delegate->hasLoaded());
+
+    QVERIFY(m_delegate->applicationWillTerminate());
+    m_delegate.reset();
+
+    QCOMPARE(storedNotes().captureDraft, u"typed before"_s);
 }
 
 void AppDelegateTest::showsTheLauncherAlthoughTheNotesCannotBeRead()

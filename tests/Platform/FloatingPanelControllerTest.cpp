@@ -142,8 +142,8 @@ void FloatingPanelControllerTest::cleanup()
 void FloatingPanelControllerTest::make(bool remembersPosition)
 {
     m_controller = std::make_unique<FloatingPanelController>(
-        *m_store, *m_preferences, *m_defaults, remembersPosition, *m_system, *m_screens, *m_focus,
-        m_folder->filePath(u"places"_s));
+        [this]() -> NoteStore & { return *m_store; }, *m_preferences, *m_defaults,
+        remembersPosition, *m_system, *m_screens, *m_focus, m_folder->filePath(u"places"_s));
 }
 
 void FloatingPanelControllerTest::remember(const QVariant &x, const QVariant &y)
