@@ -13,6 +13,7 @@
 #include "NoteTheme.h"
 #include "NotesService.h"
 #include "PanelHints.h"
+#include "RestingMemory.h"
 #include "Screens.h"
 #include "StandardDefaults.h"
 
@@ -109,10 +110,15 @@ bool AppDelegate::eventFilter(QObject *receiver, QEvent *event)
     if (event->type() == QEvent::Expose) {
         receiver->removeEventFilter(this);
         // Queued: the launcher is painted while it is exposed.
-        QMetaObject::invokeMethod(
-            this, [this] { static_cast<void>(store()); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &AppDelegate::comeToRest, Qt::QueuedConnection);
     }
     return QObject::eventFilter(receiver, event);
+}
+
+void AppDelegate::comeToRest()
+{
+    static_cast<void>(store());
+    giveMemoryBack();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/)

@@ -85,6 +85,8 @@ protected:
     bool eventFilter(QObject *receiver, QEvent *event) override;
 
 private:
+    void comeToRest();
+
     const QuitQuestion m_quitQuestion;
 
     // In the order of building; each may use those above it.

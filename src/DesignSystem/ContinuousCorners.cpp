@@ -4,6 +4,7 @@
 #include <QLineF>
 #include <QTransform>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -59,6 +60,11 @@ QPainterPath ContinuousCorners::path(const QRectF &rect, double radius)
     const double exponent =
         -std::numbers::ln2 / std::log1p(-usedRadius / reach * (1 - std::numbers::sqrt2 / 2));
 
+    std::array<CurvePoint, segmentsPerCorner + 1> curve;
+    for (std::size_t step = 0; step < curve.size(); ++step)
+        curve[step] = pointOnCurve(
+            std::numbers::pi / 2 * static_cast<double>(step) / segmentsPerCorner, exponent);
+
     // Clockwise from the right end of the right edge: each corner is the same curve, turned.
     const std::array centres{QPointF(rect.right() - reach, rect.bottom() - reach),
                              QPointF(rect.left() + reach, rect.bottom() - reach),
@@ -67,19 +73,17 @@ QPainterPath ContinuousCorners::path(const QRectF &rect, double radius)
     for (std::size_t corner = 0; corner < centres.size(); ++corner) {
         QTransform turn;
         turn.rotate(90.0 * static_cast<double>(corner));
-        const auto at = [&](int step) {
-            const double angle = std::numbers::pi / 2 * step / segmentsPerCorner;
-            const CurvePoint point = pointOnCurve(angle, exponent);
+        const auto turned = [&](const CurvePoint &point) {
             return CurvePoint{centres[corner] + turn.map(point.position * reach),
                               turn.map(point.direction)};
         };
-        CurvePoint from = at(0);
+        CurvePoint from = turned(curve.front());
         if (corner == 0)
             path.moveTo(from.position);
         else
             path.lineTo(from.position);
-        for (int step = 1; step <= segmentsPerCorner; ++step) {
-            const CurvePoint to = at(step);
+        for (std::size_t step = 1; step < curve.size(); ++step) {
+            const CurvePoint to = turned(curve[step]);
             appendSegment(path, from, to);
             from = to;
         }

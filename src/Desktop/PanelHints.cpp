@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <vector>
@@ -143,15 +144,15 @@ QRegion PanelHints::opaquePart(const QImage &image)
 {
     // Runs row by row, from left to right: the order in which regions are built from rectangles.
     QList<QRect> runs;
+    const auto isOpaque = [](QRgb pixel) { return qAlpha(pixel) >= leastAlpha; };
     for (int y = 0; y < image.height(); ++y) {
         const auto *const line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
-        int start = 0;
-        for (int x = 0; x <= image.width(); ++x) {
-            if (x < image.width() && qAlpha(line[x]) >= leastAlpha)
-                continue;
-            if (x > start)
-                runs.append({start, y, x - start, 1});
-            start = x + 1;
+        const QRgb *const end = line + image.width();
+        const QRgb *first = std::find_if(line, end, isOpaque);
+        while (first != end) {
+            const QRgb *const last = std::find_if_not(first, end, isOpaque);
+            runs.append({static_cast<int>(first - line), y, static_cast<int>(last - first), 1});
+            first = std::find_if(last, end, isOpaque);
         }
     }
     QRegion region;

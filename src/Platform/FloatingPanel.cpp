@@ -3,6 +3,7 @@
 
 #include "AccessibleRole.h"
 #include "FocusWatch.h"
+#include "GlassSurface.h"
 #include "KeepOnTop.h"
 #include "Layouts.h"
 #include "PanelHints.h"
@@ -174,13 +175,17 @@ void FloatingPanel::updateShape()
         PanelHints::cutOut(*this, {});
         return;
     }
-    // The editor's outline is always the same, and it has much more to draw.
+    // The editor's outline is that of its surface, and always the same.
     const QSize pixels = size() * devicePixelRatioF();
     if (m_kind == Kind::launcher || m_shape.boundingRect().size() != pixels) {
         QImage rendering(pixels, QImage::Format_ARGB32_Premultiplied);
         rendering.setDevicePixelRatio(devicePixelRatioF());
         rendering.fill(Qt::transparent);
-        render(&rendering, {}, {}, DrawChildren);
+        auto *const surface = m_kind == Kind::editor ? findChild<GlassSurface *>() : nullptr;
+        if (surface)
+            surface->render(&rendering, surface->mapTo(this, QPoint()), {}, {});
+        else
+            render(&rendering, {}, {}, DrawChildren);
         m_shape = PanelHints::opaquePart(rendering);
     }
     PanelHints::cutOut(*this, m_isCutOut ? m_shape : QRegion());

@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QMenu>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void readsAndWritesTheNotesOnDisk();
     void leavesNothingBehindInInterfaceTests();
     void loadsTheNotesOnceTheLauncherIsPainted();
+    void givesTheCodeOfTheStartBack();
     void loadsTheNotesBeforeItQuits();
     void showsTheLauncherAlthoughTheNotesCannotBeRead();
     void doesNotStartBesideAnotherProgramOnTheNotes();
@@ -115,6 +117,18 @@ private:
     std::function<bool()> m_question;
     std::optional<bool> m_first;
 };
+
+/// The code of this program that is mapped, in KiB.
+int mappedCode()
+{
+    QFile mappings(u"/proc/self/smaps"_s);
+    if (!mappings.open(QIODevice::ReadOnly))
+        return -1;
+    const QRegularExpression code(
+        u" r-xp [^\\n]*/AppDelegateTest\\n(?:[^\\n]*\\n)*?Rss: +(\\d+) kB"_s);
+    const QRegularExpressionMatch match = code.match(QString::fromUtf8(mappings.readAll()));
+    return match.hasMatch() ? match.captured(1).toInt() : -1;
+}
 
 NoteSnapshot storedNotes()
 {
@@ -254,6 +268,18 @@ void AppDelegateTest::loadsTheNotesOnceTheLauncherIsPainted()
 
     QTRY_VERIFY(m_delegate->hasLoaded());
     QVERIFY(!hadLoaded.first().value_or(true));
+}
+
+void AppDelegateTest::givesTheCodeOfTheStartBack()
+{
+    m_delegate->applicationDidFinishLaunching(normal);
+    const int atStart = mappedCode();
+    QVERIFY(atStart > 0);
+
+    QTRY_VERIFY(m_delegate->hasLoaded());
+
+    const int atRest = mappedCode();
+    QVERIFY2(atRest >= 0 && atRest < atStart, qPrintable(u"%1, %2"_s.arg(atStart).arg(atRest)));
 }
 
 void AppDelegateTest::loadsTheNotesBeforeItQuits()
