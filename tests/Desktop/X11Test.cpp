@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ApplicationFocus.h"
 #include "DesktopAppearance.h"
+#include "FocusWatch.h"
 #include "KeepOnTop.h"
 #include "PanelHints.h"
+#include "X11Session.h"
 #include "XSettingsBytes.h"
 #include "XcbReply.h"
 
@@ -80,6 +82,18 @@ public:
     {
         xcb_destroy_window(m_connection, window);
         sync();
+    }
+
+    void giveKeyboardTo(xcb_window_t window)
+    {
+        xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+        sync();
+    }
+    [[nodiscard]] xcb_window_t inputFocus() const
+    {
+        const auto reply = owned(
+            xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        return reply ? reply->focus : noWindow;
     }
 
     void setActiveWindow(xcb_window_t window)
@@ -261,6 +275,8 @@ private Q_SLOTS:
     void tellsTheWindowManagerWhatTheEditorIs();
     void asksForTheKeyboardAsAPagerDoes();
     void bringsAMisplacedWindowBack();
+    void takesTheKeyboardThatNobodyHas();
+    void leavesTheKeyboardToWhomItWasGiven();
 
     void cutsAWindowToWhatIsOpaque();
     void makesACutWindowWholeAgain();
@@ -425,6 +441,34 @@ void X11Test::bringsAMisplacedWindowBack()
 
     QTRY_COMPARE(m_other.position(windowOf(editor)), QPoint(300, 200));
     QVERIFY(!PanelHints::correctPosition(editor, {300, 200}));
+}
+
+void X11Test::takesTheKeyboardThatNobodyHas()
+{
+    QWidget panel;
+    panel.setAttribute(Qt::WA_ShowWithoutActivating);
+    new FocusWatch(panel);
+
+    panel.show();
+
+    QTRY_COMPARE(m_other.inputFocus(), X11Session::window(panel));
+    QTRY_VERIFY(panel.isActiveWindow());
+}
+
+void X11Test::leavesTheKeyboardToWhomItWasGiven()
+{
+    const xcb_window_t window = m_other.openWindow({0, 0, 100, 100});
+    m_other.giveKeyboardTo(window);
+    QWidget panel;
+    panel.setAttribute(Qt::WA_ShowWithoutActivating);
+    auto *const watch = new FocusWatch(panel);
+    panel.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&panel));
+
+    QTRY_VERIFY(!watch->isWaiting());
+
+    QCOMPARE(m_other.inputFocus(), window);
+    m_other.closeWindow(window);
 }
 
 void X11Test::cutsAWindowToWhatIsOpaque()

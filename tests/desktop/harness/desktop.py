@@ -182,6 +182,9 @@ class Desktop:
                    for part in WINDOW_MANAGERS[self.window_manager]]
         self.spawn(command)
         until(self.windows.has_window_manager, f"{self.window_manager} has started")
+        if self.window_manager == "bspwm":
+            # By itself it has one workspace.
+            self.run(["bspc", "monitor", "-d", "1", "2"])
         self._wait_until_windows_are_managed()
 
     def _wait_until_windows_are_managed(self):

@@ -86,14 +86,15 @@ class Window:
             return False
 
     def rectangle(self):
-        """x, y, width, height on the screen."""
+        """x, y, width, height on the screen; the place is that of a border that it may have."""
         try:
             geometry = self._window.get_geometry()
             place = self._window.translate_coords(self._display.screen().root, 0, 0)
         except _GONE:
             return None
         # The answer is where the root's origin lies, seen from the window.
-        return -place.x, -place.y, geometry.width, geometry.height
+        border = geometry.border_width
+        return -place.x - border, -place.y - border, geometry.width, geometry.height
 
     def centre(self):
         x, y, width, height = self.rectangle()
