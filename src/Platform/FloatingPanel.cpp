@@ -19,6 +19,15 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+constexpr std::chrono::milliseconds placingTime{300};
+
+/// One that insists on another place has it in the end.
+constexpr int mostCorrections = 3;
+
+} // namespace
+
 FloatingPanel::FloatingPanel(Kind kind, QSize contentSize)
     : QWidget(nullptr,
               kind == Kind::launcher ? PanelHints::launcherFlags() : PanelHints::editorFlags())
@@ -120,12 +129,15 @@ bool FloatingPanel::event(QEvent *event)
 {
     const bool isHandled = QWidget::event(event);
     m_wasActive = m_wasActive || event->type() == QEvent::WindowActivate;
-    // The window manager has placed the editor by the time it gives it the keyboard. Where the user
-    // moves it afterwards it stays.
-    if (event->type() == QEvent::WindowActivate && std::exchange(m_isBeingShown, false) &&
-        PanelHints::correctPosition(*this, m_place))
-        // i3 cuts its frame anew only when it hears of the shape.
-        updateShape();
+    // Most window managers have placed the editor by the time they give it the keyboard, awesome a
+    // moment later. Where the user moves it afterwards it stays.
+    if (event->type() == QEvent::WindowActivate && std::exchange(m_isBeingShown, false)) {
+        m_placing.setRemainingTime(placingTime);
+        m_correctionsLeft = mostCorrections;
+        correctPlace();
+    } else if (event->type() == QEvent::Move && !m_placing.hasExpired()) {
+        correctPlace();
+    }
     // The launcher grows under the pointer.
     if (event->type() == QEvent::UpdateRequest && m_kind == Kind::launcher && m_isCutOut)
         updateShape();
@@ -167,6 +179,15 @@ void FloatingPanel::giveUpWindow()
     destroy();
     if (wasVisible)
         Q_EMIT lost();
+}
+
+void FloatingPanel::correctPlace()
+{
+    if (m_correctionsLeft == 0 || !PanelHints::correctPosition(*this, m_place))
+        return;
+    --m_correctionsLeft;
+    // i3 cuts its frame anew only when it hears of the shape.
+    updateShape();
 }
 
 void FloatingPanel::updateShape()

@@ -3,6 +3,7 @@
 
 #include "CompositionWatch.h"
 
+#include <QDeadlineTimer>
 #include <QPointer>
 #include <QRegion>
 #include <QWidget>
@@ -66,12 +67,16 @@ protected:
 private:
     void giveUpWindow();
     void updateShape();
+    void correctPlace();
 
     const Kind m_kind;
     const CompositionWatch m_composition;
     QPointer<QWidget> m_content;
     QPoint m_place;
     bool m_isBeingShown = false;
+    /// While it runs a move is the window manager's.
+    QDeadlineTimer m_placing;
+    int m_correctionsLeft = 0;
     bool m_isCutOut = false;
     bool m_wasActive = false;
     bool m_isBlurred = false;

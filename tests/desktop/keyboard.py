@@ -28,6 +28,8 @@ class Keyboard(DesktopTest):
         until(lambda: self.windows.has_input(editor.id), "the editor has the keyboard")
 
     def test_it_goes_to_the_window_that_was_last_worked_in(self):
+        if self.desktop.window_manager == "dwm":
+            self.skipTest("this window manager activates nothing on demand")
         second = self.open_text_window("Second", x=200, y=200)
         self.windows.activate(self.first.id)
         until(lambda: self.windows.has_input(self.first.id), "the first one has the keyboard")
@@ -42,6 +44,8 @@ class Keyboard(DesktopTest):
         until(lambda: self.windows.has_input(second.id), "it is where the user last was")
 
     def test_the_workspace_stays(self):
+        if self.desktop.window_manager == "dwm":
+            self.skipTest("this window manager tells nobody which workspace is shown")
         self.addCleanup(self.desktop.switch_workspace, 0)
         editor = self.quillmark.open_editor()
         self.desktop.switch_workspace(1)

@@ -239,6 +239,13 @@ class Windows:
         value = self._root_window.property("_NET_CURRENT_DESKTOP")
         return value[0] if value else None
 
+    def work_area(self):
+        """left, top, right and bottom of what panels leave of the screen."""
+        screen = self._root.get_geometry()
+        x, y, width, height = (self._root_window.property("_NET_WORKAREA")
+                               or (0, 0, screen.width, screen.height))[:4]
+        return x, y, x + width, y + height
+
     def workspaces(self):
         value = self._root_window.property("_NET_NUMBER_OF_DESKTOPS")
         return value[0] if value else 1
