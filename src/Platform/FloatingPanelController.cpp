@@ -25,6 +25,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+/// From the pointer's coming: the launcher shows first that it has seen it, and what presses at
+/// once does not wait for a preparation.
+constexpr std::chrono::milliseconds warmUpDelay{15};
+
 /// 0 when it is no number.
 double number(const QVariant &value)
 {
@@ -71,6 +75,10 @@ FloatingPanelController::FloatingPanelController(StoreSource store, AppPreferenc
     connect(&m_system, &SystemAppearance::changed, this,
             &FloatingPanelController::applySystemAppearance);
 
+    m_warmUp.setSingleShot(true);
+    m_warmUp.setInterval(warmUpDelay);
+    connect(&m_warmUp, &QTimer::timeout, this, &FloatingPanelController::warmUp);
+
     applyPreferences();
     restorePosition();
 }
@@ -89,6 +97,7 @@ void FloatingPanelController::expand()
     m_lastBeforeOpening = m_focus.lastWorkedIn();
     m_isExpanded = true;
     m_isWarm = true;
+    m_warmUp.stop();
     m_store().takeInChanges();
     m_editor.setContent(makeEditorContent());
     placeEditor();
@@ -167,9 +176,7 @@ QWidget *FloatingPanelController::makeLauncherContent()
 {
     auto *const view = new LauncherView(m_preferences, m_screens);
     m_launcherView = view;
-    // Queued: the launcher shows first that it has seen the pointer.
-    connect(view, &LauncherView::approached, this, &FloatingPanelController::warmUp,
-            Qt::QueuedConnection);
+    connect(view, &LauncherView::approached, &m_warmUp, qOverload<>(&QTimer::start));
     connect(view, &LauncherView::openRequested, this, &FloatingPanelController::expand);
     connect(view, &LauncherView::dropped, this, &FloatingPanelController::take);
     connect(view, &LauncherView::moved, this, &FloatingPanelController::moveLauncher);

@@ -11,6 +11,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <functional>
 #include <optional>
 
@@ -124,5 +125,6 @@ private:
     std::optional<RunningApplication> m_previousApplication;
     std::optional<RunningApplication> m_lastBeforeOpening;
     bool m_isExpanded = false;
+    QTimer m_warmUp;
     bool m_isWarm = false;
 };
