@@ -393,6 +393,10 @@ with a quick note.</translation>
         <translation>“%@” is in use by another Quillmark: go on there, or quit that one first.</translation>
     </message>
     <message>
+        <source>“%@” is not the folder that was there when Quillmark started. Quit Quillmark, then start it again.</source>
+        <translation>“%@” is not the folder that was there when Quillmark started. Quit Quillmark, then start it again.</translation>
+    </message>
+    <message>
         <source>“%@” lies in too many folders. Move it further up or away, then try again.</source>
         <translation>“%@” lies in too many folders. Move it further up or away, then try again.</translation>
     </message>

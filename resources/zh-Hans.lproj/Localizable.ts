@@ -393,6 +393,10 @@ with a quick note.</source>
         <translation>另一个 Quillmark 正在使用“%@”：请在那里继续，或先退出它。</translation>
     </message>
     <message>
+        <source>“%@” is not the folder that was there when Quillmark started. Quit Quillmark, then start it again.</source>
+        <translation>“%@”不是 Quillmark 启动时的那个文件夹。请退出 Quillmark，然后重新启动。</translation>
+    </message>
+    <message>
         <source>“%@” lies in too many folders. Move it further up or away, then try again.</source>
         <translation>“%@”所在的文件夹层级过深。请将它移到更上层或移走，然后重试。</translation>
     </message>

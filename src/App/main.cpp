@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "HomeFolder.h"
+#include "OwnFolders.h"
 #include "PenwickApp.h"
 #include "ProcessStart.h"
 
 #include "SessionBus.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -48,6 +51,15 @@ void takeSignalsAsErrors()
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+/// Whether it may leave something behind: not interface tests, nor a host of other code.
+bool isForTheUser(std::span<char *const> arguments)
+{
+    const auto isTest = [](const char *argument) {
+        return std::string_view(argument) == "--ui-testing";
+    };
+    return std::ranges::none_of(arguments, isTest) && qgetenv("XCODE_RUNNING_FOR_PREVIEWS") != "1";
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -74,6 +86,8 @@ int main(int argc, char **argv)
     doWithoutMissingHome();
     doWithoutSilentSessionBus();
     leaveNoCoreFile();
+    if (isForTheUser({argv, static_cast<std::size_t>(argc)}))
+        makeOwnFolders();
 
     PenwickApp app(argc, argv);
     return app.run();

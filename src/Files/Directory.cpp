@@ -150,8 +150,11 @@ Result<Directory> Directory::openOrMake(Disk &disk, const std::filesystem::path 
     if (found || !found.failure().is(ENOENT))
         return found;
     const Result<Directory> parent = openOrMake(disk, path.parent_path(), failed);
-    if (!parent)
+    if (!parent) {
+        if (parent.failure().reason == Reason::outOfReach)
+            failed = path; // It is this one that cannot be made.
         return parent.failure();
+    }
     if (!path.has_filename())
         return open(disk, path.parent_path());
     failed = path;
@@ -165,18 +168,39 @@ Result<Directory> Directory::openOrMake(Disk &disk, const std::filesystem::path 
 
 void Directory::syncPath() const
 {
-    const dev_t device = orThrow(status()).identity.device;
-    for (std::filesystem::path above = m_path; above.has_relative_path();) {
-        above = above.parent_path();
+    std::filesystem::path failed;
+    if (const Result<void> synced = syncPath(failed); !synced)
+        throw FileError(std::move(failed), synced.failure());
+}
+
+Result<void> Directory::tryToSyncPath() const
+{
+    std::filesystem::path failed;
+    return syncPath(failed);
+}
+
+Result<void> Directory::syncPath(std::filesystem::path &failed) const
+{
+    failed = m_path;
+    const Result<FileStatus> own = status();
+    if (!own)
+        return own.failure();
+    while (failed.has_relative_path()) {
+        failed = failed.parent_path();
         // The user may have no right to list a folder, such as that of all home folders. Somebody
         // else made it then.
-        const Result<Directory> folder = open(disk(), above);
+        const Result<Directory> folder = open(disk(), failed);
         if (!folder)
             continue;
-        if (folder->orThrow(folder->status()).identity.device != device)
-            return;
-        folder->orThrow(folder->sync());
+        const Result<FileStatus> found = folder->status();
+        if (!found)
+            return found.failure();
+        if (found->identity.device != own->identity.device)
+            return {};
+        if (const Result<void> synced = folder->sync(); !synced)
+            return synced;
     }
+    return {};
 }
 
 Result<FileStatus> Directory::status() const noexcept

@@ -31,6 +31,9 @@ public:
     /// Throws a FileError.
     void syncPath() const;
 
+    /// The same, for who can go on all the same.
+    Result<void> tryToSyncPath() const;
+
     [[nodiscard]] Disk &disk() const noexcept { return m_descriptor.disk(); }
     [[nodiscard]] Disk::Handle handle() const noexcept { return m_descriptor.get(); }
 
@@ -103,6 +106,7 @@ public:
 private:
     static Result<Directory> openOrMake(Disk &disk, const std::filesystem::path &path,
                                         std::filesystem::path &failed);
+    Result<void> syncPath(std::filesystem::path &failed) const;
     Directory(Descriptor descriptor, std::filesystem::path path)
         : m_descriptor(std::move(descriptor))
         , m_path(std::move(path))

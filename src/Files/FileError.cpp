@@ -68,7 +68,8 @@ const std::filesystem::path *FileError::place() const noexcept
 {
     // What the system refuses is for the most part not the file's fault, or there is none.
     const bool isOfFile = reason() != Reason::system && reason() != Reason::notUnicode &&
-                          reason() != Reason::inUse && reason() != Reason::busy;
+                          reason() != Reason::inUse && reason() != Reason::busy &&
+                          reason() != Reason::outOfReach;
     return isOfFile ? &m_path : nullptr;
 }
 

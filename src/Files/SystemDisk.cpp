@@ -112,7 +112,11 @@ bool isOneOf(int file, std::span<const FileSystemType> types) noexcept
 
 Result<Disk::Handle> SystemDisk::openPath(const char *path) noexcept
 {
-    return opened(::open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const int descriptor = ::open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    // What keeps a confined process out is not told by the permissions, which are asked here.
+    if (descriptor < 0 && errno == EACCES && ::faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0)
+        return Failure::because(Reason::outOfReach);
+    return opened(descriptor);
 }
 
 Result<Disk::Handle> SystemDisk::openFolder(Handle folder, const char *name) noexcept

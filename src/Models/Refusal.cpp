@@ -32,6 +32,7 @@ Refusal::Kind kindOf(Reason reason, int systemError)
     case Reason::lowerLayer:
     case Reason::mountPoint:
     case Reason::busy:
+    case Reason::outOfReach:
     case Reason::secondDraft:
     case Reason::jsonSyntax:
     case Reason::jsonMissing:

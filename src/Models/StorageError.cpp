@@ -39,6 +39,8 @@ QString StorageError::sentence() const
         return u"“%@” is being changed by another program again and again. Wait until that is done, then try again."_s;
     case Reason::inUse:
         return u"“%@” is in use by another Quillmark: go on there, or quit that one first."_s;
+    case Reason::outOfReach:
+        return u"“%@” is not the folder that was there when Quillmark started. Quit Quillmark, then start it again."_s;
     case Reason::tooDeep:
         return u"“%@” lies in too many folders. Move it further up or away, then try again."_s;
     case Reason::secondDraft:

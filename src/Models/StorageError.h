@@ -30,6 +30,7 @@ enum class Reason : std::uint8_t {
     tooMuchText,    ///< More bytes than all files of the folder may have together.
     busy,           ///< Another program changes the folder again and again.
     inUse,          ///< Another program has the data folder for itself.
+    outOfReach,     ///< Not the folder that this process has the right to use since its start.
     tooDeep,        ///< More folders in one another than are followed.
     secondDraft,    ///< Another file is the same draft, under a name of another case.
     notUnicode,     ///< The text to be written holds half a surrogate pair.

@@ -3,7 +3,6 @@
 
 #include "FileNames.h"
 #include "FileUrl.h"
-#include "HomeFolder.h"
 #include "LegacySnapshot.h"
 #include "MarkdownTransaction.h"
 #include "RepositoryError.h"
@@ -12,9 +11,9 @@
 #include "SnapshotReader.h"
 #include "SystemDisk.h"
 #include "TakeIn.h"
+#include "UserFolders.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <thread>
 #include <utility>
 
@@ -37,20 +36,6 @@ constexpr auto settlingTime = std::chrono::ceil<std::chrono::milliseconds>(
 /// How often it is looked whether another program has let go of the folder.
 constexpr auto claimInterval = 5ms;
 
-/// By the XDG rules a relative path is no path at all.
-std::optional<std::filesystem::path> absolutePathIn(const char *variable)
-{
-    const char *given = std::getenv(variable);
-    if (!given || !std::filesystem::path(given).is_absolute())
-        return std::nullopt;
-    return given;
-}
-
-std::filesystem::path userDataFolder()
-{
-    return absolutePathIn("XDG_DATA_HOME").value_or(homeFolder() / ".local/share");
-}
-
 SnapshotReader readWhole(const NoteFolder &folder, const Directory &data)
 {
     SnapshotReader reader;
@@ -64,11 +49,6 @@ SnapshotReader readWhole(const NoteFolder &folder, const Directory &data)
 std::filesystem::path firstOf(const LocalNoteRepository::Folders &folders)
 {
     return folders.empty() ? std::filesystem::path() : folders.front();
-}
-
-std::filesystem::path userStateFolder()
-{
-    return absolutePathIn("XDG_STATE_HOME").value_or(homeFolder() / ".local/state");
 }
 
 } // namespace
@@ -106,7 +86,7 @@ std::filesystem::path LocalNoteRepository::defaultFileURL()
 LocalNoteRepository::Folders LocalNoteRepository::defaultJournalFolders()
 {
     Folders folders{userStateFolder() / FileNames::dataFolder};
-    if (const auto session = absolutePathIn("XDG_RUNTIME_DIR"))
+    if (const auto session = sessionFolder())
         folders.push_back(*session / FileNames::dataFolder);
     return folders;
 }

@@ -84,7 +84,7 @@ void StorageErrorTest::saysADifferentThingForEachReason()
          {Reason::notUtf8, Reason::notRegularFile, Reason::notFolder, Reason::mountPoint,
           Reason::tooLarge, Reason::tooManyNotes, Reason::tooMuchText, Reason::tooDeep,
           Reason::busy, Reason::inUse, Reason::editorLock, Reason::lowerLayer, Reason::secondDraft,
-          Reason::notUnicode}) {
+          Reason::notUnicode, Reason::outOfReach}) {
         const Message message = FileError("/notes/one.md", reason).message();
         QVERIFY(message.key.contains(u"%@"_s));
         QVERIFY(message.english().contains(u"/notes/one.md"_s));
@@ -94,7 +94,7 @@ void StorageErrorTest::saysADifferentThingForEachReason()
          {ENOSPC, EDQUOT, EFBIG, EACCES, EROFS, EMFILE, ENOENT, EIO, ENAMETOOLONG, ELOOP})
         keys.insert(FileError("/notes/one.md", code).message().key);
 
-    QCOMPARE(keys.size(), 24);
+    QCOMPARE(keys.size(), 25);
 }
 
 void StorageErrorTest::showsANameThatIsNotUtf8()

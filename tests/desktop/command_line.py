@@ -148,7 +148,7 @@ class CommandLine(DesktopTest):
     def test_a_window_without_notes_yet_takes_the_first(self):
         quillmark = self.start()
         quillmark.launcher()
-        self.assertFalse(self.data.path.exists())
+        self.assertEqual(os.listdir(self.data.path), [])
 
         self.ok("add", "the first")
 

@@ -2,6 +2,7 @@
 """How the program starts, with which arguments, and how it ends."""
 
 import os
+import stat
 import subprocess
 
 from harness import DesktopTest, main, processes, until
@@ -23,12 +24,17 @@ class Starting(DesktopTest):
                   for column in range(20, width - 20, 20)]
         return sum(sum(point) for point in points) / (3 * len(points))
 
-    def test_nothing_is_written_before_there_is_something_to_write(self):
-        quillmark = self.start()
+    def test_no_note_is_written_before_there_is_something_to_write(self):
+        before = os.umask(0)
+        self.addCleanup(os.umask, before)
+        quillmark = self.start(XDG_STATE_HOME=str(self.home / "state"))
 
         quillmark.launcher()
 
-        self.assertFalse(self.data.path.exists())
+        self.assertEqual(os.listdir(self.data.path), [])
+        for folder in (self.data.path, self.settings_file.parent, self.home / "state/Penwick",
+                       self.home / ".cache/Penwick"):
+            self.assertEqual(stat.S_IMODE(folder.stat().st_mode), 0o700, folder)
 
     def test_show_editor_opens_the_editor_at_once(self):
         quillmark = self.start("--show-editor")
@@ -282,7 +288,7 @@ class Starting(DesktopTest):
                 self.assertEqual(ended.stdout, "")
                 self.assertIn("display", ended.stderr)
                 self.assertEqual(len(ended.stderr.strip().splitlines()), 1, ended.stderr)
-                self.assertFalse(os.path.exists(self.data.path))
+                self.assertEqual(os.listdir(self.data.path), [])
 
     def test_it_runs_without_a_session_bus(self):
         quillmark = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
