@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include "Confinement.h"
 #include "HomeFolder.h"
 #include "OwnFolders.h"
 #include "PenwickApp.h"
 #include "ProcessStart.h"
+#include "WindowReach.h"
 
 #include "SessionBus.h"
 
@@ -60,12 +62,26 @@ bool isForTheUser(std::span<char *const> arguments)
     return std::ranges::none_of(arguments, isTest) && qgetenv("XCODE_RUNNING_FOR_PREVIEWS") != "1";
 }
 
+Confinement enterRoom(std::span<char *const> arguments, bool hasOwnFolders)
+{
+    keepDisplayAuthority();
+    return confine(windowReach(arguments, hasOwnFolders));
+}
+
+/// And what the kernel keeps the program from, which is tried by doing it.
+void printVersion(std::span<char *const> arguments)
+{
+    const Confinement confinement = enterRoom(arguments, true);
+    std::printf("Quillmark " QUILLMARK_VERSION "\n%s\n", confinement.description().c_str());
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     occupyStandardFiles();
     takeSignalsAsErrors();
+    const std::span<char *const> arguments(argv, static_cast<std::size_t>(argc));
 
     // Answered without a display.
     for (int i = 1; i < argc; ++i) {
@@ -75,7 +91,7 @@ int main(int argc, char **argv)
             return EXIT_SUCCESS;
         }
         if (argument == "--version" || argument == "-v") {
-            std::puts("Quillmark " QUILLMARK_VERSION);
+            printVersion(arguments);
             return EXIT_SUCCESS;
         }
     }
@@ -84,10 +100,13 @@ int main(int argc, char **argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
     doWithoutMissingHome();
-    doWithoutSilentSessionBus();
     leaveNoCoreFile();
-    if (isForTheUser({argv, static_cast<std::size_t>(argc)}))
+    const bool hasOwnFolders = isForTheUser(arguments);
+    if (hasOwnFolders)
         makeOwnFolders();
+    // From here on: the bus is the first that others write to the program.
+    enterRoom(arguments, hasOwnFolders);
+    doWithoutSilentSessionBus();
 
     PenwickApp app(argc, argv);
     return app.run();

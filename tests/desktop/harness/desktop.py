@@ -113,7 +113,8 @@ class Desktop:
     def environment_for(self, home):
         """The environment of a program that keeps everything below the given home folder."""
         home = pathlib.Path(home)
-        kept = ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS")
+        kept = ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS",
+                "QUILLMARK_UNCONFINED")
         environment = {key: os.environ[key] for key in kept if key in os.environ}
         environment.update(getattr(self, "environment", {}))
         folders = {"HOME": home, "XDG_DATA_HOME": home / ".local/share",
