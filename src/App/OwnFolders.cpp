@@ -3,7 +3,6 @@
 
 #include "FileNames.h"
 #include "LocalNoteRepository.h"
-#include "SystemDisk.h"
 #include "UserFolders.h"
 
 std::vector<std::filesystem::path> ownFolders()
@@ -22,16 +21,12 @@ std::filesystem::path fontCacheFolder()
 
 void makeOwnFolders()
 {
-    SystemDisk disk;
     for (const std::filesystem::path &path : ownFolders()) {
         // The session's own folder is not for its programs to make.
         std::error_code ignored;
-        if (path.parent_path() == sessionFolder() &&
-            !std::filesystem::exists(path.parent_path(), ignored))
-            continue;
-        const Result<Directory> folder = Directory::tryToOpenOrMake(disk, path);
-        if (folder && std::filesystem::is_empty(path, ignored))
-            static_cast<void>(folder->tryToSyncPath());
+        if (path.parent_path() != sessionFolder() ||
+            std::filesystem::exists(path.parent_path(), ignored))
+            makeUserFolder(path);
     }
-    static_cast<void>(Directory::tryToOpenOrMake(disk, fontCacheFolder()));
+    makeUserFolder(fontCacheFolder());
 }

@@ -89,15 +89,6 @@ bool hasIbus()
     return qgetenv("QT_IM_MODULE") == "ibus" || qgetenv("QT_IM_MODULES").contains("ibus");
 }
 
-/// Texts lie beside the folder of the program.
-void addResources(Reach &reach)
-{
-    std::error_code failure;
-    const Path program = std::filesystem::read_symlink("/proc/self/exe", failure);
-    if (!failure)
-        reach.addReadableOutsideHome(program.parent_path() / "../share/quillmark");
-}
-
 void addDisplay(Reach &reach, std::span<char *const> arguments)
 {
     const char *variable = std::getenv("DISPLAY");
@@ -122,7 +113,6 @@ Reach windowReach(std::span<char *const> arguments, bool hasOwnFolders)
 {
     Reach reach;
     reach.addSystem();
-    addResources(reach);
     addToolkit(reach);
     addDesktop(reach);
     addHome(reach);

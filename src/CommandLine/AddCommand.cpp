@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
 
+#include "CommandReach.h"
 #include "Console.h"
 #include "NoteFolder.h"
 #include "ProgressLine.h"
 #include "SignalDelay.h"
 #include "StoredNotes.h"
+#include "UserFolders.h"
 #include "UserText.h"
 #include "Utf8.h"
 
@@ -53,6 +55,9 @@ ExitStatus Commands::add(Console &console, StoredNotes &notes, const Words &word
     if (words.empty() && ::isatty(STDIN_FILENO) == 1)
         console.tell(console.text(u"Type the note, then press Ctrl+D."_s));
     const std::optional<std::string> bytes = words.empty() ? readInput() : joined(words);
+    // Made now: there is no right to do so afterwards.
+    makeUserFolder(notes.dataFolder());
+    confineCommand({notes.dataFolder()});
     if (!bytes)
         return refuse(ExitStatus::file, u"The standard input could not be read."_s);
     if (bytes->size() > NoteFolder::largestFile)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
 
+#include "CommandReach.h"
 #include "Console.h"
 #include "FileError.h"
 #include "FolderCheck.h"
@@ -101,6 +102,7 @@ ExitStatus Commands::check(Console &console, StoredNotes &notes, const Words &wo
         return refuseUsage(console);
     if (isRepair)
         return repair(console, notes, isAnswered);
+    confineCommand({}, {notes.dataFolder()});
     std::vector<Finding> findings;
     std::error_code ignored;
     const bool isThere = std::filesystem::exists(notes.dataFolder(), ignored);

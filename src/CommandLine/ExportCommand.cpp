@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
 
+#include "CommandReach.h"
 #include "Console.h"
 #include "Directory.h"
 #include "ExportName.h"
@@ -75,18 +76,26 @@ ExitStatus Commands::exportTo(Console &console, StoredNotes &notes, const Words 
 {
     if (words.size() != 1 || words.front().empty())
         return refuseUsage(console);
+    SystemDisk disk;
+    std::optional<Directory> opened;
+    std::optional<Complaint> complaint = attempt(
+        [&] { opened = Directory::openOrMake(disk, std::filesystem::absolute(words.front())); });
+    if (complaint) {
+        console.complain(*complaint);
+        return complaint->status;
+    }
+    const Directory &folder = *opened;
+    confineCommand({folder.path()}, {notes.dataFolder()});
     const ProgressLine progress(console, u"Exporting notes…"_s);
     NoteSnapshot snapshot;
-    if (const auto complaint = notes.read(snapshot)) {
+    complaint = notes.read(snapshot);
+    if (complaint) {
         console.complain(*complaint);
         return complaint->status;
     }
     sortForNames(snapshot.notes);
     const SignalDelay untilAFileIsDone;
-    const auto complaint = attempt([&] {
-        SystemDisk disk;
-        const Directory folder =
-            Directory::openOrMake(disk, std::filesystem::absolute(words.front()));
+    complaint = attempt([&] {
         ExportNames names;
         for (const Note &note : std::as_const(snapshot.notes)) {
             if (SignalDelay::isAsked())

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
 
+#include "CommandReach.h"
 #include "Console.h"
 #include "FileError.h"
 #include "NoteFolder.h"
 #include "ProgressLine.h"
 #include "SignalDelay.h"
 #include "StoredNotes.h"
+#include "UserFolders.h"
 #include "UserText.h"
 #include "Utf8.h"
 
@@ -15,6 +17,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
+#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -52,24 +56,68 @@ Result<FileStatus> readFile(Disk &disk, const std::string &path, std::string &by
     return folder->readFile(real.filename().c_str(), NoteFolder::largestFile, bytes);
 }
 
-std::optional<Complaint> readNote(Disk &disk, const std::string &path, Note &note)
-{
+/// What a note is to be made of: read, and not looked at yet.
+struct ReadFile {
+    std::string path;
     std::string bytes;
-    const Result<FileStatus> status = readFile(disk, path, bytes);
-    if (!status)
-        return unreadable(path, status.failure());
+    std::int64_t modified = 0;
+};
+
+/// Reads the files in their order, up to the first that is refused: then the complaint says why.
+std::vector<ReadFile> readFiles(const Commands::Words &paths, std::optional<Complaint> &complaint)
+{
+    const Complaint tooMuch{
+        ExitStatus::limits, {u"These files are more than the notes may hold."_s, {}}, std::nullopt};
+    SystemDisk disk;
+    std::vector<ReadFile> files;
+    std::size_t total = 0;
+    if (paths.size() > NoteFolder::mostNotes)
+        complaint = tooMuch;
+    for (const std::string &path : paths) {
+        if (complaint)
+            break;
+        std::string bytes;
+        const Result<FileStatus> status = readFile(disk, path, bytes);
+        total += bytes.size();
+        if (!status)
+            complaint = unreadable(path, status.failure());
+        else if (total > NoteFolder::mostBytes)
+            complaint = tooMuch;
+        else
+            files.push_back({path, std::move(bytes), status->modified});
+    }
+    return files;
+}
+
+std::optional<Complaint> makeNote(const ReadFile &file, Note &note)
+{
     Utf8Decoder decoder;
-    const std::optional<QStringView> text = decoder.decode(bytes);
+    const std::optional<QStringView> text = decoder.decode(file.bytes);
     if (!text)
-        return complaintAbout(path, ExitStatus::notUtf8, u"“%@” is not UTF-8 text."_s);
+        return complaintAbout(file.path, ExitStatus::notUtf8, u"“%@” is not UTF-8 text."_s);
     if (isBlank(*text))
-        return complaintAbout(path, ExitStatus::blank, u"“%@” holds no text."_s);
-    const Timestamp time = Timestamp::fromNanosecondsSince1970(status->modified);
+        return complaintAbout(file.path, ExitStatus::blank, u"“%@” holds no text."_s);
+    const Timestamp time = Timestamp::fromNanosecondsSince1970(file.modified);
     if (!time.hasTextForm())
-        return complaintAbout(path, ExitStatus::limits,
+        return complaintAbout(file.path, ExitStatus::limits,
                               u"“%@” has a time that no note can have."_s);
     note = {QUuid::createUuid(), text->toString(), time, time};
     return std::nullopt;
+}
+
+/// The notes of the files, in their order; nothing, and a complaint, when one of them is refused.
+QList<Note> makeNotes(std::vector<ReadFile> files, std::optional<Complaint> &complaint)
+{
+    QList<Note> notes;
+    for (ReadFile &file : files) {
+        Note note;
+        if (auto refused = makeNote(std::exchange(file, {}), note)) {
+            complaint = std::move(refused);
+            break;
+        }
+        notes << note;
+    }
+    return complaint ? QList<Note>() : notes;
 }
 
 } // namespace
@@ -78,25 +126,21 @@ ExitStatus Commands::import(Console &console, StoredNotes &notes, const Words &w
 {
     if (words.empty())
         return refuseUsage(console);
-    SystemDisk disk;
-    QList<Note> made;
-    std::size_t total = 0;
     std::optional<Complaint> complaint;
+    std::vector<ReadFile> files;
     {
         const ProgressLine progress(console, u"Importing notes…"_s);
-        for (const std::string &path : words) {
-            Note note;
-            if (complaint = readNote(disk, path, note); complaint)
-                break;
-            total += static_cast<std::size_t>(note.body.size());
-            made << note;
-            if (total > NoteFolder::mostBytes || words.size() > NoteFolder::mostNotes) {
-                complaint = Complaint{ExitStatus::limits,
-                                      {u"These files are more than the notes may hold."_s, {}},
-                                      std::nullopt};
-                break;
-            }
-        }
+        files = readFiles(words, complaint);
+    }
+    // Made now: there is no right to do so afterwards.
+    if (!complaint)
+        makeUserFolder(notes.dataFolder());
+    confineCommand({notes.dataFolder()});
+
+    QList<Note> made;
+    {
+        const ProgressLine progress(console, u"Importing notes…"_s);
+        made = makeNotes(std::move(files), complaint);
         if (!complaint) {
             const SignalDelay untilItIsDone;
             complaint = notes.add(made);

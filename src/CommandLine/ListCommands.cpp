@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
 
+#include "CommandReach.h"
 #include "Console.h"
 #include "DateText.h"
 #include "MemoryNoteRepository.h"
@@ -35,6 +36,7 @@ bool takesJson(Commands::Words &words)
 std::optional<Complaint> readAll(const Console &console, const StoredNotes &notes,
                                  NoteSnapshot &snapshot)
 {
+    confineCommand({}, {notes.dataFolder()});
     const ProgressLine progress(console, u"Reading notes…"_s);
     return notes.read(snapshot);
 }

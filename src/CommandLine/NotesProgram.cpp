@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "NotesProgram.h"
 
+#include "CommandReach.h"
 #include "Commands.h"
 #include "Console.h"
 #include "LocalNoteRepository.h"
@@ -58,7 +59,8 @@ ExitStatus run(Console &console, std::string_view name, const Commands::Words &w
         return ExitStatus::done;
     }
     if (name == "--version") {
-        console.write(std::string_view("quillmark-notes " QUILLMARK_VERSION "\n"));
+        const std::string confinement = confineCommand({}).description();
+        console.write("quillmark-notes " QUILLMARK_VERSION "\n" + confinement + '\n');
         return ExitStatus::done;
     }
     const auto found = std::ranges::find(commands, name, &NamedCommand::name);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Commands.h"
 
+#include "CommandReach.h"
 #include "Console.h"
+#include "LocalNoteRepository.h"
 #include "Note.h"
 #include "ProgressLine.h"
 #include "SignalDelay.h"
 #include "StoredNotes.h"
+#include "UserFolders.h"
 
 #include <iostream>
 #include <unistd.h>
@@ -70,6 +73,12 @@ ExitStatus complain(const Console &console, const Complaint &complaint)
 
 ExitStatus Commands::repair(Console &console, StoredNotes &notes, bool isAnswered)
 {
+    // The originals are kept there. Without notes there are none, and nothing is made.
+    const std::filesystem::path state = LocalNoteRepository::defaultJournalFolders().front();
+    std::error_code ignored;
+    if (std::filesystem::exists(notes.dataFolder(), ignored))
+        makeUserFolder(state);
+    confineCommand({notes.dataFolder(), state});
     TakeInPlan plan;
     std::optional<Complaint> complaint;
     {

@@ -36,6 +36,9 @@ void Reach::addSystem()
                      "/dev/urandom", "/dev/random", "/dev/zero", "/proc/self", "/proc/sys/kernel",
                      "/proc/sys/vm/overcommit_memory", "/proc/filesystems", "/proc/meminfo",
                      "/proc/cpuinfo", "/proc/stat", "/sys/devices/system/cpu"});
+    std::error_code failure;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", failure);
+    addReadableOutsideHome(program.parent_path() / "../share/quillmark");
     addReadableFrom("LD_LIBRARY_PATH");
     addReadableFrom("LOCPATH");
     addReadableFrom("TZDIR");

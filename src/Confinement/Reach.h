@@ -23,7 +23,8 @@ struct Reach {
     bool assumesProcesses = false;
 
     /// Adds what the loader, the C library and the libraries of every program look for outside the
-    /// home folder: libraries, languages, time zones, the names of users.
+    /// home folder: libraries, languages, time zones, the names of users. And the program's own
+    /// texts, which lie beside its folder.
     void addSystem();
 
     /// Adds what a variable of the environment names, paths with colons between them, but for those

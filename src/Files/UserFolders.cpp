@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "UserFolders.h"
 
+#include "Directory.h"
 #include "HomeFolder.h"
+#include "SystemDisk.h"
 
 #include <cstdlib>
 
@@ -37,6 +39,15 @@ std::filesystem::path userCacheFolder()
 std::optional<std::filesystem::path> sessionFolder()
 {
     return absolutePathIn("XDG_RUNTIME_DIR");
+}
+
+void makeUserFolder(const std::filesystem::path &path)
+{
+    SystemDisk disk;
+    const Result<Directory> folder = Directory::tryToOpenOrMake(disk, path);
+    std::error_code ignored;
+    if (folder && std::filesystem::is_empty(path, ignored))
+        static_cast<void>(folder->tryToSyncPath());
 }
 
 std::optional<std::filesystem::path> absolutePathIn(const char *variable)
