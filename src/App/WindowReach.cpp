@@ -33,15 +33,15 @@ constexpr const char *sharedData[] = {"icons",  "fonts",         "themes",      
 
 void addHome(Reach &reach)
 {
-    addBelow(homeFolder(), reach.readable, ".fonts", ".fonts.conf", ".fonts.conf.d", ".fontconfig",
-             ".icons", ".themes", ".gtkrc-2.0", ".XCompose", ".Xdefaults", ".ICEauthority",
-             ".Xauthority");
-    addBelow(userConfigFolder(), reach.readable, "fontconfig", "dconf", "gtk-2.0", "gtk-3.0",
-             "gtk-4.0", "qt6ct", "kdeglobals", "kdedefaults", "kcminputrc", "breezerc", "plasmarc",
-             "lxqt", "Kvantum", "Trolltech.conf", "QtProject.conf", "ibus/bus", "fcitx/dbus",
-             "xkb");
+    addBelow(homeFolder(), reach.readableOutsideHome, ".fonts", ".fonts.conf", ".fonts.conf.d",
+             ".fontconfig", ".icons", ".themes", ".gtkrc-2.0", ".XCompose", ".Xdefaults",
+             ".ICEauthority", ".Xauthority");
+    addBelow(userConfigFolder(), reach.readableOutsideHome, "fontconfig", "dconf", "gtk-2.0",
+             "gtk-3.0", "gtk-4.0", "qt6ct", "kdeglobals", "kdedefaults", "kcminputrc", "breezerc",
+             "plasmarc", "lxqt", "Kvantum", "Trolltech.conf", "QtProject.conf", "ibus/bus",
+             "fcitx/dbus", "xkb");
     for (const char *name : sharedData)
-        reach.readable.push_back(userDataFolder() / name);
+        reach.readableOutsideHome.push_back(userDataFolder() / name);
 }
 
 /// Qt may have been put anywhere, and be told by variables where else its plug-ins are.
@@ -56,8 +56,8 @@ void addToolkit(Reach &reach)
     Dl_info library{};
     if (::dladdr(reinterpret_cast<const void *>(&qVersion), &library) != 0 && library.dli_fname) {
         const Path folder = Path(library.dli_fname).parent_path();
-        reach.addReadableOutsideHome(folder);
-        reach.addReadableOutsideHome(folder.parent_path() / "plugins");
+        reach.readableOutsideHome.push_back(folder);
+        reach.readableOutsideHome.push_back(folder.parent_path() / "plugins");
     }
     for (const char *variable :
          {"QT_QPA_PLATFORM_PLUGIN_PATH", "QT_QPA_FONTDIR", "XCURSOR_PATH", "XLOCALEDIR",
@@ -124,7 +124,7 @@ Reach windowReach(std::span<char *const> arguments, bool hasOwnFolders)
     }
     reach.writable.push_back(fontCacheFolder());
     // Who keeps their settings elsewhere has a link here.
-    reach.readable.push_back(userConfigFolder() / "Penwick/Penwick.conf");
+    reach.readableOutsideHome.push_back(userConfigFolder() / "Penwick/Penwick.conf");
     return reach;
 }
 

@@ -31,6 +31,18 @@ timespec timeOf(Timestamp time)
             static_cast<long>(milliseconds - seconds * 1000) * 1000000};
 }
 
+/// Of a file that is open: a confined process may not change others.
+Result<void> setTimes(const Directory &folder, const char *name,
+                      const std::array<timespec, 2> &times)
+{
+    Disk &disk = folder.disk();
+    const auto handle = uninterrupted([&] { return disk.openFile(folder.handle(), name); });
+    if (!handle)
+        return handle.failure();
+    const Descriptor file(disk, *handle);
+    return ::futimens(file.get(), times.data()) == 0 ? Result<void>() : Failure::system(errno);
+}
+
 /// Makes one copy, whole or not at all, under the first of its names that is free. The name comes
 /// back.
 Result<std::string> copyNote(const Directory &folder, ExportNames &names, const Note &note)
@@ -44,8 +56,8 @@ Result<std::string> copyNote(const Directory &folder, ExportNames &names, const 
         done = made.failure();
     const timespec time = timeOf(note.updatedAt);
     const std::array<timespec, 2> times{time, time};
-    if (done && ::utimensat(folder.handle(), stage.c_str(), times.data(), AT_SYMLINK_NOFOLLOW) != 0)
-        done = Failure::system(errno);
+    if (done)
+        done = setTimes(folder, stage.c_str(), times);
     std::string name;
     while (done) {
         name = names.next(note.title());

@@ -7,10 +7,13 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -90,13 +93,33 @@ std::size_t sizeOfAttributes(int abi)
                                             : offsetof(RulesetAttributes, network);
 }
 
-/// What is not there, and what cannot be a rule, is passed over.
-void allow(int ruleset, const Reach::Places &places, Rights rights) noexcept
+using Identity = std::pair<dev_t, ino_t>;
+
+/// The home folder and those in which it lies.
+std::vector<Identity> homeAndAbove() noexcept
+{
+    std::vector<Identity> found;
+    const char *home = std::getenv("HOME");
+    std::error_code failure;
+    std::filesystem::path path = std::filesystem::weakly_canonical(home ? home : "/", failure);
+    for (bool isLast = failure.operator bool(); !isLast; path = path.parent_path()) {
+        struct stat status {};
+        if (::stat(path.c_str(), &status) == 0)
+            found.emplace_back(status.st_dev, status.st_ino);
+        isLast = !path.has_relative_path();
+    }
+    return found;
+}
+
+/// What is not there, and what cannot be a rule, is passed over, and so is what is left out.
+void allow(int ruleset, const Reach::Places &places, Rights rights,
+           const std::vector<Identity> &leftOut = {}) noexcept
 {
     for (const std::filesystem::path &place : places) {
         const int file = ::open(place.c_str(), O_PATH | O_CLOEXEC);
         struct stat found {};
-        if (file >= 0 && ::fstat(file, &found) == 0) {
+        if (file >= 0 && ::fstat(file, &found) == 0 &&
+            std::ranges::find(leftOut, Identity(found.st_dev, found.st_ino)) == leftOut.end()) {
             const PathRule rule{S_ISDIR(found.st_mode) ? rights : rights & ofFiles, file};
             ::syscall(addRule, ruleset, ruleOfPath, &rule, 0);
         }
@@ -129,6 +152,7 @@ bool LandlockRules::enforce(const Reach &reach, int abi) noexcept
     if (ruleset < 0)
         return false;
     allow(ruleset, reach.readable, reading);
+    allow(ruleset, reach.readableOutsideHome, reading, homeAndAbove());
     allow(ruleset, reach.writable, writing & knownToFiles(abi));
     if (abi >= abiOfPorts)
         allow(ruleset, reach.ports);

@@ -6,21 +6,6 @@
 #include <string>
 #include <string_view>
 
-namespace {
-
-bool isHomeBelow(const std::filesystem::path &place)
-{
-    const char *home = std::getenv("HOME");
-    std::error_code failure;
-    const std::filesystem::path real = std::filesystem::weakly_canonical(place, failure);
-    if (failure || !home)
-        return true;
-    const std::filesystem::path realHome = std::filesystem::weakly_canonical(home, failure);
-    return failure || std::ranges::mismatch(real, realHome).in1 == real.end();
-}
-
-} // namespace
-
 void Reach::addSystem()
 {
     writable.emplace_back("/dev/null");
@@ -38,7 +23,7 @@ void Reach::addSystem()
                      "/proc/cpuinfo", "/proc/stat", "/sys/devices/system/cpu"});
     std::error_code failure;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", failure);
-    addReadableOutsideHome(program.parent_path() / "../share/quillmark");
+    readableOutsideHome.push_back(program.parent_path() / "../share/quillmark");
     addReadableFrom("LD_LIBRARY_PATH");
     addReadableFrom("LOCPATH");
     addReadableFrom("TZDIR");
@@ -52,13 +37,7 @@ void Reach::addReadableFrom(const char *variable, const char *name)
         const std::size_t end = std::min(rest.find(':'), rest.size());
         const std::filesystem::path place(rest.substr(0, end));
         if (place.is_absolute())
-            addReadableOutsideHome(*name != '\0' ? place / name : place);
+            readableOutsideHome.push_back(*name != '\0' ? place / name : place);
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
-}
-
-void Reach::addReadableOutsideHome(const std::filesystem::path &place)
-{
-    if (!isHomeBelow(place))
-        readable.push_back(place);
 }

@@ -6,13 +6,18 @@
 #include <vector>
 
 /// What a process may reach once it is confined; all else is refused. A plain value.
+///
+/// Places are files, and folders with all that is below them. What is not there is passed over: a
+/// right belongs to the file or folder itself, and what takes its place later does not inherit it.
 struct Reach {
     using Places = std::vector<std::filesystem::path>;
 
-    /// Files, and folders with all that is below them. What is not there is passed over: a right
-    /// belongs to the file or folder itself, and what takes its place later does not inherit it.
     Places writable;
     Places readable;
+
+    /// To be read as well, but for those in which the home folder lies, whatever links lead there:
+    /// one of them would open all of it. For what others may point elsewhere.
+    Places readableOutsideHome;
 
     /// To which a connection may be made by TCP. With none there is no network at all.
     std::vector<std::uint16_t> ports;
@@ -27,11 +32,7 @@ struct Reach {
     /// texts, which lie beside its folder.
     void addSystem();
 
-    /// Adds what a variable of the environment names, paths with colons between them, but for those
-    /// in or above which the home folder lies: one of these would open all of it. Where a name is
-    /// given, only what is called so in each of the paths.
+    /// Adds what a variable of the environment names, absolute paths with colons between them.
+    /// Where a name is given, only what is called so in each of the paths.
     void addReadableFrom(const char *variable, const char *name = "");
-
-    /// Adds one place under the same condition.
-    void addReadableOutsideHome(const std::filesystem::path &place);
 };

@@ -71,7 +71,7 @@ constexpr long refusedCalls[] = {
     SYS_clock_adjtime,
     443, // quotactl_fd
 
-    // Files by their path: modes, owners, attributes, of which Landlock knows nothing.
+    // Files by their path: modes, owners, attributes, times, of which Landlock knows nothing.
     SYS_fchmodat,
     SYS_fchownat,
     SYS_setxattr,
@@ -90,5 +90,8 @@ constexpr long refusedCalls[] = {
     SYS_ioperm,
     SYS_modify_ldt,
     SYS_uselib,
+    SYS_utime,
+    SYS_utimes,
+    SYS_futimesat,
 #endif
 };

@@ -34,7 +34,8 @@ constexpr std::uint32_t refusal(int error)
 }
 
 /// A program for the kernel's filter, built one condition after the other. While it runs, the
-/// number of the call is what was loaded last. All arguments that it looks at are of 32 bits.
+/// number of the call is what was loaded last. All arguments that it looks at are of 32 bits, but
+/// for pointers.
 class Program {
 public:
     Program()
@@ -92,6 +93,18 @@ public:
         answer(refusal(EPERM));
     }
 
+    /// Refused unless the argument is a null pointer.
+    void refuseUnlessNull(long call, unsigned argument)
+    {
+        add(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(call), 0, 6);
+        loadArgument(argument);
+        add(BPF_JMP | BPF_JEQ | BPF_K, 0, 0, 2);
+        loadArgument(argument, sizeof(std::uint32_t));
+        add(BPF_JMP | BPF_JEQ | BPF_K, 0, 1, 0);
+        answer(refusal(EPERM));
+        answer(SECCOMP_RET_ALLOW);
+    }
+
     /// Answers success, with nothing done, when the argument is the value.
     void pretend(long call, unsigned argument, std::uint32_t value)
     {
@@ -125,10 +138,10 @@ private:
     {
         add(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset));
     }
-    /// Its lower half: both architectures are little-endian.
-    void loadArgument(unsigned argument)
+    /// Its lower half first: both architectures are little-endian.
+    void loadArgument(unsigned argument, std::size_t at = 0)
     {
-        load(offsetof(seccomp_data, args) + argument * sizeof(seccomp_data::args[0]));
+        load(offsetof(seccomp_data, args) + argument * sizeof(seccomp_data::args[0]) + at);
     }
     void answer(std::uint32_t value)
     {
@@ -192,6 +205,8 @@ bool installSystemCallFilter(const FilterOptions &options) noexcept
     refuseTerminalInput(program);
     if (options.assumesProcesses)
         program.pretend(SYS_kill, 1, 0);
+    // The times of a file that is not open.
+    program.refuseUnlessNull(SYS_utimensat, 1);
     // The limits of other processes.
     program.refuseUnless(SYS_prlimit64, 0, {0, static_cast<std::uint32_t>(::getpid())});
     if (options.refusesTruncation)

@@ -19,7 +19,7 @@ struct FilterOptions {
 /// Has the kernel refuse the system calls (seccomp(2)) that this program has no use for and that
 /// could lead out of it: starting programs, looking into other processes, mounting, namespaces,
 /// sockets but local ones, the parts of the kernel that most break-outs went through, and what
-/// changes a file that lies elsewhere without opening it: its mode, owner and attributes.
+/// changes a file that lies elsewhere without opening it: its mode, owner, attributes and times.
 ///
 /// A refused call answers EPERM, and ENOSYS where the C library then goes another way; nothing is
 /// killed. Calls of another architecture than the program's are all refused. For every thread of

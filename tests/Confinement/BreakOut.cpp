@@ -39,7 +39,7 @@ public:
     operator const char *() const { return m_text.data(); }
 
 private:
-    std::array<char, 1024> m_text{};
+    std::array<char, 2048> m_text{};
 };
 
 int outcome(long answer)
@@ -92,28 +92,49 @@ int listHome(const Bait &bait)
     return opened(::open(bait.home, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
+/// 0 when it worked in one of the folders.
+template <typename Action>
+int inAnyOf(const char *folders, Action action)
+{
+    int result = ENOENT;
+    for (const char *at = folders; result != 0 && *at != '\0';) {
+        const std::size_t length = ::strcspn(at, ":");
+        std::array<char, 1024> folder{};
+        std::memcpy(folder.data(), at, length);
+        result = action(folder.data());
+        at += length + (at[length] == ':' ? 1 : 0);
+    }
+    return result;
+}
+
 int writeBeside(const Bait &bait)
 {
-    const Path file(bait.beside, "made by the probe");
-    const int result = opened(::open(file, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-    ::unlink(file);
-    return result;
+    return inAnyOf(bait.beside, [](const char *folder) {
+        const Path file(folder, "made by the probe");
+        const int result = opened(::open(file, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        ::unlink(file);
+        return result;
+    });
 }
 
 int makeFolderBeside(const Bait &bait)
 {
-    const Path folder(bait.beside, "folder of the probe");
-    const int result = outcome(::mkdir(folder, 0700));
-    ::rmdir(folder);
-    return result;
+    return inAnyOf(bait.beside, [](const char *parent) {
+        const Path folder(parent, "folder of the probe");
+        const int result = outcome(::mkdir(folder, 0700));
+        ::rmdir(folder);
+        return result;
+    });
 }
 
 int linkOut(const Bait &bait)
 {
-    const Path there(bait.beside, "linked out");
-    const int result = outcome(::link(Path(bait.own, "mine"), there));
-    ::unlink(there);
-    return result;
+    return inAnyOf(bait.beside, [&](const char *folder) {
+        const Path there(folder, "linked out");
+        const int result = outcome(::link(Path(bait.own, "mine"), there));
+        ::unlink(there);
+        return result;
+    });
 }
 
 int linkIn(const Bait &bait)
@@ -134,7 +155,9 @@ int move(const char *from, const char *to)
 
 int renameOut(const Bait &bait)
 {
-    return move(Path(bait.own, "mine"), Path(bait.beside, "moved out"));
+    return inAnyOf(bait.beside, [&](const char *folder) {
+        return move(Path(bait.own, "mine"), Path(folder, "moved out"));
+    });
 }
 
 int renameIn(const Bait &bait)
@@ -179,6 +202,17 @@ int changeAttribute(const Bait &bait)
     const int result = outcome(::setxattr(file, "user.probe", "1", 1, 0));
     ::removexattr(file, "user.probe");
     return result;
+}
+
+int changeTimes(const Bait &bait)
+{
+    return outcome(::utimensat(AT_FDCWD, Path(bait.home, "movable"), nullptr, 0));
+}
+
+int lookAt(const Bait &bait)
+{
+    struct stat found {};
+    return outcome(::stat(Path(bait.home, ".ssh/id"), &found));
 }
 
 int connectByTcp(const Bait &bait)
@@ -367,6 +401,8 @@ constexpr Attempt attempts[] = {
     {"read another process", files, &readOtherProcess},
     {"change another file's mode", calls, &changeMode},
     {"change another file's attribute", calls, &changeAttribute},
+    {"change another file's times", calls, &changeTimes},
+    {"look at a file's size and times", Attempt::Kind::allowed, &lookAt},
     {"connect by TCP", calls, &connectByTcp},
     {"a socket for UDP", calls, &useUdp},
     {"a socket for netlink", calls, &useNetlink},

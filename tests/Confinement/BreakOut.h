@@ -8,7 +8,7 @@
 /// What lies outside for a confined process to reach for.
 struct Bait {
     const char *home;     ///< Holds ".ssh/id", "movable", and the own folder somewhere below.
-    const char *beside;   ///< The folder above the own one.
+    const char *beside;   ///< The folders above the own ones, with colons between them.
     const char *own;      ///< A folder that may be written, with a file "mine" in it.
     pid_t otherProcess;   ///< Of the same user.
     std::uint16_t port;   ///< Somebody listens to it on this computer, by TCP.
@@ -20,7 +20,7 @@ struct Attempt {
     enum class Kind {
         files,   ///< Landlock alone can refuse it.
         calls,   ///< The filter of system calls refuses it, with Landlock or without.
-        allowed, ///< X11 and the session need it: it is not refused.
+        allowed, ///< It is not refused: Landlock does not see it, or X11 needs it.
     };
 
     const char *name;

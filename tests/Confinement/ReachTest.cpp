@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "Reach.h"
+#include "Confinement.h"
+#include "LandlockRules.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
-#include <algorithm>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 /// Which places the environment may open to a confined process.
 class ReachTest : public QObject {
@@ -15,7 +18,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void everyPathOfAVariableIsOpened();
-    void nothingInOrAboveWhichTheHomeFolderLiesIsOpened();
+    void nothingInWhichTheHomeFolderLiesIsOpened();
     void aNamedPartOfSuchAPathIsOpened();
 
 private:
@@ -32,15 +35,30 @@ namespace {
 
 constexpr auto variable = "QUILLMARK_TEST_PATHS";
 
+bool isReadableWithin(const Reach &reach, const std::filesystem::path &place)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        confine(reach, LandlockRules::usableAbi());
+        ::_exit(::open(place.c_str(), O_RDONLY | O_DIRECTORY) >= 0 ? 0 : 1);
+    }
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && status == 0;
+}
+
 } // namespace
 
 void ReachTest::init()
 {
+    if (LandlockRules::usableAbi() == 0)
+        QSKIP("This kernel has no Landlock.");
     m_home = qgetenv("HOME");
     QVERIFY(QDir(m_folder.path()).mkpath(QStringLiteral("home/plugins")));
     QVERIFY(QDir(m_folder.path()).mkpath(QStringLiteral("other")));
     QFile::link(m_folder.path() + QStringLiteral("/home"),
                 m_folder.path() + QStringLiteral("/link"));
+    QFile::link(m_folder.path() + QStringLiteral("/link"),
+                m_folder.path() + QStringLiteral("/other/link"));
     qputenv("HOME", QByteArray::fromStdString(in("/home").native()));
 }
 
@@ -58,20 +76,23 @@ void ReachTest::everyPathOfAVariableIsOpened()
 
     reach.addReadableFrom(variable);
 
-    QCOMPARE(reach.readable, (Reach::Places{in("/other"), in("/home/plugins")}));
+    QCOMPARE(reach.readableOutsideHome, (Reach::Places{in("/other"), in("/home/plugins")}));
+    QVERIFY(isReadableWithin(reach, in("/other")));
+    QVERIFY(isReadableWithin(reach, in("/home/plugins")));
 }
 
-void ReachTest::nothingInOrAboveWhichTheHomeFolderLiesIsOpened()
+void ReachTest::nothingInWhichTheHomeFolderLiesIsOpened()
 {
     for (const std::filesystem::path &place :
          {std::filesystem::path("/"), in(""), in("/"), in("/home"), in("/home/"), in("/link"),
-          in("/link/"), in("/other/../home"), in("/home/plugins/..")}) {
+          in("/link/"), in("/other/../home"), in("/home/plugins/.."), in("/other/link")}) {
         qputenv(variable, QByteArray::fromStdString(place.native()));
         Reach reach;
+        reach.addSystem();
 
         reach.addReadableFrom(variable);
 
-        QVERIFY2(reach.readable.empty(), place.c_str());
+        QVERIFY2(!isReadableWithin(reach, in("/home")), place.c_str());
     }
 }
 
@@ -82,7 +103,8 @@ void ReachTest::aNamedPartOfSuchAPathIsOpened()
 
     reach.addReadableFrom(variable, "plugins");
 
-    QCOMPARE(reach.readable, Reach::Places{in("/home/plugins")});
+    QVERIFY(isReadableWithin(reach, in("/home/plugins")));
+    QVERIFY(!isReadableWithin(reach, in("/home")));
 }
 
 QTEST_GUILESS_MAIN(ReachTest)
