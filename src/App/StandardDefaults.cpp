@@ -13,5 +13,8 @@ std::unique_ptr<QSettings> standardDefaults()
     // Below what is no folder there is never a file.
     if (const QFileInfo file(path); file.exists() && !file.isFile())
         path = "/dev/null/Penwick.conf"_L1;
-    return std::make_unique<QSettings>(path, QSettings::IniFormat);
+    auto settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    // Beside the target of a link the program may make no file that would take its place.
+    settings->setAtomicSyncRequired(!QFileInfo(path).isSymLink());
+    return settings;
 }

@@ -121,10 +121,13 @@ Reach windowReach(std::span<char *const> arguments, bool hasOwnFolders)
     if (hasOwnFolders) {
         const auto own = ownFolders();
         reach.writable.insert(reach.writable.end(), own.begin(), own.end());
+        // Who keeps their settings elsewhere has a link here.
+        const Path settings = userConfigFolder() / "Penwick/Penwick.conf";
+        std::error_code failure;
+        if (std::filesystem::is_regular_file(settings, failure))
+            reach.writable.push_back(settings);
     }
     reach.writable.push_back(fontCacheFolder());
-    // Who keeps their settings elsewhere has a link here.
-    reach.readableOutsideHome.push_back(userConfigFolder() / "Penwick/Penwick.conf");
     return reach;
 }
 

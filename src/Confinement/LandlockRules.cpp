@@ -151,9 +151,10 @@ bool LandlockRules::enforce(const Reach &reach, int abi) noexcept
         static_cast<int>(::syscall(createRuleset, &attributes, sizeOfAttributes(abi), 0));
     if (ruleset < 0)
         return false;
+    const std::vector<Identity> home = homeAndAbove();
     allow(ruleset, reach.readable, reading);
-    allow(ruleset, reach.readableOutsideHome, reading, homeAndAbove());
-    allow(ruleset, reach.writable, writing & knownToFiles(abi));
+    allow(ruleset, reach.readableOutsideHome, reading, home);
+    allow(ruleset, reach.writable, writing & knownToFiles(abi), home);
     if (abi >= abiOfPorts)
         allow(ruleset, reach.ports);
     const bool isEnforced = ::syscall(restrictSelf, ruleset, 0) == 0;

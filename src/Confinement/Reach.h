@@ -12,12 +12,14 @@
 struct Reach {
     using Places = std::vector<std::filesystem::path>;
 
-    Places writable;
     Places readable;
 
     /// To be read as well, but for those in which the home folder lies, whatever links lead there:
     /// one of them would open all of it. For what others may point elsewhere.
     Places readableOutsideHome;
+
+    /// To be read and written, under the same condition.
+    Places writable;
 
     /// To which a connection may be made by TCP. With none there is no network at all.
     std::vector<std::uint16_t> ports;

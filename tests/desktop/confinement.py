@@ -128,6 +128,20 @@ class Confinement(DesktopTest):
                 self.assertRegex(first, r"^Quillmark \d+\.\d+\.\d+$")
                 self.assertRegex(second, said)
 
+    def test_settings_that_are_kept_elsewhere_are_written_there(self):
+        elsewhere = self.home / "dotfiles/settings"
+        elsewhere.parent.mkdir()
+        elsewhere.write_text("[General]\nui.appearance=dark\n", encoding="utf-8")
+        self.settings_file.parent.mkdir(parents=True)
+        self.settings_file.symlink_to(elsewhere)
+        quillmark = self.start()
+
+        self.mouse.drag(quillmark.launcher().centre(), (500, 500))
+
+        until(lambda: quillmark.settings().get("launcher.x") == "468", "the place is remembered")
+        self.assertEqual(quillmark.settings()["ui.appearance"], "dark")
+        self.assertTrue(self.settings_file.is_symlink())
+
     def test_a_data_folder_that_is_replaced_asks_for_a_restart(self):
         if not has_landlock(self.program):
             self.skipTest("This kernel has no Landlock.")
