@@ -122,9 +122,3 @@ QList<QTextLayout::FormatRange> emojiFormats(const QString &text, const QFont &f
     }
     return ranges;
 }
-
-void EmojiHighlighter::highlightBlock(const QString &text)
-{
-    for (const QTextLayout::FormatRange &range : emojiFormats(text, document()->defaultFont()))
-        setFormat(range.start, range.length, range.format);
-}

@@ -8,7 +8,6 @@
 #include <QRawFont>
 #include <QTest>
 #include <QTextBoundaryFinder>
-#include <QTextDocument>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -23,7 +22,6 @@ private Q_SLOTS:
     void asksForAFontWithColoursFirst();
     void drawsEachEmojiAsOne_data();
     void drawsEachEmojiAsOne();
-    void leavesTheDocumentsTextWithoutFormats();
 };
 
 void EmojiFormatsTest::findsWholeEmoji_data()
@@ -116,18 +114,6 @@ void EmojiFormatsTest::drawsEachEmojiAsOne()
     while (finder.toNextBoundary() >= 0)
         ++characters;
     QCOMPARE(coloured, characters);
-}
-
-void EmojiFormatsTest::leavesTheDocumentsTextWithoutFormats()
-{
-    QTextDocument document(u"ab 😀"_s);
-    EmojiHighlighter highlighter(&document);
-    highlighter.rehighlight();
-
-    QCOMPARE(document.firstBlock().layout()->formats().size(), qsizetype(1));
-    QVERIFY(!document.firstBlock().begin().fragment().charFormat().hasProperty(
-        QTextFormat::FontFamilies));
-    QCOMPARE(document.toPlainText(), u"ab 😀"_s);
 }
 
 QTEST_MAIN(EmojiFormatsTest)

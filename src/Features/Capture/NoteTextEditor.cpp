@@ -6,7 +6,7 @@
 #include "ClipboardReader.h"
 #include "DropReader.h"
 #include "EditMenu.h"
-#include "EmojiFormats.h"
+#include "LevelTextLayout.h"
 #include "Metrics.h"
 #include "Named.h"
 #include "PanelHints.h"
@@ -17,47 +17,34 @@
 #include "UserText.h"
 #include "WellFormed.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QAccessible>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTextBlock>
-#include <QTextFrame>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Insets and line distance. New blocks take them over from the block that they are split from, so
-/// that once is enough for whatever is typed, pasted or undone later.
+/// Insets and line distance.
 ///
 /// Lines have a fixed height, that of the font and the distance. Were the distance added to what is
 /// in the line, a line would jump as soon as a character of another script, from a font with other
 /// heights, is typed into it.
-void setFormats(QTextDocument &document)
+void setMeasures(LevelTextLayout &layout, const QFont &font)
 {
-    const QFontMetricsF metrics(document.defaultFont());
+    const QFontMetricsF metrics(font);
     const double lineHeight = std::round(metrics.height()) + Metrics::editorLineSpacing;
-    // QTextDocument puts the base line of such a line at four fifths of its height.
     const double aboveText = lineHeight * 4 / 5 - metrics.ascent();
-
-    QTextFrameFormat frame = document.rootFrame()->frameFormat();
-    frame.setTopMargin(Metrics::placeholderTop - aboveText);
-    frame.setBottomMargin(Metrics::placeholderTop);
-    frame.setLeftMargin(Metrics::placeholderLeading);
-    frame.setRightMargin(Metrics::placeholderLeading);
-    document.rootFrame()->setFrameFormat(frame);
-
-    QTextBlockFormat lines;
-    lines.setLineHeight(lineHeight, QTextBlockFormat::FixedHeight);
-    QTextCursor cursor(&document);
-    cursor.select(QTextCursor::Document);
-    cursor.mergeBlockFormat(lines);
+    layout.setMeasures(lineHeight,
+                       {Metrics::placeholderLeading, Metrics::placeholderTop - aboveText,
+                        Metrics::placeholderLeading, Metrics::placeholderTop});
 }
 
 /// Not an edit: leaves nothing to undo.
@@ -67,7 +54,6 @@ void replaceText(QTextDocument &document, const QString &text)
     QTextCursor cursor(&document);
     cursor.select(QTextCursor::Document);
     cursor.insertText(text);
-    setFormats(document);
     document.setUndoRedoEnabled(true);
 }
 
@@ -116,6 +102,8 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     : QTextEdit(parent)
     , m_preferences(preferences)
     , m_placeholderKey(placeholder)
+    , m_layout(new LevelTextLayout(document()))
+    , m_placeholderLayout(new LevelTextLayout(&m_placeholder))
     , m_refusal(named(u"pasteRefusal"_s, new TextLabel(TextStyles::banner, this)))
     , m_composition(new Composition(this))
     , m_clipboard(new ClipboardReader(this))
@@ -133,14 +121,13 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
 
     setCursorWidth(Metrics::caretWidth);
     setFont(TextStyles::editor.font(m_preferences.locale()));
-    replaceText(*document(), {});
-    new EmojiHighlighter(document());
 
     m_refusal->setWraps(true);
     setAccessibleRole(m_refusal, QAccessible::AlertMessage);
     m_refusal->hide();
 
     connect(this, &QTextEdit::textChanged, this, &NoteTextEditor::announceEdit);
+    connect(m_layout, &LevelTextLayout::shifted, this, &NoteTextEditor::followShift);
     connect(m_clipboard, &ClipboardReader::arrived, this, &NoteTextEditor::insertPasted);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteTextEditor::translate);
     translate();
@@ -323,7 +310,27 @@ void NoteTextEditor::paintEvent(QPaintEvent *event)
 {
     if (showsPlaceholder())
         paintPlaceholder();
+    layOutVisible();
     QTextEdit::paintEvent(event);
+}
+
+void NoteTextEditor::scrollContentsBy(int dx, int dy)
+{
+    layOutVisible();
+    QTextEdit::scrollContentsBy(dx, dy);
+}
+
+void NoteTextEditor::layOutVisible()
+{
+    m_layout->setVisible(verticalScrollBar()->value(), viewport()->height());
+}
+
+/// What is seen stays where it is.
+void NoteTextEditor::followShift(double distance)
+{
+    QScrollBar &bar = *verticalScrollBar();
+    bar.setValue(bar.value() + static_cast<int>(std::lround(distance)));
+    viewport()->update();
 }
 
 void NoteTextEditor::paintPlaceholder()
@@ -341,6 +348,8 @@ void NoteTextEditor::translate()
     const QString placeholder = m_preferences.text(m_placeholderKey);
     const QFont font = TextStyles::editor.font(m_preferences.locale());
     setFont(font);
+    setMeasures(*m_layout, font);
+    setMeasures(*m_placeholderLayout, font);
     setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
     m_placeholder.setDefaultFont(font);
     replaceText(m_placeholder, placeholder);

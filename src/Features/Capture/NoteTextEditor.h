@@ -10,6 +10,7 @@
 
 class AppPreferences;
 class ClipboardReader;
+class LevelTextLayout;
 class TextLabel;
 
 /// The text area of the capture and the edit screen: plain text, 15 points, 7 points between
@@ -71,6 +72,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
     [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
     [[nodiscard]] bool canInsertFromMimeData(const QMimeData *source) const override;
     void insertFromMimeData(const QMimeData *source) override;
@@ -87,13 +89,17 @@ private:
     void pasteFrom(QClipboard::Mode mode);
     void insertPasted(const QMimeData &pasted);
     void paintPlaceholder();
+    void layOutVisible();
+    void followShift(double distance);
     void translate();
     void describe();
 
     const AppPreferences &m_preferences;
     const QString m_placeholderKey;
-    TextLabel *const m_refusal;
+    LevelTextLayout *const m_layout;
     QTextDocument m_placeholder;
+    LevelTextLayout *const m_placeholderLayout;
+    TextLabel *const m_refusal;
     bool m_wasShown = false;
     Composition *const m_composition;
     bool m_wasComposing = false;
