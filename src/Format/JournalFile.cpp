@@ -19,9 +19,14 @@ constexpr std::string_view noText = "none";
 /// Where no save was begun.
 constexpr std::string_view noSuccessor = "-";
 
-std::string utf8(const QString &text)
+QByteArray utf8(const QString &text)
 {
-    return wellFormed(text).toStdString();
+    return wellFormed(text).toUtf8();
+}
+
+std::string_view viewOf(const QByteArray &bytes)
+{
+    return {bytes.data(), static_cast<std::size_t>(bytes.size())};
 }
 
 std::optional<QString> textOf(std::string_view bytes)
@@ -100,7 +105,7 @@ bool takeDraft(std::string_view &bytes, JournalFile &file)
         return false;
     const std::string_view content = rest.substr(0, *size);
     const std::optional<QString> text = textOf(content);
-    if (!text || *digest != hexadecimal(sha256(std::string(head).append(content))))
+    if (!text || *digest != hexadecimal(sha256(head, content)))
         return false;
     file.number = *number;
     file.captureId = *captureId;
@@ -115,7 +120,7 @@ bool takeDraft(std::string_view &bytes, JournalFile &file)
 } // namespace
 
 TextMark::TextMark(const QString &text)
-    : m_digest(sha256(utf8(text)))
+    : m_digest(sha256(viewOf(utf8(text))))
 {
 }
 
@@ -143,9 +148,13 @@ std::string JournalFile::encoded() const
 {
     std::string bytes(marker);
     for (const TypedDraft &draft : drafts) {
-        const std::string text = utf8(draft.text);
+        // A text may have many megabytes, and is not to be copied more often than it must.
+        const QByteArray encodedText = utf8(draft.text);
+        const std::string_view text = viewOf(encodedText);
         const std::string fields = fieldsOf(*this, draft, text.size());
-        bytes += fields + hexadecimal(sha256(fields + text)) + '\n' + text + '\n';
+        const std::string digest = hexadecimal(sha256(fields, text));
+        bytes.reserve(bytes.size() + fields.size() + digest.size() + text.size() + 2);
+        bytes.append(fields).append(digest).append("\n").append(text).append("\n");
     }
     return bytes;
 }

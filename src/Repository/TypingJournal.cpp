@@ -225,7 +225,7 @@ void TypingJournal::keep(const NoteSnapshot &typed, const NoteSnapshot &saved,
     const auto add = [&](const QString &key, const QString &text) {
         const std::optional<QString> base = textIn(saved, key);
         if (text != base)
-            next.drafts.push_back({key, text, TextMark(base), {}});
+            next.drafts.push_back({key, text, markOf(key, base), {}});
     };
     add(captureKey, typed.captureDraft);
     for (auto draft = typed.editingDrafts.begin(); draft != typed.editingDrafts.end(); ++draft)
@@ -234,6 +234,19 @@ void TypingJournal::keep(const NoteSnapshot &typed, const NoteSnapshot &saved,
         takeBack();
     else if (next.drafts != m_file.drafts || captureId != m_file.captureId || !isInPlace())
         write(std::move(next));
+}
+
+/// What is typed on goes on from the same text again and again.
+TextMark TypingJournal::markOf(const QString &key, const std::optional<QString> &base)
+{
+    if (!base)
+        return TextMark();
+    const auto known = m_marks.find(key);
+    const bool isKnown = known != m_marks.end() && known->second.text.size() == base->size() &&
+                         known->second.text.constData() == base->constData();
+    if (isKnown)
+        return known->second.mark;
+    return (m_marks[key] = {*base, TextMark(*base)}).mark;
 }
 
 bool TypingJournal::isInPlace() const
@@ -358,6 +371,7 @@ void TypingJournal::takeBack()
 
 void TypingJournal::forget() noexcept
 {
+    m_marks.clear();
     m_file.drafts.clear();
     m_folder.reset();
     m_captureId.reset();

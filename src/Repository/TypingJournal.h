@@ -6,6 +6,7 @@
 #include "Note.h"
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -82,6 +83,7 @@ private:
     [[nodiscard]] static bool isOver(const TypedDraft &draft, const QUuid &captureId,
                                      const NoteSnapshot &saved);
     static void putInto(NoteSnapshot &snapshot, const NoteSnapshot &saved, const TypedDraft &draft);
+    [[nodiscard]] TextMark markOf(const QString &key, const std::optional<QString> &base);
     [[nodiscard]] bool isInPlace() const;
     void write(JournalFile file);
     void takeBack();
@@ -107,6 +109,15 @@ private:
 
     /// Where it is, as the place in the list of folders.
     std::optional<std::size_t> m_folder;
+
+    /// A stored text, shared with the notes, and its mark.
+    struct Marked {
+        QString text;
+        TextMark mark;
+    };
+
+    /// Of the texts from which the drafts go on.
+    std::map<QString, Marked> m_marks;
 
     /// The files that there may be, the current one among them.
     std::vector<Place> m_places;
