@@ -293,8 +293,12 @@ with a quick note.</translation>
         <translation>Not kept: there is no text in what was dropped.</translation>
     </message>
     <message>
-        <source>Not inserted: a note has room for %@ characters and %@ lines.</source>
-        <translation>Not inserted: a note has room for %@ characters and %@ lines.</translation>
+        <source>Not inserted: a note has room for %@ characters and %@ lines, a paragraph for %@ characters.</source>
+        <translation>Not inserted: a note has room for %@ characters and %@ lines, a paragraph for %@ characters.</translation>
+    </message>
+    <message>
+        <source>Shown for reading: a note has room for %@ characters and %@ lines, a paragraph for %@ characters.</source>
+        <translation>Shown for reading: a note has room for %@ characters and %@ lines, a paragraph for %@ characters.</translation>
     </message>
     <message>
         <source>What was typed could not be saved.</source>

@@ -293,8 +293,12 @@ with a quick note.</source>
         <translation>未保留：拖入的内容中没有文字。</translation>
     </message>
     <message>
-        <source>Not inserted: a note has room for %@ characters and %@ lines.</source>
-        <translation>未插入：一条笔记最多容纳 %@ 个字符、%@ 行。</translation>
+        <source>Not inserted: a note has room for %@ characters and %@ lines, a paragraph for %@ characters.</source>
+        <translation>未插入：一条笔记最多容纳 %@ 个字符、%@ 行，每段最多 %@ 个字符。</translation>
+    </message>
+    <message>
+        <source>Shown for reading: a note has room for %@ characters and %@ lines, a paragraph for %@ characters.</source>
+        <translation>仅供阅读：一条笔记最多容纳 %@ 个字符、%@ 行，每段最多 %@ 个字符。</translation>
     </message>
     <message>
         <source>What was typed could not be saved.</source>

@@ -21,11 +21,49 @@ constexpr std::size_t mostLaidOut = 2000;
 /// A change of more paragraphs is laid out when it is looked at.
 constexpr int mostLaidOutAtOnce = 16;
 
+/// That are drawn as one on their letter.
+constexpr int mostMarks = 64;
+
 /// QTextLine has places in 64ths and cuts off what is finer; sums are to be those of such places.
 double inUnits(double distance)
 {
     constexpr double units = 64;
     return std::trunc(distance * units) / units;
+}
+
+/// Of a block that is in the list of those that are laid out. Goes with the block, or before.
+class Listed final : public QTextBlockUserData {
+public:
+    Listed(std::shared_ptr<std::list<QTextBlock>> blocks, const QTextBlock &block)
+        : m_blocks(std::move(blocks))
+        , m_place(m_blocks->insert(m_blocks->end(), block))
+    {
+    }
+
+    ~Listed() override { m_blocks->erase(m_place); }
+
+    Q_DISABLE_COPY_MOVE(Listed)
+
+    void putLast() { m_blocks->splice(m_blocks->end(), *m_blocks, m_place); }
+
+private:
+    const std::shared_ptr<std::list<QTextBlock>> m_blocks;
+    const std::list<QTextBlock>::iterator m_place;
+};
+
+/// What is drawn by itself of marks that stand on one letter. For each mark the fonts' rules look
+/// back at all before it: fifty thousand took seconds.
+QList<QTextLayout::FormatRange> manyMarks(QStringView text)
+{
+    QList<QTextLayout::FormatRange> ranges;
+    qsizetype marks = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        constexpr char16_t firstMark = 0x0300;
+        marks = text[at].unicode() >= firstMark && text[at].isMark() ? marks + 1 : 0;
+        if (marks > 0 && marks % mostMarks == 0)
+            ranges.append({static_cast<int>(at + 1 - mostMarks), mostMarks, {}});
+    }
+    return ranges;
 }
 
 bool isLaidOut(const QTextBlock &block)
@@ -37,6 +75,7 @@ bool isLaidOut(const QTextBlock &block)
 
 LevelTextLayout::LevelTextLayout(QTextDocument *document)
     : QAbstractTextDocumentLayout(document)
+    , m_laidOut(std::make_shared<std::list<QTextBlock>>())
 {
     document->setDocumentLayout(this);
 }
@@ -199,10 +238,20 @@ void LevelTextLayout::documentChanged(int from, int charsRemoved, int charsAdded
     QTextBlock last = document()->findBlock(from + charsAdded);
     if (!last.isValid())
         last = document()->lastBlock();
+    const double shift = m_shift;
+    const double visibleTop = m_visibleTop;
     expect(first, last);
     if (last.blockNumber() - first.blockNumber() < mostLaidOutAtOnce) {
         for (QTextBlock block = first; block != last.next(); block = block.next())
             layOut(block);
+    }
+    // What was laid out meanwhile is part of the change.
+    m_shift = shift;
+    m_visibleTop = visibleTop;
+    const double growth = (document()->lineCount() - m_linesTold) * m_lineHeight;
+    if (topOf(last) + last.lineCount() * m_lineHeight - growth <= m_visibleTop) {
+        m_visibleTop += growth;
+        m_shift += growth;
     }
     const double top = topOf(first);
     const double bottom =
@@ -222,7 +271,6 @@ void LevelTextLayout::expectAll()
     const double width = QFontMetricsF(m_settings.font).averageCharWidth();
     m_charactersInLine = lineWidth() > 0 ? std::max(1.0, lineWidth() / std::max(1.0, width))
                                          : std::numeric_limits<double>::infinity();
-    m_laidOut.clear();
     m_linesTold = 0;
     expect(document()->begin(), document()->lastBlock());
     announce();
@@ -272,6 +320,8 @@ void LevelTextLayout::layOut(const QTextBlock &block)
     option.setAlignment(QStyle::visualAlignment(block.textDirection(), option.alignment()));
     lines.setTextOption(option);
     const double baseLine = inUnits(m_lineHeight * 4 / 5);
+    // Where the caret is, and a key later what is drawn, is asked of the same glyphs.
+    lines.setCacheEnabled(true);
     lines.beginLayout();
     int count = 0;
     for (QTextLine line = lines.createLine(); line.isValid(); line = lines.createLine()) {
@@ -283,7 +333,7 @@ void LevelTextLayout::layOut(const QTextBlock &block)
     }
     lines.endLayout();
     lines.setPosition(QPointF(m_margins.left(), topOf(block)));
-    m_laidOut.push_back(block);
+    list(block);
     setLines(block, std::max(1, count));
 }
 
@@ -322,6 +372,8 @@ void LevelTextLayout::setFormats(const QTextBlock &block)
             range.length += composed;
         formats.append(range);
     }
+    if (block.length() > mostMarks)
+        formats += manyMarks(block.text());
     if (formats == before)
         return;
     // The document notes that as a change and would tell it with the next one. It is over here,
@@ -333,13 +385,26 @@ void LevelTextLayout::setFormats(const QTextBlock &block)
     m_isSettingFormats = false;
 }
 
+void LevelTextLayout::list(QTextBlock block)
+{
+    if (auto *const listed = static_cast<Listed *>(block.userData()))
+        listed->putLast();
+    else
+        block.setUserData(new Listed(m_laidOut, block));
+}
+
 void LevelTextLayout::forgetSome()
 {
-    if (m_laidOut.size() <= mostLaidOut)
+    if (m_laidOut->size() <= mostLaidOut)
         return;
-    const auto end = m_laidOut.begin() + mostLaidOut / 2;
-    std::for_each(m_laidOut.begin(), end, [](QTextBlock &block) { block.clearLayout(); });
-    m_laidOut.erase(m_laidOut.begin(), end);
+    while (m_laidOut->size() > mostLaidOut / 2) {
+        QTextBlock block = m_laidOut->front();
+        QTextLayout &lines = *block.layout();
+        lines.setCacheEnabled(false);
+        lines.beginLayout();
+        lines.endLayout();
+        block.setUserData(nullptr);
+    }
 }
 
 /// A view limits its place to what there is: it grows first, and shrinks last.

@@ -5,7 +5,8 @@
 #include <QMarginsF>
 #include <QTextBlock>
 #include <QTextOption>
-#include <vector>
+#include <list>
+#include <memory>
 
 /// Lays out a document of plain paragraphs in lines of one height, and of these only what somebody
 /// looks at: a key costs its paragraph, and opening a text costs a screenful, however long it is.
@@ -72,6 +73,7 @@ private:
     void layOutAround(const QTextBlock &block);
     void setFormats(const QTextBlock &block);
     void setLines(QTextBlock block, int count);
+    void list(QTextBlock block);
     void forgetSome();
     void announce();
     void drawBlock(QPainter &painter, const PaintContext &context, const QRectF &clip,
@@ -95,6 +97,6 @@ private:
     /// Of the document after the last change. It has a later one while it is being changed.
     int m_revision = 0;
 
-    /// Blocks that have lines, the latest last, and some that are gone.
-    std::vector<QTextBlock> m_laidOut;
+    /// Blocks that are there and have lines, or had some, the latest last.
+    std::shared_ptr<std::list<QTextBlock>> m_laidOut;
 };

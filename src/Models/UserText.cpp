@@ -60,6 +60,27 @@ qsizetype characterCount(QStringView text)
     return count;
 }
 
+qsizetype characterCountChange(QStringView text, const TextChange &change)
+{
+    // A LF ends a character whatever follows.
+    const auto isEnd = [text](qsizetype at) {
+        return text[at - 1] == u'\n' || (standsAlone(text[at - 1]) && standsAlone(text[at]));
+    };
+    qsizetype begin = change.position;
+    while (begin > 0 && (begin == change.position || !isEnd(begin)))
+        --begin;
+    const qsizetype endOfAdded = change.position + change.added.size();
+    qsizetype end = std::min(endOfAdded + 1, text.size());
+    while (end < text.size() && !isEnd(end))
+        ++end;
+    const QStringView before = text.sliced(begin, change.position - begin);
+    const QStringView after = text.sliced(endOfAdded, end - endOfAdded);
+    const auto countWith = [&](const QString &between) {
+        return characterCount(before.toString() + between + after.toString());
+    };
+    return countWith(change.added) - countWith(change.removed);
+}
+
 QString beginning(const QString &text, qsizetype mostCodePoints)
 {
     qsizetype end = 0;

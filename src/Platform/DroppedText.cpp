@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "DroppedText.h"
 
-#include "NoteTextEditor.h"
+#include "TextExtent.h"
 
 #include <QLocale>
 #include <QMimeData>
@@ -50,13 +50,15 @@ DroppedText checked(const std::optional<QString> &text)
         return {{}, Message{u"Not kept: what was dropped is no UTF-8 text."_s, {}}};
     if (text->trimmed().isEmpty())
         return {{}, Message{u"Not kept: there is no text in what was dropped."_s, {}}};
-    if (text->size() > NoteTextEditor::mostCharacters ||
-        text->count(u'\n') >= NoteTextEditor::mostLines) {
+    if (!TextExtent::of(*text).hasRoom()) {
         const QLocale plain = QLocale::c();
-        return {{},
-                Message{u"Not inserted: a note has room for %@ characters and %@ lines."_s,
-                        {plain.toString(NoteTextEditor::mostCharacters),
-                         plain.toString(NoteTextEditor::mostLines)}}};
+        return {
+            {},
+            Message{
+                u"Not inserted: a note has room for %@ characters and %@ lines, a paragraph for %@ characters."_s,
+                {plain.toString(TextExtent::mostCharacters),
+                 plain.toString(TextExtent::mostLineEnds),
+                 plain.toString(TextExtent::mostInParagraph)}}};
     }
     return {*text, std::nullopt};
 }

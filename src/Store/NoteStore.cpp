@@ -229,6 +229,29 @@ void NoteStore::updateDraft(const Note &note, const QString &typed)
     scheduleSave();
 }
 
+bool NoteStore::changeDraft(const TextChange &change)
+{
+    if (m_isReadOnly || !change.fits(m_snapshot.captureDraft))
+        return false;
+    change.applyTo(m_snapshot.captureDraft);
+    Q_EMIT draftChanged();
+    scheduleSave();
+    return true;
+}
+
+bool NoteStore::changeDraft(const Note &note, const TextChange &change)
+{
+    if (m_isReadOnly || !change.fits(text(note)))
+        return false;
+    const QString key = canonicalText(note.id);
+    if (!m_snapshot.editingDrafts.contains(key))
+        m_snapshot.editingDrafts.insert(key, note.body);
+    change.applyTo(m_snapshot.editingDrafts[key]);
+    Q_EMIT editsChanged();
+    scheduleSave();
+    return true;
+}
+
 bool NoteStore::saveCapture()
 {
     const QString body = m_snapshot.captureDraft.trimmed();

@@ -6,6 +6,7 @@
 #include "NoteSearch.h"
 #include "Refusal.h"
 #include "RepositoryError.h"
+#include "TextChange.h"
 
 #include <QObject>
 #include <QTimer>
@@ -116,6 +117,11 @@ public:
 
     /// Keeps an unsaved edit, exactly as given, and writes it after saveDelay.
     void updateDraft(const Note &note, const QString &typed);
+
+    /// Both for a change of the text that the store has, without a look at the rest of it. One that
+    /// does not fit it is not made, and false is given.
+    bool changeDraft(const TextChange &change);
+    bool changeDraft(const Note &note, const TextChange &change);
 
     /// Turns the trimmed capture draft into a note. Like the three below, true means that it is
     /// on the disk, and false that nothing was written and nothing typed was lost.

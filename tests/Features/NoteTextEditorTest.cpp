@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "NoteTextEditor.h"
 #include "AppPreferences.h"
+#include "Dice.h"
 #include "FixedEnvironment.h"
 #include "NoteTheme.h"
 #include "Pixels.h"
 #include "SlimScrollBar.h"
+#include "TextExtent.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QAccessible>
@@ -20,6 +22,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
+#include <QTimer>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -65,6 +68,15 @@ private Q_SLOTS:
     void showsTheSurfaceBehindIt();
     void holdsALongText();
     void breaksEndlessWordsAnywhere();
+    void tellsWhatChanged_data();
+    void tellsWhatChanged();
+    void tellsNothingOfFormatsAndCompositions();
+    void insertsManyLinesWhileTheWindowAnswers();
+    void keepsWhatIsTypedMeanwhileForLater();
+    void opensManyLinesFromTheirEnd();
+    void givesUpLinesOfAnEarlierText();
+    void showsWhatIsTooLongForReading_data();
+    void showsWhatIsTooLongForReading();
 };
 
 namespace {
@@ -78,10 +90,25 @@ struct Fixture {
         *new NoteTextEditor(preferences, QString::fromLatin1(placeholder), &window);
     QSignalSpy edited{&editor, &NoteTextEditor::textEdited};
 
+    /// The text that follows from what the editor said of its changes.
+    QString followed;
+    bool fitsAlways = true;
+
     Fixture()
     {
+        QObject::connect(&editor, &NoteTextEditor::textEdited, &window,
+                         [this](const TextChange &change) {
+                             fitsAlways = fitsAlways && change.fits(followed);
+                             change.applyTo(followed);
+                         });
         editor.resize(372, 200);
         window.resize(400, 260);
+    }
+
+    void set(const QString &text)
+    {
+        editor.setNoteText(text);
+        followed = text;
     }
 
     [[nodiscard]] bool show()
@@ -98,10 +125,7 @@ struct Fixture {
         QCoreApplication::sendEvent(&editor, &event);
     }
 
-    [[nodiscard]] QString lastEdit() const
-    {
-        return edited.isEmpty() ? QString() : edited.last().first().toString();
-    }
+    [[nodiscard]] QString lastEdit() const { return edited.isEmpty() ? QString() : followed; }
 };
 
 void setClipboard(const QString &text, const QString &html = {})
@@ -147,7 +171,7 @@ void NoteTextEditorTest::returnsTheTextAsItWasSet()
     QFETCH(QString, text);
     Fixture fixture;
 
-    fixture.editor.setNoteText(text);
+    fixture.set(text);
 
     QCOMPARE(fixture.editor.noteText(), text);
     QCOMPARE(fixture.edited.size(), 0);
@@ -170,7 +194,7 @@ void NoteTextEditorTest::keepsUniformLineEndsThroughAnEdit()
     QFETCH(QString, text);
     QFETCH(QString, edited);
     Fixture fixture;
-    fixture.editor.setNoteText(text);
+    fixture.set(text);
 
     QTest::keyClicks(&fixture.editor, u"x"_s);
     QTest::keyClick(&fixture.editor, Qt::Key_Return);
@@ -183,7 +207,7 @@ void NoteTextEditorTest::keepsUniformLineEndsThroughAnEdit()
 void NoteTextEditorTest::leavesMixedLineEndsAloneUntilTheUserEdits()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"one\r\ntwo\nthree"_s);
+    fixture.set(u"one\r\ntwo\nthree"_s);
 
     QTest::keyClick(&fixture.editor, Qt::Key_Home);
     QCOMPARE(fixture.editor.noteText(), u"one\r\ntwo\nthree"_s);
@@ -195,7 +219,7 @@ void NoteTextEditorTest::leavesMixedLineEndsAloneUntilTheUserEdits()
 void NoteTextEditorTest::takesOverLineEndsOfThePastedText()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"one\n"_s);
+    fixture.set(u"one\n"_s);
     setClipboard(u"two\r\nthree"_s);
 
     fixture.editor.paste();
@@ -207,8 +231,8 @@ void NoteTextEditorTest::announcesOnlyWhatTheUserDoes()
 {
     Fixture fixture;
 
-    fixture.editor.setNoteText(u"one"_s);
-    fixture.editor.setNoteText(u"two"_s);
+    fixture.set(u"one"_s);
+    fixture.set(u"two"_s);
     QTest::keyClick(&fixture.editor, Qt::Key_Left);
     fixture.preferences.setLanguage(AppLanguage::chinese);
     QCOMPARE(fixture.edited.size(), 0);
@@ -221,11 +245,11 @@ void NoteTextEditorTest::announcesOnlyWhatTheUserDoes()
 void NoteTextEditorTest::leavesTheTextAloneThatIsAlreadyThere()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"one"_s);
+    fixture.set(u"one"_s);
     QTest::keyClicks(&fixture.editor, u" two"_s);
     QTest::keyClick(&fixture.editor, Qt::Key_Home);
 
-    fixture.editor.setNoteText(u"one two"_s);
+    fixture.set(u"one two"_s);
 
     QCOMPARE(fixture.editor.textCursor().position(), 0);
     QVERIFY(fixture.editor.document()->isUndoAvailable());
@@ -234,10 +258,10 @@ void NoteTextEditorTest::leavesTheTextAloneThatIsAlreadyThere()
 void NoteTextEditorTest::forgetsUndoStepsOfAnEarlierText()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"one"_s);
+    fixture.set(u"one"_s);
     QTest::keyClicks(&fixture.editor, u" two"_s);
 
-    fixture.editor.setNoteText(u"another note"_s);
+    fixture.set(u"another note"_s);
     fixture.editor.undo();
 
     QCOMPARE(fixture.editor.noteText(), u"another note"_s);
@@ -248,7 +272,7 @@ void NoteTextEditorTest::forgetsUndoStepsOfAnEarlierText()
 void NoteTextEditorTest::undoesAndRedoesWhatWasTyped()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"one"_s);
+    fixture.set(u"one"_s);
     QTest::keyClicks(&fixture.editor, u" two"_s);
 
     QTest::keySequence(&fixture.editor, QKeySequence::Undo);
@@ -286,15 +310,20 @@ void NoteTextEditorTest::insertsNothingThatHasNoRoom_data()
 {
     QTest::addColumn<QString>("pasted");
 
-    QTest::newRow("a character too many") << QString(NoteTextEditor::mostCharacters - 4, u'x');
-    QTest::newRow("a line too many") << QString(NoteTextEditor::mostLines, u'\n');
+    QTest::newRow("a character too many")
+        << (QString(1000, u'x') + u'\n').repeated(TextExtent::mostCharacters / 1001 + 1);
+    QTest::newRow("a line too many") << QString(TextExtent::mostLineEnds + 1, u'\n');
+    QTest::newRow("a line too many within a paragraph")
+        << QString(TextExtent::mostLineEnds + 1, QChar(QChar::LineSeparator));
+    QTest::newRow("a character too many in a paragraph")
+        << QString(TextExtent::mostInParagraph - 4, u'x');
 }
 
 void NoteTextEditorTest::insertsNothingThatHasNoRoom()
 {
     QFETCH(const QString, pasted);
     Fixture fixture;
-    fixture.editor.setNoteText(u"kept"_s);
+    fixture.set(u"kept"_s);
     const auto *refusal = fixture.editor.findChild<QLabel *>(u"pasteRefusal"_s);
     QVERIFY(refusal->isHidden());
 
@@ -304,7 +333,8 @@ void NoteTextEditorTest::insertsNothingThatHasNoRoom()
     QTRY_VERIFY(!refusal->isHidden());
     QCOMPARE(fixture.editor.noteText(), u"kept"_s);
     QCOMPARE(refusal->text(),
-             u"Not inserted: a note has room for 8,000,000 characters and 250,000 lines."_s);
+             u"Not inserted: a note has room for 16,777,216 characters and 1,000,000 lines, "
+             "a paragraph for 1,200,000 characters."_s);
     QCOMPARE(refusal->geometry().bottom(), fixture.editor.height() - 1);
     QVERIFY(fixture.editor.viewport()->geometry().bottom() < refusal->geometry().top());
 
@@ -330,7 +360,7 @@ void NoteTextEditorTest::takesInNoHalfCharacter()
     QFETCH(const int, from);
     QFETCH(const QString, left);
     Fixture fixture;
-    fixture.editor.setNoteText(u"a\U0001FAB6b"_s);
+    fixture.set(u"a\U0001FAB6b"_s);
     QTextCursor cursor(fixture.editor.document());
     cursor.setPosition(from);
     cursor.setPosition(from + 1, QTextCursor::KeepAnchor);
@@ -339,7 +369,8 @@ void NoteTextEditorTest::takesInNoHalfCharacter()
 
     QCOMPARE(fixture.editor.noteText(), left);
     QCOMPARE(fixture.edited.count(), 1);
-    QCOMPARE(fixture.edited.first().first().toString(), left);
+    QCOMPARE(fixture.followed, left);
+    QVERIFY(fixture.fitsAlways);
     fixture.editor.undo();
     QCOMPARE(fixture.editor.noteText(), u"a\U0001FAB6b"_s);
 }
@@ -347,7 +378,7 @@ void NoteTextEditorTest::takesInNoHalfCharacter()
 void NoteTextEditorTest::copiesPlainTextAsItIs()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"10\u00a0km\nnext\u2028line"_s);
+    fixture.set(u"10\u00a0km\nnext\u2028line"_s);
 
     fixture.editor.selectAll();
     fixture.editor.copy();
@@ -360,7 +391,7 @@ void NoteTextEditorTest::copiesPlainTextAsItIs()
 void NoteTextEditorTest::startsANewLineWithShiftReturn()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"one"_s);
+    fixture.set(u"one"_s);
 
     QTest::keyClick(&fixture.editor, Qt::Key_Return, Qt::ShiftModifier);
     QTest::keyClicks(&fixture.editor, u"two"_s);
@@ -385,7 +416,7 @@ void NoteTextEditorTest::keepsTheLineDistanceInEveryBlock()
         }
     };
 
-    fixture.editor.setNoteText(u"one\ntwo\nthree"_s);
+    fixture.set(u"one\ntwo\nthree"_s);
     check();
     setClipboard(u"\nfour\nfive\n"_s, u"<p>four</p><p>five</p>"_s);
     fixture.editor.paste();
@@ -414,11 +445,11 @@ void NoteTextEditorTest::keepsItsLinesLevelInEveryScript()
         const QTextLine line = block.layout()->lineAt(0);
         return block.layout()->position().y() + line.y() + line.ascent();
     };
-    fixture.editor.setNoteText(u"one\ntwo"_s);
+    fixture.set(u"one\ntwo"_s);
     const double first = baseLine(0);
     const double second = baseLine(1);
 
-    fixture.editor.setNoteText(u"one 骨 😀\ntwo"_s);
+    fixture.set(u"one 骨 😀\ntwo"_s);
 
     QVERIFY(std::abs(baseLine(0) - first) < 0.02);
     QVERIFY(std::abs(baseLine(1) - second) < 0.02);
@@ -433,7 +464,7 @@ void NoteTextEditorTest::showsThePlaceholderWhereTheTextBegins()
         const QString text = fixture.preferences.text(QString::fromLatin1(placeholder));
         const QImage prompt = drawn(fixture.editor);
 
-        fixture.editor.setNoteText(text);
+        fixture.set(text);
 
         const QRect ink = Pixels::inkBounds(drawn(fixture.editor));
         QCOMPARE(Pixels::inkBounds(prompt), ink);
@@ -459,10 +490,10 @@ void NoteTextEditorTest::hidesThePlaceholderBehindTextAndCompositions()
     }
     QVERIFY(isTertiary);
 
-    fixture.editor.setNoteText(u" "_s);
+    fixture.set(u" "_s);
     QVERIFY(Pixels::inkBounds(drawn(fixture.editor)).isEmpty());
 
-    fixture.editor.setNoteText({});
+    fixture.set({});
     QCOMPARE(drawn(fixture.editor), prompt);
 
     fixture.compose(u"n"_s);
@@ -478,7 +509,7 @@ void NoteTextEditorTest::tellsReadersThePlaceholderWhileItIsSeen()
     const QString prompt = fixture.preferences.text(QString::fromLatin1(placeholder));
     QCOMPARE(fixture.editor.accessibleDescription(), prompt);
 
-    fixture.editor.setNoteText(u"milk"_s);
+    fixture.set(u"milk"_s);
     QCOMPARE(fixture.editor.accessibleDescription(), QString());
 
     fixture.editor.selectAll();
@@ -561,7 +592,7 @@ void NoteTextEditorTest::leavesSavingAndFoldingToItsScreen()
     QFETCH(Qt::Key, key);
     QFETCH(Qt::KeyboardModifier, modifier);
     Fixture fixture;
-    fixture.editor.setNoteText(u"one"_s);
+    fixture.set(u"one"_s);
 
     for (const QEvent::Type type : {QEvent::ShortcutOverride, QEvent::KeyPress}) {
         QKeyEvent event(type, key, modifier, key == Qt::Key_Escape ? u"\x1b"_s : u"\r"_s);
@@ -578,7 +609,7 @@ void NoteTextEditorTest::countsACompositionOnlyWhenItIsCommitted()
 {
     Fixture fixture;
     QVERIFY(fixture.show());
-    fixture.editor.setNoteText(u"想"_s);
+    fixture.set(u"想"_s);
 
     fixture.compose(u"fa"_s);
     QVERIFY(fixture.editor.isComposing());
@@ -625,7 +656,7 @@ void NoteTextEditorTest::offersAMenuInTheProgramsLanguage()
     Fixture fixture;
     fixture.preferences.setLanguage(AppLanguage::chinese);
     QVERIFY(fixture.show());
-    fixture.editor.setNoteText(u"one"_s);
+    fixture.set(u"one"_s);
     QTest::keyClicks(&fixture.editor, u" two"_s);
 
     QContextMenuEvent event(QContextMenuEvent::Keyboard, {10, 10},
@@ -657,7 +688,7 @@ void NoteTextEditorTest::keepsItsScrollBarOutOfTheLines()
     QVERIFY(qobject_cast<SlimScrollBar *>(fixture.editor.verticalScrollBar()));
     const int width = fixture.editor.viewport()->width();
 
-    fixture.editor.setNoteText(u"line\n"_s.repeated(100));
+    fixture.set(u"line\n"_s.repeated(100));
 
     QCOMPARE(fixture.editor.viewport()->width(), width);
     QVERIFY(fixture.editor.verticalScrollBar()->maximum() > 0);
@@ -668,7 +699,7 @@ void NoteTextEditorTest::keepsItsScrollBarOutOfTheLines()
 void NoteTextEditorTest::showsTheSurfaceBehindIt()
 {
     Fixture fixture;
-    fixture.editor.setNoteText(u"x"_s);
+    fixture.set(u"x"_s);
 
     const QImage image = Pixels::draw(fixture.editor);
 
@@ -682,10 +713,10 @@ void NoteTextEditorTest::holdsALongText()
     QVERIFY(fixture.show());
     const QString megabyte = u"All work and no play makes a long note.\n"_s.repeated(26'215);
 
-    fixture.editor.setNoteText(megabyte);
+    fixture.set(megabyte);
     QTest::keyClicks(&fixture.editor, u"end"_s);
 
-    QCOMPARE(fixture.editor.noteText().size(), megabyte.size() + 3);
+    QTRY_COMPARE(fixture.editor.noteText().size(), megabyte.size() + 3);
     QVERIFY(fixture.editor.noteText().endsWith(u".\nend"));
 }
 
@@ -695,14 +726,14 @@ void NoteTextEditorTest::breaksEndlessWordsAnywhere()
     Fixture fixture;
     const QString endless(100'000, u'x');
 
-    fixture.editor.setNoteText(u"word 骨架 "_s.repeated(1000) + QString(10'000, u'骨'));
+    fixture.set(u"word 骨架 "_s.repeated(1000) + QString(10'000, u'骨'));
     QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
 
-    fixture.editor.setNoteText(endless);
+    fixture.set(endless);
     QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAnywhere);
     QCOMPARE(fixture.editor.noteText(), endless);
 
-    fixture.editor.setNoteText(u"word"_s);
+    fixture.set(u"word"_s);
     QCOMPARE(fixture.editor.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
 
     setClipboard(endless);
@@ -711,11 +742,203 @@ void NoteTextEditorTest::breaksEndlessWordsAnywhere()
     QCOMPARE(fixture.editor.noteText(), u"word"_s + endless);
 }
 
+void NoteTextEditorTest::tellsWhatChanged_data()
+{
+    QTest::addColumn<QString>("lineEnd");
+
+    QTest::newRow("LF") << u"\n"_s;
+    QTest::newRow("CR") << u"\r"_s;
+    QTest::newRow("CR LF") << u"\r\n"_s;
+}
+
+void NoteTextEditorTest::tellsWhatChanged()
+{
+    QFETCH(const QString, lineEnd);
+    static const QStringList pieces{u"word "_s, u"骨"_s,      u"😀"_s,      u"\U0001F601"_s,
+                                    u"\n"_s,    u"e\u0301"_s, u"\u2028"_s, u"\u00a0"_s,
+                                    u"שלום"_s,  u"aa"_s};
+    for (std::uint64_t seed = 1; seed <= 60; ++seed) {
+        Dice dice(seed);
+        const auto random = [&dice](int most) {
+            QString text;
+            for (auto i = dice.below(std::uint64_t(most)); i > 0; --i)
+                text += pieces[qsizetype(dice.below(std::uint64_t(pieces.size())))];
+            return text;
+        };
+        Fixture fixture;
+        QString first = random(40) + u'\n';
+        fixture.set(first.replace(u"\n"_s, lineEnd));
+        QTextDocument &document = *fixture.editor.document();
+        for (int edit = 0; edit < 20; ++edit) {
+            QTextCursor cursor(&document);
+            cursor.setPosition(int(dice.below(std::uint64_t(document.characterCount()))));
+            if (dice.hasChance(50))
+                cursor.setPosition(int(dice.below(std::uint64_t(document.characterCount()))),
+                                   QTextCursor::KeepAnchor);
+            if (dice.hasChance(15))
+                document.undo();
+            else if (dice.hasChance(10))
+                document.redo();
+            else
+                cursor.insertText(random(4));
+            QString whole = document.toRawText();
+            whole.replace(QChar(QChar::ParagraphSeparator), lineEnd);
+            const QByteArray where = u"seed %1, edit %2"_s.arg(seed).arg(edit).toUtf8();
+            QVERIFY2(fixture.editor.noteText() == whole, where.constData());
+            QVERIFY2(fixture.followed == whole && fixture.fitsAlways, where.constData());
+        }
+    }
+}
+
+void NoteTextEditorTest::tellsNothingOfFormatsAndCompositions()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    fixture.set(u"one 😀\ntwo"_s);
+
+    fixture.compose(u"ni"_s);
+    fixture.compose({});
+    QTextCursor all(fixture.editor.document());
+    all.select(QTextCursor::Document);
+    QTextBlockFormat centred;
+    centred.setAlignment(Qt::AlignCenter);
+    all.mergeBlockFormat(centred);
+
+    QCOMPARE(fixture.edited.size(), 0);
+}
+
+void NoteTextEditorTest::insertsManyLinesWhileTheWindowAnswers()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    fixture.set(u"before\nafter"_s);
+    QTextCursor cursor = fixture.editor.textCursor();
+    cursor.setPosition(7);
+    fixture.editor.setTextCursor(cursor);
+    const QString lines = u"one of many lines 骨\r\n"_s.repeated(30'000);
+    const QString whole = u"before\n"_s + QString(lines).replace(u"\r\n"_s, u"\n"_s) + u"after"_s;
+
+    QGuiApplication::clipboard()->setText(lines);
+    fixture.editor.paste();
+
+    // All of it is told at once, and seen later.
+    QCOMPARE(fixture.edited.size(), 1);
+    QVERIFY(fixture.editor.noteText() == whole && fixture.followed == whole);
+    QVERIFY(fixture.editor.document()->blockCount() < 30'000);
+    int heard = 0;
+    QTimer other;
+    connect(&other, &QTimer::timeout, this, [&heard] { ++heard; });
+    other.start(0);
+    QTRY_COMPARE(fixture.editor.document()->blockCount(), 30'002);
+    QVERIFY(heard > 1);
+    QTRY_VERIFY(!fixture.editor.isReadOnly());
+    QVERIFY(fixture.editor.document()->toPlainText() == whole);
+    QCOMPARE(fixture.editor.textCursor().position(), int(whole.size()) - 5);
+    QCOMPARE(fixture.edited.size(), 1);
+
+    fixture.editor.undo();
+    QCOMPARE(fixture.editor.noteText(), u"before\nafter"_s);
+    QCOMPARE(fixture.followed, u"before\nafter"_s);
+}
+
+void NoteTextEditorTest::keepsWhatIsTypedMeanwhileForLater()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const QString lines = u"one of many lines\n"_s.repeated(30'000);
+    QGuiApplication::clipboard()->setText(lines);
+    fixture.editor.paste();
+    QVERIFY(fixture.editor.isReadOnly());
+
+    QTest::keyClicks(&fixture.editor, u"ab"_s);
+    QTest::keyClick(&fixture.editor, Qt::Key_Backspace);
+    fixture.compose({}, u"法"_s);
+    QGuiApplication::clipboard()->setText(u"pasted"_s);
+    QTest::keySequence(&fixture.editor, QKeySequence::Paste);
+    QVERIFY(fixture.editor.noteText() == lines);
+
+    QTRY_COMPARE(fixture.editor.noteText().size(), lines.size() + 8);
+    QVERIFY(fixture.editor.noteText() == lines + u"a法pasted"_s);
+    QVERIFY(fixture.followed == fixture.editor.noteText());
+}
+
+void NoteTextEditorTest::opensManyLinesFromTheirEnd()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const QString lines =
+        u"one of many lines, which is long enough to be wrapped once\n"_s.repeated(30'000);
+
+    fixture.set(lines);
+
+    QVERIFY(fixture.editor.noteText() == lines);
+    QVERIFY(fixture.editor.viewport()->rect().contains(fixture.editor.cursorRect()));
+    const QRect caret = fixture.editor.cursorRect();
+    QTRY_VERIFY(!fixture.editor.isReadOnly());
+    QVERIFY(fixture.editor.document()->toPlainText() == lines);
+    QCOMPARE(fixture.editor.cursorRect(), caret);
+    QCOMPARE(fixture.edited.size(), 0);
+    QVERIFY(!fixture.editor.document()->isUndoAvailable());
+    QTest::keyClicks(&fixture.editor, u"end"_s);
+    QVERIFY(fixture.editor.noteText() == lines + u"end"_s);
+    QVERIFY(fixture.followed == lines + u"end"_s);
+}
+
+void NoteTextEditorTest::givesUpLinesOfAnEarlierText()
+{
+    Fixture fixture;
+    fixture.set(u"one of many lines\n"_s.repeated(30'000));
+    QVERIFY(fixture.editor.isReadOnly());
+
+    fixture.set(u"another note"_s);
+
+    QVERIFY(!fixture.editor.isReadOnly());
+    QCOMPARE(fixture.editor.document()->toPlainText(), u"another note"_s);
+    QTest::keyClicks(&fixture.editor, u"!"_s);
+    QCOMPARE(fixture.followed, u"another note!"_s);
+    QTest::qWait(0);
+    QCOMPARE(fixture.editor.document()->toPlainText(), u"another note!"_s);
+}
+
+void NoteTextEditorTest::showsWhatIsTooLongForReading_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("a paragraph") << QString(TextExtent::mostInParagraph + 1, u'x');
+    QTest::newRow("lines") << u"a\n"_s.repeated(TextExtent::mostLineEnds + 1);
+}
+
+void NoteTextEditorTest::showsWhatIsTooLongForReading()
+{
+    QFETCH(const QString, text);
+    Fixture fixture;
+    QVERIFY(fixture.show());
+
+    fixture.set(text);
+
+    const auto *reason = fixture.editor.findChild<QLabel *>(u"pasteRefusal"_s);
+    QVERIFY(!reason->isHidden());
+    QVERIFY(reason->text().startsWith(u"Shown for reading: a note has room for 16,777,216"_s));
+    QTest::keyClicks(&fixture.editor, u"x"_s);
+    fixture.editor.paste();
+    QVERIFY(fixture.editor.isReadOnly());
+    QVERIFY(fixture.editor.noteText() == text);
+    QCOMPARE(fixture.edited.size(), 0);
+    for (QTextBlock block = fixture.editor.document()->begin(); block.isValid();
+         block = block.next())
+        QVERIFY(block.length() < 25'000);
+
+    fixture.set(u"short"_s);
+    QVERIFY(reason->isHidden());
+    QTest::keyClicks(&fixture.editor, u"!"_s);
+    QCOMPARE(fixture.editor.noteText(), u"short!"_s);
+}
+
 void NoteTextEditorTest::writesEachParagraphInItsOwnDirection()
 {
     Fixture fixture;
 
-    fixture.editor.setNoteText(u"Milk\nחלב\nحليب"_s);
+    fixture.set(u"Milk\nחלב\nحليب"_s);
 
     QTextBlock block = fixture.editor.document()->firstBlock();
     QCOMPARE(block.textDirection(), Qt::LeftToRight);

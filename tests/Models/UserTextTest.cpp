@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "UserText.h"
+#include "Dice.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void countsWhatAReaderCallsACharacter();
     void agreesWithTheRulesOnMixedTexts();
     void agreesWithTheRulesOnEveryUnitBesideOthers();
+    void countsWhatAChangeAdds();
     void findsOnlyWhiteSpaceBlank();
 };
 
@@ -102,6 +104,32 @@ void UserTextTest::findsOnlyWhiteSpaceBlank()
     QVERIFY(isBlank(u" \t\n\v\f\r\u0085\u00A0\u1680\u2003\u2028\u2029\u202F\u205F\u3000"));
     QVERIFY(!isBlank(u"  .  "));
     QVERIFY(!isBlank(u"\u200B"));
+}
+
+/// Whatever the change joins or parts: the difference is that of counting both texts.
+void UserTextTest::countsWhatAChangeAdds()
+{
+    static const QStringList pieces{u"a"_s,      u"\n"_s,     u"\r\n"_s,   u"骨"_s, u"e\u0301"_s,
+                                    u"\u0301"_s, u"\u200d"_s, u"👩"_s,      u"🇨🇳"_s, u"🇨"_s,
+                                    u"ع"_s,      u"\ufe0f"_s, u"한"_s,     u"ᄒ"_s, u"ᅡ"_s,
+                                    u" "_s,      u"अ"_s,      u"\u094d"_s, u"क"_s,  u"\r"_s};
+    for (std::uint64_t seed = 1; seed <= 3000; ++seed) {
+        Dice dice(seed);
+        const auto random = [&dice](int most) {
+            QString text;
+            for (auto i = dice.below(std::uint64_t(most)); i > 0; --i)
+                text += pieces[qsizetype(dice.below(std::uint64_t(pieces.size())))];
+            return text;
+        };
+        const QString before = random(20);
+        const QString after = random(20);
+        const TextChange change{before.size(), random(4), random(4)};
+        const QString old = before + change.removed + after;
+        const QString now = before + change.added + after;
+
+        QVERIFY2(characterCountChange(now, change) == characterCount(now) - characterCount(old),
+                 QByteArray::number(qulonglong(seed)).constData());
+    }
 }
 
 QTEST_GUILESS_MAIN(UserTextTest)

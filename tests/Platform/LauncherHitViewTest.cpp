@@ -292,11 +292,12 @@ void LauncherHitViewTest::refusesWhatIsNoText_data()
 
     QTest::newRow("blank") << " \n"_ba << u"Not kept: there is no text in what was dropped."_s;
     QTest::newRow("not UTF-8") << "caf\xe9"_ba << u"Not kept: what was dropped is no UTF-8 text."_s;
-    QTest::newRow("too long") << QByteArray(8'000'001, 'x')
-                              << u"Not inserted: a note has room for %@ characters and %@ lines."_s;
+    QTest::newRow("too long")
+        << QByteArray(1'200'001, 'x')
+        << u"Not inserted: a note has room for %@ characters and %@ lines, a paragraph for %@ characters."_s;
     QTest::newRow("too many lines")
-        << QByteArray(250'000, '\n') + 'x'
-        << u"Not inserted: a note has room for %@ characters and %@ lines."_s;
+        << QByteArray(1'000'001, '\n') + 'x'
+        << u"Not inserted: a note has room for %@ characters and %@ lines, a paragraph for %@ characters."_s;
 }
 
 void LauncherHitViewTest::refusesWhatIsNoText()

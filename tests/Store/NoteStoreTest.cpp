@@ -76,6 +76,8 @@ private Q_SLOTS:
     void savesSoonWhatWasRestored();
     void saysWhatCouldNotBeRestored();
     void takesInNoHalfOfASurrogatePair();
+    void followsChangesOfADraft();
+    void makesNoChangeThatDoesNotFit();
     void staysPendingWhenTheDelayedWriteFails();
     void keepsADraftExactlyAsTyped();
     void tellsOfChangesOnly();
@@ -917,6 +919,42 @@ void NoteStoreTest::takesInNoHalfOfASurrogatePair()
 
     QCOMPARE(fixture.store.draft(), u"a\uFFFD"_s);
     QCOMPARE(fixture.store.text(note), u"a\uFFFD"_s);
+}
+
+void NoteStoreTest::followsChangesOfADraft()
+{
+    const Note note = noteOf(u"milk"_s);
+    NoteSnapshot snapshot;
+    snapshot.notes = {note};
+    snapshot.captureDraft = u"one two"_s;
+    Fixture fixture(snapshot);
+    const QSignalSpy draft(&fixture.store, &NoteStore::draftChanged);
+    const QSignalSpy edits(&fixture.store, &NoteStore::editsChanged);
+
+    QVERIFY(fixture.store.changeDraft({4, u"two"_s, u"2"_s}));
+    QVERIFY(fixture.store.changeDraft(note, {0, {}, u"oat "_s}));
+
+    QCOMPARE(fixture.store.draft(), u"one 2"_s);
+    QCOMPARE(fixture.store.text(note), u"oat milk"_s);
+    QCOMPARE(fixture.store.notes().first().body, u"milk"_s);
+    QCOMPARE(draft.count(), 1);
+    QCOMPARE(edits.count(), 1);
+    QVERIFY(fixture.store.hasPendingChanges());
+    QVERIFY(fixture.store.flush());
+    QCOMPARE(fixture.repository.stored().captureDraft, u"one 2"_s);
+}
+
+void NoteStoreTest::makesNoChangeThatDoesNotFit()
+{
+    NoteSnapshot snapshot;
+    snapshot.captureDraft = u"one"_s;
+    Fixture fixture(snapshot);
+
+    QVERIFY(!fixture.store.changeDraft({1, u"x"_s, u"y"_s}));
+    QVERIFY(!fixture.store.changeDraft({4, {}, u"y"_s}));
+
+    QCOMPARE(fixture.store.draft(), u"one"_s);
+    QVERIFY(!fixture.store.hasPendingChanges());
 }
 
 void NoteStoreTest::staysPendingWhenTheDelayedWriteFails()

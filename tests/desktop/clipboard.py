@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """What other programs offer is pasted, and one that does not give it holds nothing up."""
 
+import signal
+
 from harness import DesktopTest, main, until
 from harness.clipboard import ClipboardOwner
 from harness.input import Mouse
@@ -59,6 +61,22 @@ class Clipboard(DesktopTest):
         self.keyboard.press("ctrl+v")
 
         until(lambda: self.data.draft() == text, "all of it is in the draft", 60)
+
+    def test_a_long_text_is_safe_before_all_of_it_is_seen(self):
+        text = "".join(f"line {number}\n" for number in range(500_000))
+        self.offer({"UTF8_STRING": text.encode()})
+        self.keyboard.press("ctrl+v")
+        until(lambda: self.quillmark.has_element("label", f"{len(text):,} characters"),
+              "it is counted", 20)
+
+        self.quillmark.send(signal.SIGTERM)
+
+        self.quillmark.wait_until_ended()
+        self.assertEqual(self.data.draft(), text)
+        again = self.start()
+        again.open_editor()
+        field = again.element("text", "Note text")
+        until(lambda: field.text() == text, "all of it is there again", 60)
 
     def test_what_was_copied_here_is_pasted(self):
         self.keyboard.type("twice ")

@@ -73,7 +73,7 @@ CaptureView::CaptureView(NoteStore &store, const AppPreferences &preferences, QW
     connect(&m_store, &NoteStore::errorMessageChanged, this, &CaptureView::renderStatus);
     connect(&m_store, &NoteStore::hasPendingChangesChanged, this, &CaptureView::renderStatus);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &CaptureView::renderTexts);
-    connect(m_editor, &NoteTextEditor::textEdited, &m_store, &NoteStore::setDraft);
+    connect(m_editor, &NoteTextEditor::textEdited, this, &CaptureView::takeChange);
     connect(m_editor, &NoteTextEditor::compositionChanged, this, &CaptureView::renderSaving);
     connect(m_save, &QAbstractButton::clicked, this, &CaptureView::save);
     connect(m_saveKeys, &SaveKeys::pressed, this, &CaptureView::save);
@@ -106,18 +106,35 @@ void CaptureView::renderTexts()
     m_save->setText(m_preferences.text(u"Save this thought"_s));
 }
 
+/// The editor has it already.
+void CaptureView::takeChange(const TextChange &change)
+{
+    m_isTyped = true;
+    const bool isTaken = m_store.changeDraft(change);
+    m_isTyped = false;
+    if (!isTaken) {
+        m_store.setDraft(m_editor->noteText());
+        return;
+    }
+    m_characters += characterCountChange(m_store.draft(), change);
+    renderCount();
+}
+
 void CaptureView::renderDraft()
 {
-    m_editor->setNoteText(m_store.draft());
-    renderCount();
+    if (!m_isTyped) {
+        m_editor->setNoteText(m_store.draft());
+        m_characters = characterCount(m_store.draft());
+        renderCount();
+    }
     renderSaving();
 }
 
 void CaptureView::renderCount()
 {
-    const qsizetype count = characterCount(m_store.draft());
-    m_count->setText(count == 1 ? m_preferences.text(u"1 character"_s)
-                                : m_preferences.format(u"%d characters"_s, {qint64(count)}));
+    m_count->setText(m_characters == 1
+                         ? m_preferences.text(u"1 character"_s)
+                         : m_preferences.format(u"%d characters"_s, {qint64(m_characters)}));
 }
 
 void CaptureView::renderStatus()

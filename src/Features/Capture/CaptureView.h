@@ -30,6 +30,7 @@ Q_SIGNALS:
 private:
     [[nodiscard]] bool canSave() const;
     void save();
+    void takeChange(const TextChange &change);
     void renderTexts();
     void renderDate();
     void renderDraft();
@@ -41,6 +42,12 @@ private:
     const AppPreferences &m_preferences;
     NoteStore::Clock m_clock;
     QTimer m_midnight;
+
+    /// In the draft.
+    qsizetype m_characters = 0;
+
+    /// The draft is being changed to what the editor has.
+    bool m_isTyped = false;
 
     // In the order in which they are seen, which is that in which assistive tools read them.
     Dot *const m_dot;

@@ -59,8 +59,7 @@ EditNoteView::EditNoteView(NoteStore &store, const AppPreferences &preferences, 
     connect(m_back, &QAbstractButton::clicked, this, &EditNoteView::backRequested);
     connect(m_copy, &QAbstractButton::clicked, this, &EditNoteView::copy);
     connect(m_delete, &QAbstractButton::clicked, this, &EditNoteView::confirmDelete);
-    connect(m_editor, &NoteTextEditor::textEdited, this,
-            [this](const QString &text) { m_store.updateDraft(m_note, text); });
+    connect(m_editor, &NoteTextEditor::textEdited, this, &EditNoteView::takeChange);
     connect(m_editor, &NoteTextEditor::compositionChanged, this, &EditNoteView::renderSaving);
     connect(m_save, &QAbstractButton::clicked, this, &EditNoteView::save);
     connect(m_saveKeys, &SaveKeys::pressed, this, &EditNoteView::save);
@@ -136,9 +135,20 @@ void EditNoteView::renderCopied()
     m_copy->setSymbol(m_isCopied ? u"checkmark"_s : u"doc.on.doc"_s);
 }
 
+/// The editor has it already.
+void EditNoteView::takeChange(const TextChange &change)
+{
+    m_isTyped = true;
+    const bool isTaken = m_store.changeDraft(m_note, change);
+    m_isTyped = false;
+    if (!isTaken)
+        m_store.updateDraft(m_note, m_editor->noteText());
+}
+
 void EditNoteView::renderText()
 {
-    m_editor->setNoteText(m_store.text(m_note));
+    if (!m_isTyped)
+        m_editor->setNoteText(m_store.text(m_note));
     renderSaving();
 }
 

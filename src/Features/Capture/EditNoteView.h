@@ -16,6 +16,7 @@ class PlainButton;
 class QuietIconButton;
 class SaveKeys;
 class TextLabel;
+struct TextChange;
 
 /// The screen for one existing note. What is typed is the store's editing draft until it is saved.
 class EditNoteView final : public QWidget {
@@ -36,6 +37,7 @@ private:
     void confirmDelete();
     void deleteNote();
     void save();
+    void takeChange(const TextChange &change);
     void renderTexts();
     void renderCopied();
     void renderText();
@@ -46,6 +48,9 @@ private:
     const AppPreferences &m_preferences;
     const Note m_note;
     bool m_isCopied = false;
+
+    /// The edit is being changed to what the editor has.
+    bool m_isTyped = false;
 
     PlainButton *const m_back;
     QuietIconButton *const m_copy;

@@ -11,7 +11,9 @@
 #include "Named.h"
 #include "PanelHints.h"
 #include "Pasting.h"
+#include "SlicedInsertion.h"
 #include "SlimScrollBar.h"
+#include "TextExtent.h"
 #include "TextLabel.h"
 #include "TextStyle.h"
 #include "UserText.h"
@@ -26,7 +28,10 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTextBlock>
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -47,52 +52,13 @@ void setMeasures(LevelTextLayout &layout, const QFont &font)
                         Metrics::placeholderLeading, Metrics::placeholderTop});
 }
 
-/// Not an edit: leaves nothing to undo.
-void replaceText(QTextDocument &document, const QString &text)
+/// Where the last lines of a text begin, as many as are quickly inserted.
+qsizetype beginOfLastLines(const QString &text)
 {
-    document.setUndoRedoEnabled(false);
-    QTextCursor cursor(&document);
-    cursor.select(QTextCursor::Document);
-    cursor.insertText(text);
-    document.setUndoRedoEnabled(true);
-}
-
-/// The line end of a text in which all are alike; LF when there are none or several kinds.
-QString uniformLineEnd(QStringView text)
-{
-    const auto lineEndAt = [&](qsizetype at) -> QStringView {
-        const QChar c = text[at];
-        if (c == u'\r')
-            return text.mid(at, at + 1 < text.size() && text[at + 1] == u'\n' ? 2 : 1);
-        return c == u'\n' || c == QChar::ParagraphSeparator ? text.mid(at, 1) : QStringView();
-    };
-    QStringView first;
-    for (qsizetype at = 0; at < text.size(); ++at) {
-        const QStringView found = lineEndAt(at);
-        if (found.isEmpty())
-            continue;
-        if (!first.isEmpty() && found != first)
-            return u"\n"_s;
-        first = found;
-        at += found.size() - 1;
-    }
-    return first.isEmpty() ? u"\n"_s : first.toString();
-}
-
-/// A word of thousands of characters, such as an encoded picture. To look for a place to break it
-/// QTextLayout takes time that grows with the square of its length, seconds for 100,000 characters.
-/// Chinese and its like may be broken after every character and are no such words.
-bool hasEndlessWord(QStringView text)
-{
-    constexpr qsizetype endless = 2000;
-    constexpr char16_t firstOfEastAsia = 0x2e80;
-    qsizetype length = 0;
-    for (const QChar c : text) {
-        length = c.isSpace() || c.unicode() >= firstOfEastAsia ? 0 : length + 1;
-        if (length == endless)
-            return true;
-    }
-    return false;
+    qsizetype begin = text.size();
+    for (int line = 0; line < SlicedInsertion::mostLinesAtOnce / 4 && begin > 0; ++line)
+        begin = text.lastIndexOf(u'\n', begin - text.size() - 2) + 1;
+    return begin;
 }
 
 } // namespace
@@ -107,7 +73,6 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     , m_refusal(named(u"pasteRefusal"_s, new TextLabel(TextStyles::banner, this)))
     , m_composition(new Composition(this))
     , m_clipboard(new ClipboardReader(this))
-    , m_lineEnd(u"\n"_s)
 {
     setIdentifier(this, u"noteEditor"_s);
     setAcceptRichText(false);
@@ -126,7 +91,8 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     setAccessibleRole(m_refusal, QAccessible::AlertMessage);
     m_refusal->hide();
 
-    connect(this, &QTextEdit::textChanged, this, &NoteTextEditor::announceEdit);
+    connect(document(), &QTextDocument::contentsChange, this, &NoteTextEditor::noteChange);
+    connect(document(), &QTextDocument::contentsChanged, this, &NoteTextEditor::announceEdit);
     connect(m_layout, &LevelTextLayout::shifted, this, &NoteTextEditor::followShift);
     connect(m_clipboard, &ClipboardReader::arrived, this, &NoteTextEditor::insertPasted);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteTextEditor::translate);
@@ -135,20 +101,72 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
 
 void NoteTextEditor::setNoteText(const QString &text)
 {
-    if (text == m_text)
+    if (text == m_text.text())
         return;
     m_clipboard->cancel();
+    delete m_insertion;
+    m_held.clear();
     hideRefusal();
-    const QSignalBlocker notTheUser(this);
-    setWordWrapMode(hasEndlessWord(text) ? QTextOption::WrapAnywhere
-                                         : QTextOption::WrapAtWordBoundaryOrAnywhere);
-    replaceText(*document(), text);
-    m_lineEnd = uniformLineEnd(text);
-    m_text = text;
-    m_readText = readDocument();
-    moveCursor(QTextCursor::End);
+    m_text.set(text);
+    const TextExtent extent = TextExtent::of(text);
+    setWordWrapMode(extent.hasEndlessWord ? QTextOption::WrapAnywhere
+                                          : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_isForReading = !extent.hasRoom();
+    showText(DocumentText::paragraphs(m_isForReading ? readableBeginning(text) : text));
     describe();
+    if (m_isForReading)
+        showRefusal(
+            u"Shown for reading: a note has room for %@ characters and %@ lines, a paragraph for %@ characters."_s);
+}
+
+/// Not an edit: leaves nothing to undo.
+void NoteTextEditor::showText(const QString &text)
+{
+    const QSignalBlocker notTheUser(this);
+    m_isShowing = true;
+    document()->setUndoRedoEnabled(false);
+    if (document()->blockCount() > SlicedInsertion::mostLinesAtOnce)
+        document()->clear();
+    // What is seen first: the rest comes before it, and what is seen stays where it is.
+    const bool isAtOnce = text.count(u'\n') <= SlicedInsertion::mostLinesAtOnce;
+    const qsizetype begin = isAtOnce ? 0 : beginOfLastLines(text);
+    QTextCursor cursor(document());
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(text.sliced(begin));
+    if (isAtOnce)
+        document()->setUndoRedoEnabled(true);
+    m_isShowing = false;
+    moveCursor(QTextCursor::End);
+    if (isAtOnce)
+        setEditable(true);
+    else
+        insertInSlices(0, text.first(begin));
     viewport()->update();
+}
+
+void NoteTextEditor::setEditable(bool isEditable)
+{
+    setTextInteractionFlags(isEditable && !m_isForReading
+                                ? Qt::TextEditorInteraction
+                                : Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+}
+
+void NoteTextEditor::insertInSlices(int at, const QString &text)
+{
+    setEditable(false);
+    m_insertion = new SlicedInsertion(*document(), at, text, this);
+    connect(m_insertion, &SlicedInsertion::finished, this, &NoteTextEditor::finishInsertion);
+}
+
+/// What was typed meanwhile comes now, in its order.
+void NoteTextEditor::finishInsertion()
+{
+    m_insertion->deleteLater();
+    m_insertion = nullptr;
+    document()->setUndoRedoEnabled(true);
+    setEditable(true);
+    for (const auto &held : std::exchange(m_held, {}))
+        held();
 }
 
 void NoteTextEditor::commitComposition()
@@ -159,63 +177,89 @@ void NoteTextEditor::commitComposition()
 
 bool NoteTextEditor::isBlank() const
 {
-    return !isComposing() && ::isBlank(m_text);
+    return !isComposing() && ::isBlank(m_text.text());
 }
 
-/// QTextDocument::toPlainText() would turn no-break spaces into spaces and U+2028 into LF.
-QString NoteTextEditor::readDocument() const
+void NoteTextEditor::noteChange(int from, int removed, int added)
 {
-    QString text = document()->toRawText();
-    text.replace(QChar(QChar::ParagraphSeparator), m_lineEnd);
-    return text;
+    if (m_isShowing || m_insertion || m_isForReading)
+        return;
+    if (m_change) {
+        // What was put in the place of half a character is as long as it.
+        const int before = std::max(0, m_change->from - from);
+        const int behind = std::max(0, from + added - m_change->from - m_change->added);
+        m_change = {m_change->from - before, m_change->removed + before + behind,
+                    m_change->added + before + behind};
+    } else {
+        m_change = {from, removed, added};
+    }
 }
 
 void NoteTextEditor::announceEdit()
 {
-    QString text = readDocument();
     // The replacement is an edit that is announced itself.
-    if (text == m_readText || (!text.isValidUtf16() && replaceHalfCharacters()))
+    if (!m_change || replaceHalfCharacters(m_change->from - 1, m_change->added + 2))
         return;
-    hideRefusal();
+    const DocumentChange told = *std::exchange(m_change, std::nullopt);
+    announce(m_text.follow(*document(), told.from, told.removed, told.added));
+}
+
+void NoteTextEditor::announce(const TextChange &change)
+{
+    if (change.isEmpty())
+        return;
+    if (!m_isForReading)
+        hideRefusal();
     describe();
-    m_readText = text;
-    m_text = text;
-    Q_EMIT textEdited(text);
+    Q_EMIT textEdited(change);
 }
 
 /// Other programs cut texts in the middle of a character; no file could hold such a half.
-bool NoteTextEditor::replaceHalfCharacters()
+bool NoteTextEditor::replaceHalfCharacters(int from, int length)
 {
-    const QString before = document()->toRawText();
-    const QString after = wellFormed(before);
+    from = std::max(0, from);
+    length = std::min(length, document()->characterCount() - 1 - from);
+    const QString before = DocumentText::paragraphsAt(*document(), from, length);
+    // Not those that the part itself cuts.
+    const bool beginsInside = !before.isEmpty() && before.front().isLowSurrogate() && from > 0 &&
+                              document()->characterAt(from - 1).isHighSurrogate();
+    const bool endsInside = !before.isEmpty() && before.back().isHighSurrogate() &&
+                            document()->characterAt(from + length).isLowSurrogate();
+    const qsizetype begin = beginsInside ? 1 : 0;
+    const qsizetype end = before.size() - (endsInside ? 1 : 0);
+    const QString part = before.sliced(begin, end - begin);
+    if (part.isValidUtf16())
+        return false;
+    const QString after = wellFormed(part);
     QTextCursor cursor(document());
     cursor.joinPreviousEditBlock();
-    bool isReplaced = false;
-    for (qsizetype at = before.size() - 1; at >= 0; --at) {
-        if (before[at] == after[at])
+    for (qsizetype at = part.size() - 1; at >= 0; --at) {
+        if (part[at] == after[at])
             continue;
-        cursor.setPosition(static_cast<int>(at));
-        cursor.setPosition(static_cast<int>(at + 1), QTextCursor::KeepAnchor);
+        cursor.setPosition(static_cast<int>(from + begin + at));
+        cursor.setPosition(static_cast<int>(from + begin + at + 1), QTextCursor::KeepAnchor);
         cursor.insertText(after.mid(at, 1));
-        isReplaced = true;
     }
     cursor.endEditBlock();
-    return isReplaced;
+    return true;
 }
 
-bool NoteTextEditor::hasRoomFor(QStringView text) const
+bool NoteTextEditor::hasRoomFor(const TextExtent &inserted) const
 {
-    const qsizetype lines = text.count(u'\n') + text.count(QChar::ParagraphSeparator);
-    return document()->characterCount() + text.size() <= mostCharacters &&
-           document()->blockCount() + lines <= mostLines;
+    TextExtent extent = inserted;
+    extent.characters += document()->characterCount();
+    extent.lineEnds += document()->blockCount() - 1;
+    extent.longestParagraph += textCursor().block().length();
+    return extent.hasRoom();
 }
 
-void NoteTextEditor::showRefusal()
+void NoteTextEditor::showRefusal(const QString &key)
 {
     const QLocale locale = m_preferences.locale();
     const QString sentence =
-        m_preferences.format(u"Not inserted: a note has room for %@ characters and %@ lines."_s,
-                             {locale.toString(mostCharacters), locale.toString(mostLines)});
+        m_preferences.format(key, {locale.toString(TextExtent::mostCharacters),
+                                   locale.toString(TextExtent::mostLineEnds),
+                                   locale.toString(TextExtent::mostInParagraph)});
     m_refusal->setText(sentence);
     m_refusal->setAccessibleName(sentence);
     m_refusal->show();
@@ -265,9 +309,43 @@ void NoteTextEditor::showEvent(QShowEvent *event)
     ensureCursorVisible();
 }
 
+/// Whether it would do something to the text, which is not to be changed at the moment: it comes
+/// when that is over.
+bool NoteTextEditor::holds(const QKeyEvent &event) const
+{
+    if (!m_insertion || m_isForReading)
+        return false;
+    constexpr std::array editing{QKeySequence::Undo,
+                                 QKeySequence::Redo,
+                                 QKeySequence::Cut,
+                                 QKeySequence::Delete,
+                                 QKeySequence::Paste,
+                                 QKeySequence::DeleteStartOfWord,
+                                 QKeySequence::DeleteEndOfWord,
+                                 QKeySequence::SelectAll};
+    const auto matches = [&event](QKeySequence::StandardKey key) { return event.matches(key); };
+    const QString text = event.text();
+    constexpr auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    const bool isLetter = !text.isEmpty() && event.key() != Qt::Key_Escape &&
+                          (event.modifiers() & commands) == Qt::NoModifier;
+    return isLetter || std::ranges::any_of(editing, matches) || event.key() == Qt::Key_Left ||
+           event.key() == Qt::Key_Right || event.key() == Qt::Key_Up ||
+           event.key() == Qt::Key_Down || event.key() == Qt::Key_Home || event.key() == Qt::Key_End;
+}
+
+void NoteTextEditor::hold(const QEvent &event)
+{
+    m_held.push_back([this, copy = std::shared_ptr<QEvent>(event.clone())] {
+        QCoreApplication::sendEvent(this, copy.get());
+    });
+}
+
 void NoteTextEditor::keyPressEvent(QKeyEvent *event)
 {
-    if (isComposing() && event->key() == Qt::Key_Escape) {
+    if (holds(*event)) {
+        hold(*event);
+        event->accept();
+    } else if (isComposing() && event->key() == Qt::Key_Escape) {
         event->accept();
     } else if (const auto mode = Pasting::askedBy(*event)) {
         pasteFrom(*mode);
@@ -295,6 +373,10 @@ void NoteTextEditor::mouseReleaseEvent(QMouseEvent *event)
 
 void NoteTextEditor::inputMethodEvent(QInputMethodEvent *event)
 {
+    if (m_insertion && !m_isForReading) {
+        hold(*event);
+        return;
+    }
     QTextEdit::inputMethodEvent(event);
     viewport()->update();
     if (std::exchange(m_wasComposing, isComposing()) != isComposing())
@@ -352,7 +434,7 @@ void NoteTextEditor::translate()
     setMeasures(*m_placeholderLayout, font);
     setTabStopDistance(Metrics::editorTabSpaces * QFontMetricsF(font).horizontalAdvance(u' '));
     m_placeholder.setDefaultFont(font);
-    replaceText(m_placeholder, placeholder);
+    m_placeholder.setPlainText(placeholder);
     setAccessibleText(this, m_preferences.text(u"Note text"_s),
                       document()->isEmpty() ? placeholder : QString());
     viewport()->update();
@@ -369,6 +451,8 @@ void NoteTextEditor::describe()
 
 void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
 {
+    if (m_insertion)
+        return;
     QMenu *const menu = EditMenu::make(this, m_preferences,
                                        {.canUndo = document()->isUndoAvailable(),
                                         .canRedo = document()->isRedoAvailable(),
@@ -402,6 +486,10 @@ void NoteTextEditor::paste()
 
 void NoteTextEditor::pasteFrom(QClipboard::Mode mode)
 {
+    if (m_insertion && !m_isForReading) {
+        m_held.push_back([this, mode] { pasteFrom(mode); });
+        return;
+    }
     if (isReadOnly() || m_clipboard->isReading(mode))
         return;
     m_pasteCursor = textCursor();
@@ -432,12 +520,27 @@ bool NoteTextEditor::canInsertFromMimeData(const QMimeData *source) const
 void NoteTextEditor::insertFromMimeData(const QMimeData *source)
 {
     const QString text = Pasting::plainText(*source);
-    if (!hasRoomFor(text)) {
-        showRefusal();
+    const TextExtent extent = TextExtent::of(text);
+    if (!hasRoomFor(extent)) {
+        showRefusal(
+            u"Not inserted: a note has room for %@ characters and %@ lines, a paragraph for %@ characters."_s);
         return;
     }
-    if (hasEndlessWord(text))
+    if (extent.hasEndlessWord)
         setWordWrapMode(QTextOption::WrapAnywhere);
-    textCursor().insertText(text);
+    if (extent.lineEnds <= SlicedInsertion::mostLinesAtOnce)
+        textCursor().insertText(text);
+    else
+        insertLong(wellFormed(text));
     ensureCursorVisible();
+}
+
+/// The text is whole at once, so that nothing is lost whatever comes; the document follows.
+void NoteTextEditor::insertLong(const QString &text)
+{
+    textCursor().removeSelectedText();
+    const int at = textCursor().position();
+    const TextChange change = m_text.insert(*document(), at, text);
+    insertInSlices(at, DocumentText::paragraphs(text));
+    announce(change);
 }

@@ -2,16 +2,24 @@
 #pragma once
 
 #include "Composition.h"
+#include "DocumentText.h"
 
 #include <QClipboard>
+#include <QPointer>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextEdit>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
 
 class AppPreferences;
 class ClipboardReader;
 class LevelTextLayout;
+class SlicedInsertion;
 class TextLabel;
+struct TextExtent;
 
 /// The text area of the capture and the edit screen: plain text, 15 points, 7 points between
 /// lines, a placeholder while empty. Takes the keyboard when it is first shown.
@@ -20,23 +28,23 @@ class TextLabel;
 /// caught in the text. Control+Return and Escape are left to the screen, Escape not while an input
 /// method composes.
 ///
-/// What is pasted comes to where the cursor was then, also when its owner takes its time.
+/// What is pasted comes to where the cursor was then, also when its owner takes its time. What
+/// would make the text longer than TextExtent allows is not inserted, and a line below the text
+/// says so until the next edit. A note that is longer is shown for reading.
+///
+/// A text of many lines comes into sight in slices, while the window answers; noteText() has all of
+/// it from the beginning. What is typed meanwhile comes behind it.
 class NoteTextEditor final : public QTextEdit {
     Q_OBJECT
 
 public:
-    /// What would make the text larger than this is not inserted, and a line below the text says so
-    /// until the next edit: no window could lay it out without standing still.
-    static constexpr qsizetype mostCharacters = 8'000'000;
-    static constexpr qsizetype mostLines = 250'000;
-
     /// The placeholder is a text of the program, before translation.
     NoteTextEditor(const AppPreferences &preferences, const QString &placeholder,
                    QWidget *parent = nullptr);
 
     /// The text character by character: no-break spaces, tabs and U+2028 stay. Line ends are those
     /// of the text set last when they were all alike, and LF otherwise once the user has edited.
-    [[nodiscard]] QString noteText() const { return m_text; }
+    [[nodiscard]] QString noteText() const { return m_text.text(); }
 
     /// Replaces the text without textEdited(), forgets the undo steps and puts the cursor at the
     /// end. Does nothing when the text is already there.
@@ -57,7 +65,7 @@ public:
 
 Q_SIGNALS:
     /// The user changed the text. What an input method still composes is not part of it.
-    void textEdited(const QString &text);
+    void textEdited(const TextChange &change);
 
     /// isComposing() has changed.
     void compositionChanged();
@@ -78,12 +86,27 @@ protected:
     void insertFromMimeData(const QMimeData *source) override;
 
 private:
-    [[nodiscard]] QString readDocument() const;
+    /// What the document told of its last edit.
+    struct DocumentChange {
+        int from;
+        int removed;
+        int added;
+    };
+
     [[nodiscard]] bool showsPlaceholder() const;
+    void showText(const QString &text);
+    void setEditable(bool isEditable);
+    void insertLong(const QString &text);
+    void insertInSlices(int at, const QString &text);
+    void finishInsertion();
+    [[nodiscard]] bool holds(const QKeyEvent &event) const;
+    void hold(const QEvent &event);
+    void noteChange(int from, int removed, int added);
     void announceEdit();
-    [[nodiscard]] bool replaceHalfCharacters();
-    [[nodiscard]] bool hasRoomFor(QStringView text) const;
-    void showRefusal();
+    void announce(const TextChange &change);
+    [[nodiscard]] bool replaceHalfCharacters(int from, int length);
+    [[nodiscard]] bool hasRoomFor(const TextExtent &inserted) const;
+    void showRefusal(const QString &key);
     void hideRefusal();
     void placeRefusal();
     void pasteFrom(QClipboard::Mode mode);
@@ -110,9 +133,14 @@ private:
     QTextCursor m_pasteCursor;
     int m_pasteRevision = 0;
 
-    /// As set, or as read after the user's last change.
-    QString m_text;
-    /// What readDocument() gave for m_text: the same but for line ends that were not alike.
-    QString m_readText;
-    QString m_lineEnd;
+    DocumentText m_text;
+    std::optional<DocumentChange> m_change;
+
+    /// The document is made to show another text: nobody's edit.
+    bool m_isShowing = false;
+    bool m_isForReading = false;
+
+    /// While there is one, the document lacks some of the text and is not edited.
+    QPointer<SlicedInsertion> m_insertion;
+    std::vector<std::function<void()>> m_held;
 };
