@@ -40,6 +40,9 @@ struct Text {
     const char *name;
     std::function<QString()> make;
     Limits limits;
+
+    /// The plain field takes minutes for it.
+    bool isForQuillmarkAlone = false;
 };
 
 QString lines(qsizetype size)
@@ -56,7 +59,7 @@ QString paragraph(qsizetype size)
 
 std::vector<Text> texts()
 {
-    const Limits ofLines{.key = 16, .open = 2000, .silence = 100};
+    const Limits ofLines{.key = 16, .open = 2000, .silence = 250};
     return {
         {"lines-1k", [] { return lines(1000); }, ofLines},
         {"lines-10k", [] { return lines(10'000); }, ofLines},
@@ -70,6 +73,13 @@ std::vector<Text> texts()
         {"paragraph-10k", [] { return paragraph(10'000); }, {}},
         {"paragraph-100k", [] { return paragraph(100'000); }, {.key = 100}},
         {"paragraph-1M", [] { return paragraph(1'000'000); }, {.key = 100}},
+        {"arabic-1M",
+         [] { return u"السلام عليكم ورحمة الله وبركاته. "_s.repeated(30'304); },
+         {.key = 100}},
+        {"chinese-1M",
+         [] { return u"骨架与门，想法来了就记下。"_s.repeated(76'923); },
+         {.key = 100}},
+        {"word-1M", [] { return QString(1'000'000, u'x'); }, {.key = 100}, true},
         {"marks-50k", [] { return u"a"_s + QString(50'000, QChar(0x301)); }, {.key = 100}},
     };
 }
@@ -169,8 +179,8 @@ Cost costInEditor(const QString &text)
     editor.show();
     letEverythingHappen();
     QGuiApplication::clipboard()->setText(text);
-    std::tie(cost.paste, cost.pasteSilence) =
-        timeOf([&] { editor.paste(); }, [&] { return editor.noteText().size() >= text.size(); });
+    std::tie(cost.paste, cost.pasteSilence) = timeOf(
+        [&] { editor.paste(); }, [&] { return editor.document()->characterCount() > text.size(); });
     return cost;
 }
 
@@ -233,7 +243,8 @@ int main(int argc, char *argv[])
         const QString text = one.make();
         const Cost cost = costInEditor(text);
         print(one.name, "Quillmark", cost);
-        print(one.name, "plain", costInPlainField(text));
+        if (!one.isForQuillmarkAlone)
+            print(one.name, "plain", costInPlainField(text));
         isCheap &= !wanted.isEmpty() || isWithin(one, cost);
     }
     return isCheap ? EXIT_SUCCESS : EXIT_FAILURE;
