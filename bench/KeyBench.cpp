@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What one key in a new thought costs and sets going, in the whole editor, painted, beside a plain
 // text field with a label that counts the characters: processor time, the median of two hundred
-// keys; how often memory is taken; which texts of the program are looked up; how many dates are
-// written. Ends with an error when that is more than its budget.
+// keys; how often memory is taken, and how much; which texts of the program are looked up; how many
+// dates are written. Ends with an error when that is more than its budget.
 #include "AppEnvironment.h"
 #include "AppPreferences.h"
 #include "CountedCalls.h"
@@ -28,6 +28,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 long taken = 0;
+long takenBytes = 0;
 
 constexpr int keys = 200;
 
@@ -36,6 +37,10 @@ constexpr double mostTexts = 1.05;
 constexpr double mostDates = 0;
 constexpr double mostMoreMemory = 3; ///< Times what the plain field takes.
 
+/// That a key takes more in a text of 5 MB than in an empty one, a copy of whose text would be ten
+/// millions.
+constexpr double mostMoreBytes = 100'000;
+
 } // namespace
 
 // Of the C library, which the program takes memory from.
@@ -43,6 +48,7 @@ extern "C" void *__libc_malloc(std::size_t size);
 extern "C" void *malloc(std::size_t size)
 {
     ++taken;
+    takenBytes += static_cast<long>(size);
     return __libc_malloc(size);
 }
 
@@ -58,6 +64,7 @@ double processorMilliseconds()
 struct Cost {
     double milliseconds = 0;
     double memory = 0;
+    double bytes = 0;
     double texts = 0;
     double dates = 0;
 };
@@ -68,10 +75,12 @@ Cost type(QWidget &field)
     std::vector<double> times;
     times.reserve(keys);
     long takenBefore = 0;
+    long bytesBefore = 0;
     for (int key = -20; key < keys; ++key) {
         if (key == 0) {
             static_cast<void>(CountedCalls::take());
             takenBefore = taken;
+            bytesBefore = takenBytes;
         }
         const double before = processorMilliseconds();
         const QString letter = key % 6 == 5 ? u" "_s : QString(QChar(u'a' + (key + 20) % 26));
@@ -82,22 +91,24 @@ Cost type(QWidget &field)
             times.push_back(processorMilliseconds() - before);
     }
     const long takenAfter = taken;
+    const long bytesAfter = takenBytes;
     const CountedCalls::Counts counts = CountedCalls::take();
     const auto perKey = [](auto count) { return static_cast<double>(count) / keys; };
     std::ranges::nth_element(times, times.begin() + keys / 2);
-    return {times[keys / 2], perKey(takenAfter - takenBefore), perKey(counts.texts.size()),
-            perKey(counts.dates)};
+    return {times[keys / 2], perKey(takenAfter - takenBefore), perKey(bytesAfter - bytesBefore),
+            perKey(counts.texts.size()), perKey(counts.dates)};
 }
 
 void print(const char *what, const Cost &cost)
 {
-    std::printf("%-28s %6.2f ms  memory taken %6.1f times  texts %5.2f  dates %4.2f\n", what,
-                cost.milliseconds, cost.memory, cost.texts, cost.dates);
+    std::printf("%-28s %6.2f ms  memory taken %6.1f times, %8.0f bytes  texts %5.2f  dates %4.2f\n",
+                what, cost.milliseconds, cost.memory, cost.bytes, cost.texts, cost.dates);
 }
 
-Cost typeInQuillmark(int notes)
+Cost typeInQuillmark(int notes, const QString &draft = {})
 {
     NoteSnapshot snapshot;
+    snapshot.captureDraft = draft;
     for (int i = 0; i < notes; ++i)
         snapshot.notes.append(
             {QUuid::createUuid(), u"note %1\nmore"_s.arg(i), {}, Timestamp{double(i)}});
@@ -109,7 +120,10 @@ Cost typeInQuillmark(int notes)
     environment.setContent(view);
     environment.show();
     QApplication::processEvents();
-    return type(*view->findChild<NoteTextEditor *>(u"noteEditor"_s));
+    auto *const editor = view->findChild<NoteTextEditor *>(u"noteEditor"_s);
+    while (editor->isReadOnly())
+        QApplication::processEvents();
+    return type(*editor);
 }
 
 Cost typeInPlainField()
@@ -151,5 +165,10 @@ int main(int argc, char *argv[])
         isCheap &= isWithin("dates", cost.dates, mostDates);
         isCheap &= isWithin("memory", cost.memory, mostMoreMemory * plain.memory);
     }
+    const Cost inNothing = typeInQuillmark(100);
+    const Cost inLines = typeInQuillmark(
+        100, u"All work and no play makes a long note, and another one.\n"_s.repeated(87'720));
+    print("in a text of 5 MB", inLines);
+    isCheap &= isWithin("bytes", inLines.bytes, inNothing.bytes + mostMoreBytes);
     return isCheap ? EXIT_SUCCESS : EXIT_FAILURE;
 }
