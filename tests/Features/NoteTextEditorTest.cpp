@@ -72,6 +72,8 @@ private Q_SLOTS:
     void tellsWhatChanged();
     void tellsNothingOfFormatsAndCompositions();
     void insertsManyLinesWhileTheWindowAnswers();
+    void insertsManyLinesWhateverTheLineEndsAre_data();
+    void insertsManyLinesWhateverTheLineEndsAre();
     void keepsWhatIsTypedMeanwhileForLater();
     void opensManyLinesFromTheirEnd();
     void givesUpLinesOfAnEarlierText();
@@ -839,6 +841,35 @@ void NoteTextEditorTest::insertsManyLinesWhileTheWindowAnswers()
     fixture.editor.undo();
     QCOMPARE(fixture.editor.noteText(), u"before\nafter"_s);
     QCOMPARE(fixture.followed, u"before\nafter"_s);
+}
+
+void NoteTextEditorTest::insertsManyLinesWhateverTheLineEndsAre_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("lineEnd");
+
+    QTest::newRow("CR LF") << u"one\r\ntwo\r\n"_s << u"\r\n"_s;
+    QTest::newRow("mixed") << u"one\r\ntwo\n"_s << u"\n"_s;
+}
+
+void NoteTextEditorTest::insertsManyLinesWhateverTheLineEndsAre()
+{
+    QFETCH(const QString, text);
+    QFETCH(const QString, lineEnd);
+    Fixture fixture;
+    fixture.set(text);
+    QGuiApplication::clipboard()->setText(u"a\rb\n"_s.repeated(2000) + QChar(0xD83E));
+
+    fixture.editor.paste();
+
+    QString whole = u"one\ntwo\n"_s + u"a\nb\n"_s.repeated(2000) + u'\uFFFD';
+    whole.replace(u"\n"_s, lineEnd);
+    QVERIFY(fixture.editor.noteText() == whole);
+    QVERIFY(fixture.followed == whole && fixture.fitsAlways);
+    QTRY_VERIFY(!fixture.editor.isReadOnly());
+    QTest::keyClicks(&fixture.editor, u"!"_s);
+    QVERIFY(fixture.editor.noteText() == whole + u'!');
+    QVERIFY(fixture.followed == whole + u'!' && fixture.fitsAlways);
 }
 
 void NoteTextEditorTest::keepsWhatIsTypedMeanwhileForLater()
