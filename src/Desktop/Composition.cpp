@@ -85,6 +85,7 @@ void Composition::endIn(const QWidget &view)
 {
     const auto compositions = view.findChildren<Composition *>();
     for (Composition *const composition : compositions) {
+        Q_EMIT composition->fieldIsLeft();
         composition->end();
         composition->forgetCancelled();
     }

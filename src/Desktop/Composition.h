@@ -38,6 +38,10 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+Q_SIGNALS:
+    /// endIn() was called: what else is on its way into the field belongs there now.
+    void fieldIsLeft();
+
 private:
     bool filterOfField(QEvent *event);
     void follow(const QInputMethodEvent &event);

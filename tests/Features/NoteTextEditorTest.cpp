@@ -75,6 +75,7 @@ private Q_SLOTS:
     void insertsManyLinesWhateverTheLineEndsAre_data();
     void insertsManyLinesWhateverTheLineEndsAre();
     void keepsWhatIsTypedMeanwhileForLater();
+    void takesWhatIsTypedMeanwhileWhenItIsLeft();
     void opensManyLinesFromTheirEnd();
     void givesUpLinesOfAnEarlierText();
     void showsWhatIsTooLongForReading_data();
@@ -890,6 +891,22 @@ void NoteTextEditorTest::keepsWhatIsTypedMeanwhileForLater()
 
     QTRY_COMPARE(fixture.editor.noteText().size(), lines.size() + 8);
     QVERIFY(fixture.editor.noteText() == lines + u"a法pasted"_s);
+    QVERIFY(fixture.followed == fixture.editor.noteText());
+}
+
+void NoteTextEditorTest::takesWhatIsTypedMeanwhileWhenItIsLeft()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const QString lines = u"one of many lines\n"_s.repeated(30'000);
+    QGuiApplication::clipboard()->setText(lines);
+    fixture.editor.paste();
+    QTest::keyClicks(&fixture.editor, u"ab"_s);
+    QVERIFY(fixture.editor.noteText() == lines);
+
+    Composition::endIn(fixture.editor);
+
+    QVERIFY(fixture.editor.noteText() == lines + u"ab"_s);
     QVERIFY(fixture.followed == fixture.editor.noteText());
 }
 

@@ -94,6 +94,7 @@ NoteTextEditor::NoteTextEditor(const AppPreferences &preferences, const QString 
     connect(document(), &QTextDocument::contentsChange, this, &NoteTextEditor::noteChange);
     connect(document(), &QTextDocument::contentsChanged, this, &NoteTextEditor::announceEdit);
     connect(m_layout, &LevelTextLayout::shifted, this, &NoteTextEditor::followShift);
+    connect(m_composition, &Composition::fieldIsLeft, this, &NoteTextEditor::takeHeld);
     connect(m_clipboard, &ClipboardReader::arrived, this, &NoteTextEditor::insertPasted);
     connect(&m_preferences, &AppPreferences::languageChanged, this, &NoteTextEditor::translate);
     translate();
@@ -169,8 +170,16 @@ void NoteTextEditor::finishInsertion()
         held();
 }
 
+/// Who goes elsewhere has meant what was typed for this text.
+void NoteTextEditor::takeHeld()
+{
+    if (m_insertion && !m_held.empty())
+        m_insertion->finish();
+}
+
 void NoteTextEditor::commitComposition()
 {
+    takeHeld();
     m_clipboard->finish();
     m_composition->end();
 }

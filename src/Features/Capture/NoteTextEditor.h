@@ -99,6 +99,7 @@ private:
     void insertLong(const QString &text);
     void insertInSlices(int at, const QString &text);
     void finishInsertion();
+    void takeHeld();
     [[nodiscard]] bool holds(const QKeyEvent &event) const;
     void hold(const QEvent &event);
     void noteChange(int from, int removed, int added);

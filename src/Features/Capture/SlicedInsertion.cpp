@@ -35,6 +35,12 @@ SlicedInsertion::SlicedInsertion(QTextDocument &document, int position, QString 
     m_timer.start(0);
 }
 
+void SlicedInsertion::finish()
+{
+    while (m_timer.isActive())
+        insertSlice();
+}
+
 void SlicedInsertion::insertSlice()
 {
     QElapsedTimer time;

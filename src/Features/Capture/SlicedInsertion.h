@@ -18,6 +18,9 @@ public:
 
     SlicedInsertion(QTextDocument &document, int position, QString text, QObject *parent);
 
+    /// Inserts the rest now, which may take seconds.
+    void finish();
+
 Q_SIGNALS:
     void finished();
 
