@@ -56,16 +56,6 @@ bool isOnSomeScreen(const QRect &frame)
            });
 }
 
-std::vector<xcb_window_t> children(const X11Session &session, xcb_window_t window)
-{
-    const auto request = xcb_query_tree(session.connection(), window);
-    const auto tree = owned(xcb_query_tree_reply(session.connection(), request, nullptr));
-    if (!tree)
-        return {};
-    const xcb_window_t *const first = xcb_query_tree_children(tree.get());
-    return {first, first + xcb_query_tree_children_length(tree.get())};
-}
-
 /// Whether it is a program's window or a frame around one, and not a bar, a notice or what a
 /// compositing manager draws on.
 bool holdsManagedWindow(const X11Session &session, xcb_window_t window)
@@ -77,7 +67,7 @@ bool holdsManagedWindow(const X11Session &session, xcb_window_t window)
         for (const xcb_window_t one : level) {
             if (session.value(one, session.stateProperty()))
                 return true;
-            const std::vector<xcb_window_t> inner = children(session, one);
+            const std::vector<xcb_window_t> inner = session.children(one);
             next.insert(next.end(), inner.begin(), inner.end());
         }
         level = std::move(next);
@@ -88,7 +78,7 @@ bool holdsManagedWindow(const X11Session &session, xcb_window_t window)
 /// Windows directly on the root are listed lowest first.
 bool isCovered(const X11Session &session, xcb_window_t window, const QRect &frame)
 {
-    const std::vector<xcb_window_t> all = children(session, session.root());
+    const std::vector<xcb_window_t> all = session.children(session.root());
     const auto own = std::ranges::find(all, X11Session::outermost(window));
     return own != all.end() && std::any_of(own + 1, all.end(), [&](xcb_window_t other) {
                const auto cover = frameOf(session, other);

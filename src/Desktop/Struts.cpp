@@ -5,6 +5,7 @@
 #include "XcbReply.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -19,11 +20,7 @@ std::vector<xcb_window_t> candidates(X11Session &session)
         result.assign(managed.windows, managed.windows + managed.windows_len);
         xcb_ewmh_get_windows_reply_wipe(&managed);
     }
-    const auto treeRequest = xcb_query_tree(session.connection(), session.root());
-    if (const auto tree = owned(xcb_query_tree_reply(session.connection(), treeRequest, nullptr))) {
-        const xcb_window_t *const first = xcb_query_tree_children(tree.get());
-        result.insert(result.end(), first, first + xcb_query_tree_children_length(tree.get()));
-    }
+    std::ranges::copy(session.children(session.root()), std::back_inserter(result));
     return result;
 }
 

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QWidget>
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace {
@@ -119,6 +120,33 @@ xcb_window_t X11Session::outermost(xcb_window_t window)
             return window;
         window = tree->parent;
     }
+}
+
+std::vector<xcb_window_t> X11Session::children(xcb_window_t window) const
+{
+    const auto request = xcb_query_tree(connection(), window);
+    const auto tree = owned(xcb_query_tree_reply(connection(), request, nullptr));
+    if (!tree)
+        return {};
+    const xcb_window_t *const first = xcb_query_tree_children(tree.get());
+    return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+void X11Session::putBelow(xcb_window_t window, xcb_window_t other) const
+{
+    const std::array<uint32_t, 2> values{outermost(other), XCB_STACK_MODE_BELOW};
+    xcb_configure_window(connection(), window,
+                         XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values.data());
+    xcb_flush(connection());
+}
+
+bool X11Session::tellsOfOtherWindows(const xcb_generic_event_t &event) const noexcept
+{
+    if (eventType(event) != XCB_PROPERTY_NOTIFY)
+        return false;
+    const auto &change = reinterpret_cast<const xcb_property_notify_event_t &>(event);
+    return change.window == root() && (change.atom == m_ewmh._NET_ACTIVE_WINDOW ||
+                                       change.atom == m_ewmh._NET_CLIENT_LIST_STACKING);
 }
 
 uint8_t X11Session::eventType(const xcb_generic_event_t &event) noexcept

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <optional>
 #include <string_view>
+#include <vector>
 #include <xcb/xcb_ewmh.h>
 
 class QWidget;
@@ -48,6 +49,15 @@ public:
 
     /// The frame that a window manager has put around a window, or the window itself.
     [[nodiscard]] static xcb_window_t outermost(xcb_window_t window);
+
+    /// The windows directly in that one, lowest first.
+    [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const;
+
+    /// Moves a window on the root right below another one's frame.
+    void putBelow(xcb_window_t window, xcb_window_t other) const;
+
+    /// Whether another window was activated, or windows restacked, by what the window manager says.
+    [[nodiscard]] bool tellsOfOtherWindows(const xcb_generic_event_t &event) const noexcept;
 
     /// What kind an event is, also one that another program sent.
     [[nodiscard]] static uint8_t eventType(const xcb_generic_event_t &event) noexcept;

@@ -7,6 +7,7 @@
 #include "KeepOnTop.h"
 #include "Layouts.h"
 #include "PanelHints.h"
+#include "PanelShadow.h"
 #include "PresenceWatch.h"
 
 #include <QCloseEvent>
@@ -50,6 +51,7 @@ FloatingPanel::FloatingPanel(Kind kind, QSize contentSize)
         new KeepOnTop(*this);
     } else {
         new FocusWatch(*this);
+        m_shadow = new PanelShadow(*this);
     }
     auto *const presence =
         new PresenceWatch(*this, kind == Kind::launcher ? PresenceWatch::Care::unmanaged
@@ -90,6 +92,12 @@ void FloatingPanel::setCutOut(bool isCutOut)
     m_isCutOut = isCutOut;
     if (isVisible())
         updateShape();
+}
+
+void FloatingPanel::setShadowed(bool isShadowed)
+{
+    if (m_shadow)
+        m_shadow->setComposited(isShadowed);
 }
 
 void FloatingPanel::setBlurred(bool isBlurred)

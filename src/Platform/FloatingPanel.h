@@ -9,6 +9,8 @@
 #include <QWidget>
 #include <functional>
 
+class PanelShadow;
+
 /// A borderless, translucent window that floats above all others on every workspace.
 ///
 /// Two exist: the launcher, which never takes the keyboard, and the editor, which does. Both are
@@ -42,6 +44,9 @@ public:
     /// else of it would be black.
     void setCutOut(bool isCutOut);
 
+    /// Has the editor cast a shadow, which takes a compositing manager. The launcher draws its own.
+    void setShadowed(bool isShadowed);
+
     /// Has what lies behind the shape of what it shows blurred.
     void setBlurred(bool isBlurred);
 
@@ -72,6 +77,7 @@ private:
     const Kind m_kind;
     const CompositionWatch m_composition;
     QPointer<QWidget> m_content;
+    PanelShadow *m_shadow = nullptr;
     QPoint m_place;
     bool m_isBeingShown = false;
     /// While it runs a move is the window manager's.

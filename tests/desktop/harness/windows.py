@@ -2,6 +2,7 @@
 """What the X server and the window manager say about windows."""
 
 from Xlib import X, Xatom, Xutil
+from Xlib.ext import shape
 from Xlib.error import BadDrawable, BadMatch, BadWindow
 from Xlib.protocol import event
 
@@ -85,6 +86,13 @@ class Window:
         except _GONE:
             return False
 
+    def takes_clicks(self):
+        """Whether it lets not all of them through to what is below it."""
+        try:
+            return bool(self._window.shape_get_rectangles(shape.SK.Input).rectangles)
+        except _GONE:
+            return False
+
     def rectangle(self):
         """x, y, width, height on the screen; the place is that of a border that it may have."""
         try:
@@ -163,13 +171,14 @@ class Windows:
         return [window for window in found if window.process() == process]
 
     def top_at(self, point):
-        """The uppermost visible window on the root that covers the point."""
+        """The visible window on the root that a click at the point goes to."""
         for window in reversed(self.on_screen()):
             rectangle = window.rectangle()
             if rectangle is None or not window.is_viewable():
                 continue
             x, y, width, height = rectangle
-            if x <= point[0] < x + width and y <= point[1] < y + height:
+            if (x <= point[0] < x + width and y <= point[1] < y + height
+                    and window.takes_clicks()):
                 return window
         return None
 
@@ -226,6 +235,11 @@ class Windows:
         """As another program may do to any window."""
         self.find(number)._window.unmap()
         self._display.sync()
+
+    def move(self, number, x, y):
+        """As a pager would, or a drag with the mouse."""
+        # Static gravity: the place is the window's own; x and y are given; from a pager.
+        self._tell(self.find(number)._window, "_NET_MOVERESIZE_WINDOW", [10 | 3 << 8 | 2 << 12, x, y])
 
     def destroy(self, number):
         self.find(number)._window.destroy()

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "ShadowHints.h"
+
+#include "X11Session.h"
+
+#include <QMargins>
+#include <QWindow>
+#include <array>
+#include <string_view>
+
+namespace {
+
+/// By the name that the window manager gives itself.
+bool isKWin(X11Session &session)
+{
+    const auto window = session.value(session.root(), session.ewmh()._NET_SUPPORTING_WM_CHECK);
+    xcb_ewmh_get_utf8_strings_reply_t name{};
+    if (!window ||
+        !xcb_ewmh_get_wm_name_reply(&session.ewmh(), xcb_ewmh_get_wm_name(&session.ewmh(), *window),
+                                    &name, nullptr))
+        return false;
+    const bool isIt = std::string_view(name.strings, name.strings_len) == "KWin";
+    xcb_ewmh_get_utf8_strings_reply_wipe(&name);
+    return isIt;
+}
+
+} // namespace
+
+ShadowHints::Way ShadowHints::way()
+{
+    X11Session *const session = X11Session::current();
+    if (!session)
+        return Way::none;
+    if (isKWin(*session))
+        return Way::picture;
+    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? Way::none : Way::window;
+}
+
+Qt::WindowFlags ShadowHints::windowFlags()
+{
+    return Qt::Tool | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint |
+           Qt::NoDropShadowWindowHint | Qt::WindowTransparentForInput |
+           Qt::WindowDoesNotAcceptFocus;
+}
+
+void ShadowHints::prepare(QWindow &shadow, const QMargins &reach)
+{
+    X11Session *const session = X11Session::current();
+    if (!session)
+        return;
+    // As windows tell that have a shadow within themselves.
+    const xcb_atom_t property = X11Session::atom("_GTK_FRAME_EXTENTS");
+    const std::array<uint32_t, 4> extents{
+        static_cast<uint32_t>(reach.left()), static_cast<uint32_t>(reach.right()),
+        static_cast<uint32_t>(reach.top()), static_cast<uint32_t>(reach.bottom())};
+    xcb_change_property(session->connection(), XCB_PROP_MODE_REPLACE,
+                        static_cast<xcb_window_t>(shadow.winId()), property, XCB_ATOM_CARDINAL, 32,
+                        extents.size(), extents.data());
+    // Nor is it a window of the program to those who look for them by process, no more than a
+    // frame.
+    xcb_delete_property(session->connection(), static_cast<xcb_window_t>(shadow.winId()),
+                        session->ewmh()._NET_WM_PID);
+}
