@@ -17,7 +17,9 @@ struct TextChange {
 
     [[nodiscard]] bool fits(QStringView text) const noexcept
     {
-        return position <= text.size() && text.sliced(position).startsWith(removed);
+        // To Qt a null text begins with a null one only.
+        return position <= text.size() &&
+               (removed.isEmpty() || text.sliced(position).startsWith(removed));
     }
 
     friend bool operator==(const TextChange &, const TextChange &) = default;

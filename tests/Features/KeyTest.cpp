@@ -91,7 +91,7 @@ private Q_SLOTS:
 
         const auto counts = workspace.press(workspace.editor(), u"m"_s);
 
-        QCOMPARE(counts.texts, (QStringList{u"1 character"_s, u"Saving draft…"_s}));
+        QCOMPARE(counts.texts, (QStringList{u"Saving draft…"_s, u"1 character"_s}));
         QCOMPARE(counts.dates, 0);
     }
 

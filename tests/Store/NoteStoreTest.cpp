@@ -77,6 +77,7 @@ private Q_SLOTS:
     void saysWhatCouldNotBeRestored();
     void takesInNoHalfOfASurrogatePair();
     void followsChangesOfADraft();
+    void beginsADraftWithAChange();
     void makesNoChangeThatDoesNotFit();
     void staysPendingWhenTheDelayedWriteFails();
     void keepsADraftExactlyAsTyped();
@@ -942,6 +943,15 @@ void NoteStoreTest::followsChangesOfADraft()
     QVERIFY(fixture.store.hasPendingChanges());
     QVERIFY(fixture.store.flush());
     QCOMPARE(fixture.repository.stored().captureDraft, u"one 2"_s);
+}
+
+void NoteStoreTest::beginsADraftWithAChange()
+{
+    Fixture fixture(NoteSnapshot{});
+
+    QVERIFY(fixture.store.changeDraft({0, u""_s, u"m"_s}));
+
+    QCOMPARE(fixture.store.draft(), u"m"_s);
 }
 
 void NoteStoreTest::makesNoChangeThatDoesNotFit()
