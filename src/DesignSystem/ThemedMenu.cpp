@@ -98,6 +98,20 @@ ThemedMenu::ThemedMenu(QWidget *owner)
         owner->installEventFilter(this);
 }
 
+void ThemedMenu::becomeWindow()
+{
+    setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | Qt::Tool | Qt::WindowStaysOnTopHint);
+    setAttribute(Qt::WA_TranslucentBackground);
+}
+
+bool ThemedMenu::event(QEvent *event)
+{
+    const bool isHandled = QMenu::event(event);
+    if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup)
+        close();
+    return isHandled;
+}
+
 bool ThemedMenu::eventFilter(QObject *receiver, QEvent *event)
 {
     if (receiver == parentWidget() && isVisible() &&

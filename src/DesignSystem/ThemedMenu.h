@@ -13,9 +13,15 @@ class ThemedMenu final : public QMenu {
 public:
     explicit ThemedMenu(QWidget *owner);
 
+    /// Makes it a window that is given the keyboard like others, in place of a popup, and closes
+    /// when it loses it: for where a popup hears of no key and of no click elsewhere. Before it is
+    /// shown.
+    void becomeWindow();
+
     bool eventFilter(QObject *receiver, QEvent *event) override;
 
 protected:
+    bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

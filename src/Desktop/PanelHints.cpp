@@ -112,6 +112,12 @@ bool PanelHints::menusMissEvents()
     return X11Session::current() && qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
+bool PanelHints::menusCanBeWindows()
+{
+    X11Session *const session = X11Session::current();
+    return session && session->windowManager() != "wlroots wm";
+}
+
 void PanelHints::activate(QWidget &panel)
 {
     panel.raise();

@@ -41,6 +41,10 @@ void afterShowingEditor(QWidget &panel);
 /// open: in a Wayland session, where native windows are outside the X server.
 [[nodiscard]] bool menusMissEvents();
 
+/// Whether a menu can be a window in the window manager's care instead, which is given the
+/// keyboard: not with compositors of wlroots, which would put it into the middle of the screen.
+[[nodiscard]] bool menusCanBeWindows();
+
 /// Takes the keyboard for the panel, as the answer to what the user just did.
 void activate(QWidget &panel);
 

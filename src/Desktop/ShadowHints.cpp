@@ -6,32 +6,13 @@
 #include <QMargins>
 #include <QWindow>
 #include <array>
-#include <string_view>
-
-namespace {
-
-/// By the name that the window manager gives itself.
-bool isKWin(X11Session &session)
-{
-    const auto window = session.value(session.root(), session.ewmh()._NET_SUPPORTING_WM_CHECK);
-    xcb_ewmh_get_utf8_strings_reply_t name{};
-    if (!window ||
-        !xcb_ewmh_get_wm_name_reply(&session.ewmh(), xcb_ewmh_get_wm_name(&session.ewmh(), *window),
-                                    &name, nullptr))
-        return false;
-    const bool isIt = std::string_view(name.strings, name.strings_len) == "KWin";
-    xcb_ewmh_get_utf8_strings_reply_wipe(&name);
-    return isIt;
-}
-
-} // namespace
 
 ShadowHints::Way ShadowHints::way()
 {
     X11Session *const session = X11Session::current();
     if (!session)
         return Way::none;
-    if (isKWin(*session))
+    if (session->windowManager() == "KWin")
         return Way::picture;
     return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? Way::none : Way::window;
 }

@@ -122,6 +122,18 @@ xcb_window_t X11Session::outermost(xcb_window_t window)
     }
 }
 
+std::string X11Session::windowManager()
+{
+    const auto window = value(root(), m_ewmh._NET_SUPPORTING_WM_CHECK);
+    xcb_ewmh_get_utf8_strings_reply_t name{};
+    if (!window || !xcb_ewmh_get_wm_name_reply(&m_ewmh, xcb_ewmh_get_wm_name(&m_ewmh, *window),
+                                               &name, nullptr))
+        return {};
+    std::string result(name.strings, name.strings_len);
+    xcb_ewmh_get_utf8_strings_reply_wipe(&name);
+    return result;
+}
+
 std::vector<xcb_window_t> X11Session::children(xcb_window_t window) const
 {
     const auto request = xcb_query_tree(connection(), window);

@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 #include <xcb/xcb_ewmh.h>
@@ -49,6 +50,9 @@ public:
 
     /// The frame that a window manager has put around a window, or the window itself.
     [[nodiscard]] static xcb_window_t outermost(xcb_window_t window);
+
+    /// As the window manager calls itself; empty without one.
+    [[nodiscard]] std::string windowManager();
 
     /// The windows directly in that one, lowest first.
     [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const;

@@ -82,7 +82,7 @@ LauncherHitView::LauncherHitView(const Screens &screens, const AppPreferences *p
     render();
 }
 
-QMenu *LauncherHitView::makeMenu()
+ThemedMenu *LauncherHitView::makeMenu()
 {
     auto *const menu = new ThemedMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
@@ -174,10 +174,19 @@ void LauncherHitView::openMenu(QPoint place)
 {
     // The menu takes the release.
     endPress();
-    QMenu *const menu = makeMenu();
-    if (PanelHints::menusMissEvents())
-        menu->installEventFilter(this);
+    ThemedMenu *const menu = makeMenu();
+    if (!PanelHints::menusMissEvents()) {
+        menu->popup(place);
+        return;
+    }
+    // Closed by the pointer that leaves it, should it not get the keyboard.
+    menu->installEventFilter(this);
+    const bool isWindow = PanelHints::menusCanBeWindows();
+    if (isWindow)
+        menu->becomeWindow();
     menu->popup(place);
+    if (isWindow)
+        PanelHints::activate(*menu);
 }
 
 Point LauncherHitView::position(const QMouseEvent &event) const

@@ -8,7 +8,7 @@
 #include <QWidget>
 
 class AppPreferences;
-class QMenu;
+class ThemedMenu;
 class Screens;
 
 /// The transparent view over the whole launcher that takes every press, drag, right click
@@ -24,7 +24,7 @@ public:
 
     /// The context menu, made anew each time it is asked for, so that it is in the current
     /// language; deletes itself once it has closed.
-    [[nodiscard]] QMenu *makeMenu();
+    [[nodiscard]] ThemedMenu *makeMenu();
 
     /// Ends a press that is still going on; a drag stays where it is.
     void endPress();

@@ -4,6 +4,7 @@
 #include "AppPreferences.h"
 #include "FakeScreens.h"
 #include "PassingTime.h"
+#include "ThemedMenu.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>

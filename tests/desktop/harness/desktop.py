@@ -88,12 +88,7 @@ class Desktop:
         self._exits.close()
 
     def _start(self):
-        processes.adopt_orphans()
-        folder = tempfile.TemporaryDirectory(prefix="desktop-", ignore_cleanup_errors=True)
-        self.folder = pathlib.Path(self._exits.enter_context(folder))
-        self._exits.callback(processes.kill_adopted)
-        self._log = self._exits.enter_context(open(self.folder / "services.log", "wb"))
-        self.environment = self._make_environment(self.folder / "home")
+        self._prepare()
         self.environment["DISPLAY"] = self.start_display()
         self._start_bus()
         self.display = Xlib.display.Display(self.environment["DISPLAY"])
@@ -102,6 +97,14 @@ class Desktop:
         self.mouse = Mouse(self.display)
         self.keyboard = Keyboard(self.display)
         self._start_window_manager()
+
+    def _prepare(self):
+        processes.adopt_orphans()
+        folder = tempfile.TemporaryDirectory(prefix="desktop-", ignore_cleanup_errors=True)
+        self.folder = pathlib.Path(self._exits.enter_context(folder))
+        self._exits.callback(processes.kill_adopted)
+        self._log = self._exits.enter_context(open(self.folder / "services.log", "wb"))
+        self.environment = self._make_environment(self.folder / "home")
 
     def _make_environment(self, home):
         environment = self.environment_for(home)

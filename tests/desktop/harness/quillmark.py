@@ -120,7 +120,8 @@ class Quillmark:
         for window in self.windows():
             rectangle = window.rectangle()
             if (window.is_viewable() and rectangle is not None
-                    and rectangle[2:] not in (LAUNCHER_SIZE, EDITOR_SIZE)):
+                    and rectangle[2:] not in (LAUNCHER_SIZE, EDITOR_SIZE)
+                    and "_NET_WM_WINDOW_TYPE_TOOLTIP" not in window.types()):
                 return window
         return None
 
