@@ -11,7 +11,7 @@ import re
 import unittest
 
 from harness import DesktopTest, main, until
-from harness.screen_reader import ScreenReader
+from harness.screen_reader import ScreenReader, has_locale
 from harness.translations import table
 
 IS_WRITTEN = bool(os.environ.get("ORCA_WRITE"))
@@ -23,6 +23,11 @@ def transcripts():
     found = re.match(r"\d+", version.read_text(encoding="utf-8")) if version.exists() else None
     release = f"debian-{found[0]}" if found else "another"
     return pathlib.Path(__file__).parents[2] / "docs/orca" / release
+
+
+def without_window(transcript):
+    """Orca 48 says the name of a window that comes back when it hears of it before the focus."""
+    return re.sub(r"^Quillmark.*\n", "", transcript, flags=re.MULTILINE)
 
 
 class Orca(DesktopTest):
@@ -93,12 +98,18 @@ class Orca(DesktopTest):
         if IS_WRITTEN:
             file.parent.mkdir(parents=True, exist_ok=True)
             file.write_text(said, encoding="utf-8")
-        self.assertEqual(said, file.read_text(encoding="utf-8"))
+        self.assertEqual(without_window(said), without_window(file.read_text(encoding="utf-8")))
 
 
 class OrcaInChinese(Orca):
     language = "zh-Hans"
     language_of_orca = "zh_CN"
+
+    @classmethod
+    def setUpClass(cls):
+        if transcripts().name != "debian-12" and not has_locale(cls.language_of_orca):
+            raise unittest.SkipTest("there is no Chinese locale")
+        super().setUpClass()
 
 
 if __name__ == "__main__":
