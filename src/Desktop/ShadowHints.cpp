@@ -6,15 +6,31 @@
 #include <QMargins>
 #include <QWindow>
 #include <array>
+#include <string>
+
+namespace {
+
+/// Whether a click on a window that lets clicks through reaches a native window below it. With
+/// Xwayland 24.1.6 it does, with 22.1.9 it did not; those between were not tried.
+bool clicksPassThrough(const X11Session &session)
+{
+    constexpr uint32_t firstThatDoes = 1'24'01'000;
+    return xcb_get_setup(session.connection())->release_number >= firstThatDoes;
+}
+
+} // namespace
 
 ShadowHints::Way ShadowHints::way()
 {
     X11Session *const session = X11Session::current();
     if (!session)
         return Way::none;
-    if (session->windowManager() == "KWin")
+    const std::string windowManager = session->windowManager();
+    if (windowManager == "KWin")
         return Way::picture;
-    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? Way::none : Way::window;
+    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        return Way::window;
+    return windowManager != "wlroots wm" && clicksPassThrough(*session) ? Way::window : Way::none;
 }
 
 Qt::WindowFlags ShadowHints::windowFlags()

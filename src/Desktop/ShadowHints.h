@@ -16,8 +16,8 @@ enum class Way {
 };
 
 /// The way on the desktop that runs, where something is composited. In a Wayland session of another
-/// than KWin there is none: a click on a window that lets clicks through would not reach a native
-/// window below it.
+/// than KWin there is none where a click on it would not reach a native window below, and none with
+/// compositors of wlroots, which would leave it alone on a workspace without the editor.
 [[nodiscard]] Way way();
 
 /// A window that lets clicks through and is in no window manager's care.

@@ -19,6 +19,7 @@ class Wayland(DesktopTest):
     def setUp(self):
         super().setUp()
         self.native = NativeWindow(self.desktop, self.home)
+        self.addCleanup(self.native.close)
         def is_heard():
             self.keyboard.type("a")
             return self.native.text()
@@ -53,6 +54,16 @@ class Wayland(DesktopTest):
 
         self.quillmark.launcher()
         self.assertEqual([note.body for note in self.data.read_notes()], ["a thought"])
+        self.expect_native_gets("b")
+
+    def test_a_click_beside_the_editor_reaches_the_native_window(self):
+        self.write_settings({"launcher.x": 300, "launcher.y": 600})
+        self.quillmark.stop()
+        self.quillmark = self.start()
+        x, y, width, height = self.quillmark.open_editor().rectangle()
+
+        self.mouse.click((x + width + 12, y + height // 2))
+
         self.expect_native_gets("b")
 
     def test_the_menu_opens_beside_the_pointer_and_closes_on_escape(self):

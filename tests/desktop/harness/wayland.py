@@ -15,6 +15,7 @@ import gi
 import Xlib.display
 from Xlib import XK
 
+from . import processes
 from .desktop import Desktop
 from .input import Mouse
 from .waiting import until
@@ -107,9 +108,12 @@ class NativeWindow:
 
     def __init__(self, desktop, folder):
         self._file = pathlib.Path(folder) / "typed"
-        desktop.spawn(["foot", "--window-size-pixels=700x500", "sh", "-c",
+        self._terminal = desktop.spawn(["foot", "--window-size-pixels=700x500", "sh", "-c",
                        'stty -icanon -echo; exec cat >"$0"', str(self._file)])
         until(self._file.exists, "the native window is open")
+
+    def close(self):
+        processes.stop(self._terminal)
 
     def text(self):
         return self._file.read_text(encoding="utf-8")
