@@ -101,7 +101,6 @@ ThemedMenu::ThemedMenu(QWidget *owner)
 void ThemedMenu::becomeWindow()
 {
     setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | Qt::Tool | Qt::WindowStaysOnTopHint);
-    setAttribute(Qt::WA_TranslucentBackground);
 }
 
 bool ThemedMenu::event(QEvent *event)

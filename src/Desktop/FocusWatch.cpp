@@ -20,7 +20,7 @@ bool hasNobodyTheKeyboard(const X11Session &session)
 {
     const auto request = xcb_get_input_focus(session.connection());
     const auto reply = owned(xcb_get_input_focus_reply(session.connection(), request, nullptr));
-    return reply && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
+    return reply && !X11Session::isInWayland() &&
            (reply->focus <= XCB_INPUT_FOCUS_POINTER_ROOT || reply->focus == session.root());
 }
 

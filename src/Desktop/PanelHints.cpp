@@ -109,13 +109,13 @@ void PanelHints::afterShowingEditor(QWidget &panel)
 
 bool PanelHints::menusMissEvents()
 {
-    return X11Session::current() && qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    return X11Session::current() && X11Session::isInWayland();
 }
 
 bool PanelHints::menusCanBeWindows()
 {
     X11Session *const session = X11Session::current();
-    return session && session->windowManager() != "wlroots wm";
+    return session && session->windowManager() != X11Session::wlroots;
 }
 
 void PanelHints::activate(QWidget &panel)

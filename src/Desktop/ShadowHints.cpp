@@ -28,9 +28,10 @@ ShadowHints::Way ShadowHints::way()
     const std::string windowManager = session->windowManager();
     if (windowManager == "KWin")
         return Way::picture;
-    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+    if (!X11Session::isInWayland())
         return Way::window;
-    return windowManager != "wlroots wm" && clicksPassThrough(*session) ? Way::window : Way::none;
+    return windowManager != X11Session::wlroots && clicksPassThrough(*session) ? Way::window
+                                                                               : Way::none;
 }
 
 Qt::WindowFlags ShadowHints::windowFlags()

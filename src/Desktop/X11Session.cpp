@@ -134,6 +134,11 @@ std::string X11Session::windowManager()
     return result;
 }
 
+bool X11Session::isInWayland()
+{
+    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
 std::vector<xcb_window_t> X11Session::children(xcb_window_t window) const
 {
     const auto request = xcb_query_tree(connection(), window);

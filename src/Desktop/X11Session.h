@@ -54,6 +54,13 @@ public:
     /// As the window manager calls itself; empty without one.
     [[nodiscard]] std::string windowManager();
 
+    /// As compositors of wlroots do.
+    static constexpr auto wlroots = "wlroots wm";
+
+    /// Whether the server is part of a Wayland session, with native windows that it knows nothing
+    /// of.
+    [[nodiscard]] static bool isInWayland();
+
     /// The windows directly in that one, lowest first.
     [[nodiscard]] std::vector<xcb_window_t> children(xcb_window_t window) const;
 

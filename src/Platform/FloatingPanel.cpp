@@ -92,12 +92,8 @@ void FloatingPanel::setCutOut(bool isCutOut)
     m_isCutOut = isCutOut;
     if (isVisible())
         updateShape();
-}
-
-void FloatingPanel::setShadowed(bool isShadowed)
-{
     if (m_shadow)
-        m_shadow->setComposited(isShadowed);
+        m_shadow->setComposited(!isCutOut);
 }
 
 void FloatingPanel::setBlurred(bool isBlurred)

@@ -41,11 +41,9 @@ public:
     void comeBack();
 
     /// Cuts the window to the shape of what it shows: without a compositing manager everything
-    /// else of it would be black.
+    /// else of it would be black. Where it is not cut, the editor casts a shadow; the launcher
+    /// draws its own.
     void setCutOut(bool isCutOut);
-
-    /// Has the editor cast a shadow, which takes a compositing manager. The launcher draws its own.
-    void setShadowed(bool isShadowed);
 
     /// Has what lies behind the shape of what it shows blurred.
     void setBlurred(bool isBlurred);

@@ -225,7 +225,6 @@ void FloatingPanelController::applySystemAppearance()
 
     m_launcher.setCutOut(!m_system.isComposited());
     m_editor.setCutOut(!m_system.isComposited());
-    m_editor.setShadowed(m_system.isComposited());
     m_launcher.setBlurred(m_system.blursBehind());
     m_editor.setBlurred(m_system.blursBehind());
 }

@@ -25,9 +25,14 @@ def transcripts():
     return pathlib.Path(__file__).parents[2] / "docs/orca" / release
 
 
-def without_window(transcript):
-    """Orca 48 says the name of a window that comes back when it hears of it before the focus."""
-    return re.sub(r"^Quillmark.*\n", "", transcript, flags=re.MULTILINE)
+def reliable(transcript):
+    """What is said every time. Orca 48 says the name of a window that comes back when it hears of it
+    before the focus, and a letter that was typed when it does not take it for a key in time."""
+    if transcripts().name == "debian-12":
+        return transcript
+    first, line_end, rest = transcript.partition("Quillmark")
+    rest = re.sub(r"^(Quillmark.*|.)\n", "", rest, flags=re.MULTILINE)
+    return first + line_end + rest
 
 
 class Orca(DesktopTest):
@@ -98,7 +103,7 @@ class Orca(DesktopTest):
         if IS_WRITTEN:
             file.parent.mkdir(parents=True, exist_ok=True)
             file.write_text(said, encoding="utf-8")
-        self.assertEqual(without_window(said), without_window(file.read_text(encoding="utf-8")))
+        self.assertEqual(reliable(said), reliable(file.read_text(encoding="utf-8")))
 
 
 class OrcaInChinese(Orca):

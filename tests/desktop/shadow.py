@@ -4,8 +4,8 @@
 from harness import DesktopTest, main, until
 from harness.waiting import holds_for, until_it_stays
 
-# How far it reaches at each side of the editor.
-LEFT, TOP, RIGHT, BOTTOM = 26, 18, 26, 34
+# How far it reaches beyond the editor; on the right as on the left.
+LEFT, TOP, BOTTOM = 26, 18, 34
 
 
 class Shadow(DesktopTest):
@@ -22,7 +22,7 @@ class Shadow(DesktopTest):
         return sum(self.desktop.picture(x, y, 1, 1).colour(0, 0))
 
     def profile(self, points):
-        """How bright the screen is there, without noise of less than one step in 255."""
+        """How bright the screen is at each of the points."""
         return [self.brightness(*point) for point in points]
 
     def below(self, editor):
@@ -87,7 +87,8 @@ class Shadow(DesktopTest):
         x, y, width, height = editor.rectangle()
 
         # The surface lets some of what is behind it through, which is of one colour.
-        line = self.profile([(x + column, y + height - 8) for column in (60, width // 2, width - 60)])
+        line = self.profile([(x + column, y + height - 8)
+                             for column in (60, width // 2, width - 60)])
 
         self.assertEqual(len(set(line)), 1)
 

@@ -20,6 +20,7 @@ class Wayland(DesktopTest):
         super().setUp()
         self.native = NativeWindow(self.desktop, self.home)
         self.addCleanup(self.native.close)
+
         def is_heard():
             self.keyboard.type("a")
             return self.native.text()

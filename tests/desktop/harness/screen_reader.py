@@ -43,7 +43,8 @@ class ScreenReader:
         # Not --replace, which would end the user's own.
         locale = f"{language}.UTF-8" if has_locale(language) else "C.UTF-8"
         desktop.spawn(["env", f"PYTHONPATH={self._folder}", f"LANGUAGE={language}",
-                       f"LANG={locale}", "orca", "--debug", f"--debug-file={self._log}", f"--user-prefs={self._folder}"])
+                       f"LANG={locale}", "orca", "--debug", f"--debug-file={self._log}",
+                       f"--user-prefs={self._folder}"])
         until(lambda: _LISTENS.search(self._text()), "Orca listens", 60)
 
     @staticmethod
@@ -63,11 +64,9 @@ class ScreenReader:
         return self._log.read_text(encoding="utf-8", errors="replace")
 
     def said(self):
-        """All that was said until now, but for the echo of single letters, which Orca 48 takes for
-        keys or not as it comes. Lines within one utterance are parted by a stroke."""
-        lines = [" / ".join(line.strip() for line in said.strip().splitlines())
-                 for said in _SAID.findall(self._text())]
-        return [line for line in lines if len(line) > 1]
+        """All that was said until now. Lines within one utterance are parted by a stroke."""
+        return [" / ".join(line.strip() for line in said.strip().splitlines())
+                for said in _SAID.findall(self._text())]
 
     def is_idle(self):
         """Whether it has dealt with all that it has heard of."""

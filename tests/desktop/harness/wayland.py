@@ -28,7 +28,6 @@ _REMOTE = "org.gnome.Mutter.RemoteDesktop"
 _BUTTONS = {Mouse.LEFT: 0x110, Mouse.RIGHT: 0x111, Mouse.MIDDLE: 0x112}
 _MODIFIERS = {"ctrl": "Control_L", "shift": "Shift_L"}
 
-
 # Between what is seen and what is done. The compositor finds out with the next picture what lies below
 # the pointer, and a window has the keyboard for X before it has it for the compositor.
 _REACTION = 0.2
@@ -108,8 +107,9 @@ class NativeWindow:
 
     def __init__(self, desktop, folder):
         self._file = pathlib.Path(folder) / "typed"
-        self._terminal = desktop.spawn(["foot", "--window-size-pixels=700x500", "sh", "-c",
-                       'stty -icanon -echo; exec cat >"$0"', str(self._file)])
+        self._terminal = desktop.spawn(
+            ["foot", "--window-size-pixels=700x500", "sh", "-c",
+             'stty -icanon -echo; exec cat >"$0"', str(self._file)])
         until(self._file.exists, "the native window is open")
 
     def close(self):
