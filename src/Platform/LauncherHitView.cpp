@@ -12,9 +12,11 @@
 #include <QAction>
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QTimer>
+#include <QWindow>
 #include <chrono>
 #include <utility>
 
@@ -109,6 +111,7 @@ void LauncherHitView::hideEvent(QHideEvent *event)
 {
     // The release goes to nobody.
     endPress();
+    disconnect(m_menuLater);
     QWidget::hideEvent(event);
 }
 
@@ -117,7 +120,7 @@ bool LauncherHitView::eventFilter(QObject *receiver, QEvent *event)
     auto *const menu = qobject_cast<QMenu *>(receiver);
     if (menu && event->type() == QEvent::Leave) {
         QTimer::singleShot(menuPatience, menu, [menu] {
-            if (!menu->underMouse())
+            if (!menu->underMouse() && !menu->isActiveWindow())
                 menu->close();
         });
     }
@@ -174,6 +177,15 @@ void LauncherHitView::openMenu(QPoint place)
 {
     // The menu takes the release.
     endPress();
+    disconnect(m_menuLater);
+    // Qt closes every menu when it tells, up to 0.4 s late, that a hidden window lost the keyboard.
+    const QWindow *const focus = QGuiApplication::focusWindow();
+    if (focus && !focus->isVisible()) {
+        m_menuLater = connect(qGuiApp, &QGuiApplication::focusWindowChanged, this,
+                              [this, place] { openMenu(place); },
+                              Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+        return;
+    }
     ThemedMenu *const menu = makeMenu();
     if (!PanelHints::menusMissEvents()) {
         menu->popup(place);

@@ -60,4 +60,5 @@ private:
     bool m_isPressed = false;
     QPointF m_pressOnScreen;
     QPointF m_pressInWindow;
+    QMetaObject::Connection m_menuLater;
 };

@@ -2,6 +2,7 @@
 """The bubble: where it is, what it does, and what it leaves alone."""
 
 from harness import DesktopTest, main, until
+from harness.waiting import holds_for
 
 INSET = 12
 
@@ -113,6 +114,17 @@ class Bubble(DesktopTest):
         self.mouse.click((x + 1, y + 1))
 
         quillmark.editor()
+
+    def test_keeps_a_menu_open_that_was_asked_for_right_after_a_fold(self):
+        self.other.close()
+        quillmark = self.start()
+        quillmark.open_editor()
+        self.keyboard.press("Escape")
+        until(lambda: not quillmark.shows_editor(), "folded")
+
+        self.open_menu(quillmark)
+
+        holds_for(0.8, lambda: quillmark.popup() is not None, "the menu stays open")
 
     def test_offers_a_note_and_the_end_on_a_right_click(self):
         quillmark = self.start()

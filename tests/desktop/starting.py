@@ -63,9 +63,7 @@ class Starting(DesktopTest):
         quillmark.element(name="1 note")
         self.keyboard.press("Escape")
         self.mouse.drag(quillmark.launcher().centre(), (500, 500))
-        # Longer than the toolkit takes to tell of the editor's loss of the keyboard, which closes
-        # every menu that is open by then.
-        until_it_stays(0.6, lambda: quillmark.launcher().rectangle() == (468, 468, 64, 64),
+        until_it_stays(0.1, lambda: quillmark.launcher().rectangle() == (468, 468, 64, 64),
                        "it was dragged")
         self.quit_from_menu(quillmark)
         self.assertEqual(quillmark.wait_until_ended(), 0)

@@ -78,6 +78,15 @@ class Wayland(DesktopTest):
         self.expect_closed()
         self.expect_native_gets("b")
 
+    def test_the_menu_stays_while_it_has_the_keyboard(self):
+        self.open_menu_of_bubble()
+
+        self.mouse.move((1000, 500))
+
+        holds_for(1.2, lambda: self.quillmark.popup() is not None, "the menu stays")
+        self.keyboard.press("Escape")
+        self.expect_closed()
+
     def test_the_menu_is_used_with_the_keyboard(self):
         self.open_menu_of_bubble()
 
