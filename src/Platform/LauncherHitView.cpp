@@ -181,9 +181,9 @@ void LauncherHitView::openMenu(QPoint place)
     // Qt closes every menu when it tells, up to 0.4 s late, that a hidden window lost the keyboard.
     const QWindow *const focus = QGuiApplication::focusWindow();
     if (focus && !focus->isVisible()) {
-        m_menuLater = connect(qGuiApp, &QGuiApplication::focusWindowChanged, this,
-                              [this, place] { openMenu(place); },
-                              Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+        m_menuLater = connect(
+            qGuiApp, &QGuiApplication::focusWindowChanged, this, [this, place] { openMenu(place); },
+            Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
         return;
     }
     ThemedMenu *const menu = makeMenu();
