@@ -2,6 +2,7 @@
 #include "NoteTextEditor.h"
 #include "AppPreferences.h"
 #include "Dice.h"
+#include "DocumentText.h"
 #include "FixedEnvironment.h"
 #include "NoteTheme.h"
 #include "Pixels.h"
@@ -74,8 +75,13 @@ private Q_SLOTS:
     void insertsManyLinesWhileTheWindowAnswers();
     void insertsManyLinesWhateverTheLineEndsAre_data();
     void insertsManyLinesWhateverTheLineEndsAre();
-    void keepsWhatIsTypedMeanwhileForLater();
-    void takesWhatIsTypedMeanwhileWhenItIsLeft();
+    void takesInWhatIsTypedMeanwhile();
+    void keepsWhatNeedsAllLinesForLater();
+    void replacesAllLinesOnceTheyAreThere();
+    void copiesLinesThatAreStillToCome();
+    void staysExactWhateverIsEditedMeanwhile_data();
+    void staysExactWhateverIsEditedMeanwhile();
+    void takesWhatWaitsForAllLinesWhenItIsLeft();
     void opensManyLinesFromTheirEnd();
     void givesUpLinesOfAnEarlierText();
     void showsWhatIsTooLongForReading_data();
@@ -130,6 +136,13 @@ struct Fixture {
 
     [[nodiscard]] QString lastEdit() const { return edited.isEmpty() ? QString() : followed; }
 };
+
+/// Some of the text is not in the document yet.
+bool isComing(const NoteTextEditor &editor)
+{
+    return editor.document()->characterCount() - 1 <
+           DocumentText::paragraphs(editor.noteText()).size();
+}
 
 void setClipboard(const QString &text, const QString &html = {})
 {
@@ -834,7 +847,6 @@ void NoteTextEditorTest::insertsManyLinesWhileTheWindowAnswers()
     other.start(0);
     QTRY_COMPARE(fixture.editor.document()->blockCount(), 30'002);
     QVERIFY(heard > 1);
-    QTRY_VERIFY(!fixture.editor.isReadOnly());
     QVERIFY(fixture.editor.document()->toPlainText() == whole);
     QCOMPARE(fixture.editor.textCursor().position(), int(whole.size()) - 5);
     QCOMPARE(fixture.edited.size(), 1);
@@ -867,46 +879,172 @@ void NoteTextEditorTest::insertsManyLinesWhateverTheLineEndsAre()
     whole.replace(u"\n"_s, lineEnd);
     QVERIFY(fixture.editor.noteText() == whole);
     QVERIFY(fixture.followed == whole && fixture.fitsAlways);
-    QTRY_VERIFY(!fixture.editor.isReadOnly());
+    QTRY_VERIFY(!isComing(fixture.editor));
     QTest::keyClicks(&fixture.editor, u"!"_s);
     QVERIFY(fixture.editor.noteText() == whole + u'!');
     QVERIFY(fixture.followed == whole + u'!' && fixture.fitsAlways);
 }
 
-void NoteTextEditorTest::keepsWhatIsTypedMeanwhileForLater()
+void NoteTextEditorTest::takesInWhatIsTypedMeanwhile()
 {
     Fixture fixture;
     QVERIFY(fixture.show());
+    fixture.set(u"before "_s);
     const QString lines = u"one of many lines\n"_s.repeated(30'000);
     QGuiApplication::clipboard()->setText(lines);
     fixture.editor.paste();
-    QVERIFY(fixture.editor.isReadOnly());
 
     QTest::keyClicks(&fixture.editor, u"ab"_s);
     QTest::keyClick(&fixture.editor, Qt::Key_Backspace);
-    fixture.compose({}, u"法"_s);
-    QGuiApplication::clipboard()->setText(u"pasted"_s);
-    QTest::keySequence(&fixture.editor, QKeySequence::Paste);
-    QVERIFY(fixture.editor.noteText() == lines);
+    QTest::keyClick(&fixture.editor, Qt::Key_Return);
+    QTest::keyClicks(&fixture.editor, u"c"_s);
 
-    QTRY_COMPARE(fixture.editor.noteText().size(), lines.size() + 8);
-    QVERIFY(fixture.editor.noteText() == lines + u"a法pasted"_s);
-    QVERIFY(fixture.followed == fixture.editor.noteText());
+    const QString whole = u"before "_s + lines + u"a\nc"_s;
+    QVERIFY(isComing(fixture.editor));
+    QVERIFY(fixture.editor.noteText() == whole && fixture.followed == whole);
+    QCOMPARE(fixture.editor.document()->lastBlock().text(), u"c"_s);
+    QVERIFY(fixture.editor.viewport()->rect().contains(fixture.editor.cursorRect()));
+    QTRY_VERIFY(!isComing(fixture.editor));
+    QVERIFY(fixture.editor.document()->toPlainText() == whole);
+    QVERIFY(fixture.editor.noteText() == whole && fixture.followed == whole);
+    fixture.editor.undo();
+    QCOMPARE(fixture.editor.noteText(), u"before "_s);
+    fixture.editor.redo();
+    QVERIFY(fixture.editor.noteText() == whole && fixture.followed == whole);
 }
 
-void NoteTextEditorTest::takesWhatIsTypedMeanwhileWhenItIsLeft()
+void NoteTextEditorTest::keepsWhatNeedsAllLinesForLater()
 {
     Fixture fixture;
     QVERIFY(fixture.show());
     const QString lines = u"one of many lines\n"_s.repeated(30'000);
     QGuiApplication::clipboard()->setText(lines);
     fixture.editor.paste();
+    QGuiApplication::clipboard()->setText(u"pasted"_s);
+
+    fixture.compose({}, u"写"_s);
+    QTest::keySequence(&fixture.editor, QKeySequence::Paste);
+    QTest::keyClicks(&fixture.editor, u"b"_s);
+    QTest::keySequence(&fixture.editor, QKeySequence::MoveToStartOfDocument);
+    QTest::keyClicks(&fixture.editor, u"a"_s);
+    fixture.compose({}, u"法"_s);
+    QVERIFY(fixture.editor.noteText() == lines);
+
+    QTRY_COMPARE(fixture.editor.noteText().size(), lines.size() + 10);
+    QVERIFY(fixture.editor.noteText() == u"a法"_s + lines + u"写pastedb"_s);
+    QVERIFY(fixture.followed == fixture.editor.noteText() && fixture.fitsAlways);
+}
+
+void NoteTextEditorTest::replacesAllLinesOnceTheyAreThere()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    fixture.set(u"one of many lines\n"_s.repeated(30'000));
+
+    QTest::keySequence(&fixture.editor, QKeySequence::SelectAll);
+    QTest::keyClicks(&fixture.editor, u"all"_s);
+
+    QTRY_COMPARE(fixture.editor.noteText(), u"all"_s);
+    QCOMPARE(fixture.followed, u"all"_s);
+}
+
+void NoteTextEditorTest::copiesLinesThatAreStillToCome()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    QGuiApplication::clipboard()->setText(u"one of many lines\n"_s.repeated(30'000));
+    fixture.set(u"before"_s);
+    fixture.editor.paste();
+    QVERIFY(isComing(fixture.editor));
+    QTextCursor cursor = fixture.editor.textCursor();
+    cursor.select(QTextCursor::Document);
+    fixture.editor.setTextCursor(cursor);
+
+    fixture.editor.copy();
+
+    QVERIFY(isComing(fixture.editor));
+    QVERIFY(QGuiApplication::clipboard()->text() == fixture.editor.noteText());
+}
+
+void NoteTextEditorTest::staysExactWhateverIsEditedMeanwhile_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isPasted");
+
+    const QString line = u"line 骨 😀"_s;
+    QTest::newRow("opened") << (line + u'\n').repeated(6000) << false;
+    QTest::newRow("opened, CR LF") << (line + u"\r\n"_s).repeated(6000) << false;
+    QTest::newRow("opened, mixed") << (line + u"\r\n"_s + line + u'\n').repeated(3000) << false;
+    QTest::newRow("pasted") << u"before the paste and behind it"_s << true;
+    QTest::newRow("pasted, CR LF") << u"before\r\nthe paste\r\n and behind it"_s << true;
+    QTest::newRow("pasted, mixed") << u"before\r\nthe paste\n and behind it"_s << true;
+}
+
+void NoteTextEditorTest::staysExactWhateverIsEditedMeanwhile()
+{
+    QFETCH(const QString, text);
+    QFETCH(const bool, isPasted);
+    int editsMeanwhile = 0;
+    for (std::uint64_t seed = 1; seed <= 6; ++seed) {
+        Dice dice(seed);
+        Fixture fixture;
+        fixture.set(text);
+        QTextDocument &document = *fixture.editor.document();
+        if (isPasted) {
+            QTextCursor place(&document);
+            place.setPosition(10);
+            fixture.editor.setTextCursor(place);
+            QGuiApplication::clipboard()->setText(u"pasted line\n"_s.repeated(6000) + u"!"_s);
+            fixture.editor.paste();
+        }
+        while (isComing(fixture.editor)) {
+            // As assistive tools edit: anywhere, also across what is still to come.
+            const int size = document.characterCount() - 1;
+            const auto placeFrom = [&](int least, int most) {
+                return least +
+                       static_cast<int>(dice.below(static_cast<std::uint64_t>(most - least + 1)));
+            };
+            const int begin = placeFrom(0, size);
+            const int end =
+                dice.hasChance(90) ? std::min(size, begin + placeFrom(0, 30)) : placeFrom(0, size);
+            QTextCursor cursor(&document);
+            cursor.setPosition(begin);
+            cursor.setPosition(dice.hasChance(50) ? begin : end, QTextCursor::KeepAnchor);
+            cursor.insertText(dice.hasChance(30) ? QString() : u"new\ntext"_s);
+            ++editsMeanwhile;
+            QVERIFY2(fixture.followed == fixture.editor.noteText() && fixture.fitsAlways,
+                     qPrintable(u"seed %1"_s.arg(seed)));
+            QCoreApplication::processEvents();
+        }
+        const QString whole = document.toPlainText();
+        QCOMPARE(DocumentText::paragraphs(fixture.editor.noteText()), whole);
+        while (document.isUndoAvailable())
+            fixture.editor.undo();
+        if (isPasted)
+            QCOMPARE(DocumentText::paragraphs(fixture.editor.noteText()),
+                     DocumentText::paragraphs(text));
+        while (document.isRedoAvailable())
+            fixture.editor.redo();
+        QCOMPARE(DocumentText::paragraphs(fixture.editor.noteText()), whole);
+        QVERIFY(fixture.followed == fixture.editor.noteText() && fixture.fitsAlways);
+    }
+    QVERIFY(editsMeanwhile > 6);
+}
+
+void NoteTextEditorTest::takesWhatWaitsForAllLinesWhenItIsLeft()
+{
+    Fixture fixture;
+    QVERIFY(fixture.show());
+    const QString lines = u"one of many lines\n"_s.repeated(30'000);
+    QGuiApplication::clipboard()->setText(lines);
+    fixture.editor.paste();
+    QTest::keySequence(&fixture.editor, QKeySequence::MoveToStartOfDocument);
     QTest::keyClicks(&fixture.editor, u"ab"_s);
     QVERIFY(fixture.editor.noteText() == lines);
 
     Composition::endIn(fixture.editor);
 
-    QVERIFY(fixture.editor.noteText() == lines + u"ab"_s);
+    QVERIFY(fixture.editor.noteText() == u"ab"_s + lines);
     QVERIFY(fixture.followed == fixture.editor.noteText());
 }
 
@@ -922,7 +1060,7 @@ void NoteTextEditorTest::opensManyLinesFromTheirEnd()
     QVERIFY(fixture.editor.noteText() == lines);
     QVERIFY(fixture.editor.viewport()->rect().contains(fixture.editor.cursorRect()));
     const QRect caret = fixture.editor.cursorRect();
-    QTRY_VERIFY(!fixture.editor.isReadOnly());
+    QTRY_VERIFY(!isComing(fixture.editor));
     QVERIFY(fixture.editor.document()->toPlainText() == lines);
     QCOMPARE(fixture.editor.cursorRect(), caret);
     QCOMPARE(fixture.edited.size(), 0);
@@ -936,11 +1074,11 @@ void NoteTextEditorTest::givesUpLinesOfAnEarlierText()
 {
     Fixture fixture;
     fixture.set(u"one of many lines\n"_s.repeated(30'000));
-    QVERIFY(fixture.editor.isReadOnly());
+    QVERIFY(isComing(fixture.editor));
 
     fixture.set(u"another note"_s);
 
-    QVERIFY(!fixture.editor.isReadOnly());
+    QVERIFY(!isComing(fixture.editor));
     QCOMPARE(fixture.editor.document()->toPlainText(), u"another note"_s);
     QTest::keyClicks(&fixture.editor, u"!"_s);
     QCOMPARE(fixture.followed, u"another note!"_s);

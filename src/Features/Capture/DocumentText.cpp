@@ -107,7 +107,8 @@ void DocumentText::set(const QString &text)
     }
 }
 
-TextChange DocumentText::follow(const QTextDocument &document, int from, int removed, int added)
+TextChange DocumentText::follow(const QTextDocument &document, int from, int removed, int added,
+                                const DocumentGap &gap)
 {
     // The end of the last paragraph is a character to the document alone.
     const int end = document.characterCount() - 1;
@@ -118,18 +119,30 @@ TextChange DocumentText::follow(const QTextDocument &document, int from, int rem
         // Formats alone are no reason to give up what the line ends were.
         DocumentText before;
         before.set(withLineEnds(m_text, m_lineEnd));
-        if (before.follow(document, from, removed, added).isEmpty())
+        if (before.follow(document, from, removed, added, gap).isEmpty())
             return {};
         m_isMixed = false;
         const QString old = std::exchange(m_text, before.m_text);
         return trimmed({0, old, m_text});
     }
-    const qsizetype position = placeOf(document, from);
+    const qsizetype position = placeOf(document, from, gap);
+    const bool surroundsGap =
+        !gap.text.isEmpty() && from <= gap.position && gap.position <= from + added;
+    const qsizetype characters = removed + (surroundsGap ? gap.text.size() : 0);
     qsizetype endOfRemoved = position;
-    for (int i = 0; i < removed && endOfRemoved < m_text.size(); ++i)
+    for (qsizetype i = 0; i < characters && endOfRemoved < m_text.size(); ++i)
         endOfRemoved += m_lineEnd.size() == 1 ? 1 : lineEndAt(m_text, endOfRemoved).size();
-    const TextChange change = trimmed({position, m_text.sliced(position, endOfRemoved - position),
-                                       read(document, from, added, m_lineEnd)});
+    QString now;
+    if (surroundsGap) {
+        const int before = gap.position - from;
+        now = read(document, from, before, m_lineEnd) +
+              withLineEnds(gap.text.toString(), m_lineEnd) +
+              read(document, gap.position, added - before, m_lineEnd);
+    } else {
+        now = read(document, from, added, m_lineEnd);
+    }
+    const TextChange change =
+        trimmed({position, m_text.sliced(position, endOfRemoved - position), now});
     if (!change.isEmpty())
         change.applyTo(m_text);
     return change;
@@ -146,11 +159,16 @@ TextChange DocumentText::insert(const QTextDocument &document, int at, const QSt
     return isWhole ? TextChange{0, old, m_text} : change;
 }
 
-qsizetype DocumentText::placeOf(const QTextDocument &document, int position) const
+qsizetype DocumentText::placeOf(const QTextDocument &document, int position,
+                                const DocumentGap &gap) const
 {
+    const QStringView missing = position > gap.position ? gap.text : QStringView();
+    const qsizetype place = position + missing.size();
     // A line end of two characters is one to the document.
     const qsizetype more = m_lineEnd.size() - 1;
-    return position + (more == 0 ? 0 : more * document.findBlock(position).blockNumber());
+    if (more == 0)
+        return place;
+    return place + more * (document.findBlock(position).blockNumber() + missing.count(u'\n'));
 }
 
 QString DocumentText::paragraphs(const QString &text)

@@ -7,6 +7,12 @@
 
 class QTextDocument;
 
+/// A place of a document at which a part of the text is still to come into it.
+struct DocumentGap {
+    int position = 0;
+    QStringView text; ///< With LF at the end of each paragraph.
+};
+
 /// The text of a document character by character, which follows it change by change: what a key
 /// costs does not depend on how long the text is.
 ///
@@ -20,10 +26,12 @@ public:
     void set(const QString &text);
 
     /// Takes over what QTextDocument::contentsChange() told, and gives what it was in the text:
-    /// nothing when it was formats alone.
-    TextChange follow(const QTextDocument &document, int from, int removed, int added);
+    /// nothing when it was formats alone. The gap is where it is after the change, and its text
+    /// stays, whatever was removed around it.
+    TextChange follow(const QTextDocument &document, int from, int removed, int added,
+                      const DocumentGap &gap = {});
 
-    /// The same for a text that is about to be inserted at that place of the document.
+    /// The same for a text that is about to be inserted at that place of a document without a gap.
     TextChange insert(const QTextDocument &document, int at, const QString &text);
 
     /// The text with LF at the end of each paragraph, as a document of such paragraphs is made.
@@ -31,7 +39,8 @@ public:
     [[nodiscard]] static QString paragraphsAt(const QTextDocument &document, int from, int length);
 
 private:
-    [[nodiscard]] qsizetype placeOf(const QTextDocument &document, int position) const;
+    [[nodiscard]] qsizetype placeOf(const QTextDocument &document, int position,
+                                    const DocumentGap &gap = {}) const;
 
     QString m_text;
     QString m_lineEnd = QStringLiteral("\n");

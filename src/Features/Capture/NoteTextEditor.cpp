@@ -52,6 +52,17 @@ void setMeasures(LevelTextLayout &layout, const QFont &font)
                         Metrics::placeholderLeading, Metrics::placeholderTop});
 }
 
+/// It puts a letter, a line end or nothing in the place of what is selected.
+bool isTyping(const QKeyEvent &event)
+{
+    constexpr auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    if ((event.modifiers() & commands) != Qt::NoModifier)
+        return false;
+    return event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Return ||
+           event.key() == Qt::Key_Enter ||
+           (!event.text().isEmpty() && event.text().front().isPrint());
+}
+
 /// Where the last lines of a text begin, as many as are quickly inserted.
 qsizetype beginOfLastLines(const QString &text)
 {
@@ -138,9 +149,8 @@ void NoteTextEditor::showText(const QString &text)
         document()->setUndoRedoEnabled(true);
     m_isShowing = false;
     moveCursor(QTextCursor::End);
-    if (isAtOnce)
-        setEditable(true);
-    else
+    setEditable(true);
+    if (!isAtOnce)
         insertInSlices(0, text.first(begin));
     viewport()->update();
 }
@@ -154,23 +164,21 @@ void NoteTextEditor::setEditable(bool isEditable)
 
 void NoteTextEditor::insertInSlices(int at, const QString &text)
 {
-    setEditable(false);
     m_insertion = new SlicedInsertion(*document(), at, text, this);
     connect(m_insertion, &SlicedInsertion::finished, this, &NoteTextEditor::finishInsertion);
 }
 
-/// What was typed meanwhile comes now, in its order.
+/// What had to wait comes now, in its order.
 void NoteTextEditor::finishInsertion()
 {
     m_insertion->deleteLater();
     m_insertion = nullptr;
     document()->setUndoRedoEnabled(true);
-    setEditable(true);
     for (const auto &held : std::exchange(m_held, {}))
         held();
 }
 
-/// Who goes elsewhere has meant what was typed for this text.
+/// Who goes elsewhere has meant what waits for this text.
 void NoteTextEditor::takeHeld()
 {
     if (m_insertion && !m_held.empty())
@@ -191,7 +199,7 @@ bool NoteTextEditor::isBlank() const
 
 void NoteTextEditor::noteChange(int from, int removed, int added)
 {
-    if (m_isShowing || m_insertion || m_isForReading)
+    if (m_isShowing || m_isForReading || (m_insertion && m_insertion->isInserting()))
         return;
     if (m_change) {
         // What was put in the place of half a character is as long as it.
@@ -210,7 +218,7 @@ void NoteTextEditor::announceEdit()
     if (!m_change || replaceHalfCharacters(m_change->from - 1, m_change->added + 2))
         return;
     const DocumentChange told = *std::exchange(m_change, std::nullopt);
-    announce(m_text.follow(*document(), told.from, told.removed, told.added));
+    announce(m_text.follow(*document(), told.from, told.removed, told.added, gap()));
 }
 
 void NoteTextEditor::announce(const TextChange &change)
@@ -256,8 +264,9 @@ bool NoteTextEditor::replaceHalfCharacters(int from, int length)
 bool NoteTextEditor::hasRoomFor(const TextExtent &inserted) const
 {
     TextExtent extent = inserted;
-    extent.characters += document()->characterCount();
-    extent.lineEnds += document()->blockCount() - 1;
+    const QStringView missing = gap().text;
+    extent.characters += document()->characterCount() + missing.size();
+    extent.lineEnds += document()->blockCount() - 1 + missing.count(u'\n');
     extent.longestParagraph += textCursor().block().length();
     return extent.hasRoom();
 }
@@ -318,28 +327,65 @@ void NoteTextEditor::showEvent(QShowEvent *event)
     ensureCursorVisible();
 }
 
-/// Whether it would do something to the text, which is not to be changed at the moment: it comes
-/// when that is over.
+DocumentGap NoteTextEditor::gap() const
+{
+    return m_insertion ? m_insertion->gap() : DocumentGap();
+}
+
+/// The paragraphs that are selected, or those beside them, are not whole.
+bool NoteTextEditor::isAtGap() const
+{
+    const QTextCursor cursor = textCursor();
+    const QTextBlock before = document()->findBlock(cursor.selectionStart()).previous();
+    const QTextBlock behind = document()->findBlock(cursor.selectionEnd()).next();
+    const int position = gap().position;
+    return (!before.isValid() || before.position() <= position) &&
+           (!behind.isValid() || position < behind.position() + behind.length());
+}
+
+/// Whether it has to wait until the document has all of the text, or comes behind what waits.
 bool NoteTextEditor::holds(const QKeyEvent &event) const
 {
     if (!m_insertion || m_isForReading)
         return false;
-    constexpr std::array editing{QKeySequence::Undo,
-                                 QKeySequence::Redo,
-                                 QKeySequence::Cut,
-                                 QKeySequence::Delete,
-                                 QKeySequence::Paste,
-                                 QKeySequence::DeleteStartOfWord,
-                                 QKeySequence::DeleteEndOfWord,
-                                 QKeySequence::SelectAll};
     const auto matches = [&event](QKeySequence::StandardKey key) { return event.matches(key); };
-    const QString text = event.text();
-    constexpr auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    const bool isLetter = !text.isEmpty() && event.key() != Qt::Key_Escape &&
-                          (event.modifiers() & commands) == Qt::NoModifier;
-    return isLetter || std::ranges::any_of(editing, matches) || event.key() == Qt::Key_Left ||
-           event.key() == Qt::Key_Right || event.key() == Qt::Key_Up ||
-           event.key() == Qt::Key_Down || event.key() == Qt::Key_Home || event.key() == Qt::Key_End;
+    constexpr std::array needingAll{QKeySequence::Undo,
+                                    QKeySequence::Redo,
+                                    QKeySequence::SelectAll,
+                                    QKeySequence::MoveToStartOfDocument,
+                                    QKeySequence::MoveToEndOfDocument,
+                                    QKeySequence::SelectStartOfDocument,
+                                    QKeySequence::SelectEndOfDocument};
+    if (std::ranges::any_of(needingAll, matches))
+        return true;
+    const bool waits = !m_held.empty() || isAtGap();
+    constexpr std::array editing{QKeySequence::Cut, QKeySequence::Delete, QKeySequence::Paste,
+                                 QKeySequence::DeleteStartOfWord, QKeySequence::DeleteEndOfWord};
+    if (std::ranges::any_of(editing, matches))
+        return waits || document()->isUndoRedoEnabled();
+    constexpr std::array moving{Qt::Key_Left, Qt::Key_Right, Qt::Key_Up,
+                                Qt::Key_Down, Qt::Key_Home,  Qt::Key_End};
+    return waits && (isTyping(event) || std::ranges::count(moving, event.key()) > 0);
+}
+
+/// A key that is one step to undo with what is being pasted before it. Of another step of its own
+/// the paste would become two.
+bool NoteTextEditor::typeBehindPaste(const QKeyEvent &event)
+{
+    if (!m_insertion || m_isForReading || !document()->isUndoRedoEnabled() || !isTyping(event))
+        return false;
+    QTextCursor cursor = textCursor();
+    cursor.joinPreviousEditBlock();
+    if (event.key() == Qt::Key_Backspace)
+        cursor.deletePreviousChar();
+    else if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)
+        cursor.insertBlock();
+    else
+        cursor.insertText(event.text());
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+    ensureCursorVisible();
+    return true;
 }
 
 void NoteTextEditor::hold(const QEvent &event)
@@ -353,6 +399,8 @@ void NoteTextEditor::keyPressEvent(QKeyEvent *event)
 {
     if (holds(*event)) {
         hold(*event);
+        event->accept();
+    } else if (typeBehindPaste(*event)) {
         event->accept();
     } else if (isComposing() && event->key() == Qt::Key_Escape) {
         event->accept();
@@ -382,7 +430,8 @@ void NoteTextEditor::mouseReleaseEvent(QMouseEvent *event)
 
 void NoteTextEditor::inputMethodEvent(QInputMethodEvent *event)
 {
-    if (m_insertion && !m_isForReading) {
+    const bool isPaste = document()->isUndoRedoEnabled();
+    if (m_insertion && !m_isForReading && (isPaste || !m_held.empty() || isAtGap())) {
         hold(*event);
         return;
     }
@@ -473,6 +522,10 @@ void NoteTextEditor::contextMenuEvent(QContextMenuEvent *event)
 
 void NoteTextEditor::dropEvent(QDropEvent *event)
 {
+    if (m_insertion) {
+        event->ignore();
+        return;
+    }
     DropReader::handOver(*event, [this](QDropEvent &read) { QTextEdit::dropEvent(&read); });
     // Whoever drops text here goes on writing here.
     setFocus(Qt::MouseFocusReason);
@@ -481,8 +534,14 @@ void NoteTextEditor::dropEvent(QDropEvent *event)
 
 QMimeData *NoteTextEditor::createMimeDataFromSelection() const
 {
-    QString text = textCursor().selectedText();
-    text.replace(QChar(QChar::ParagraphSeparator), u'\n');
+    const int begin = textCursor().selectionStart();
+    const int end = textCursor().selectionEnd();
+    const DocumentGap missing = gap();
+    const int middle = std::clamp(missing.position, begin, end);
+    QString text = DocumentText::paragraphsAt(*document(), begin, middle - begin);
+    if (begin < missing.position && missing.position < end)
+        text += missing.text;
+    text += DocumentText::paragraphsAt(*document(), middle, end - middle);
     auto *copied = new QMimeData;
     copied->setText(text);
     return copied;
@@ -550,6 +609,11 @@ void NoteTextEditor::insertLong(const QString &text)
     textCursor().removeSelectedText();
     const int at = textCursor().position();
     const TextChange change = m_text.insert(*document(), at, text);
-    insertInSlices(at, DocumentText::paragraphs(text));
+    const QString paragraphs = DocumentText::paragraphs(text);
+    const qsizetype begin = beginOfLastLines(paragraphs);
+    m_isShowing = true;
+    textCursor().insertText(paragraphs.sliced(begin));
+    m_isShowing = false;
+    insertInSlices(at, paragraphs.first(begin));
     announce(change);
 }

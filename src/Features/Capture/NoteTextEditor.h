@@ -32,8 +32,9 @@ struct TextExtent;
 /// would make the text longer than TextExtent allows is not inserted, and a line below the text
 /// says so until the next edit. A note that is longer is shown for reading.
 ///
-/// A text of many lines comes into sight in slices, while the window answers; noteText() has all of
-/// it from the beginning. What is typed meanwhile comes behind it.
+/// Of a text of many lines the last come into sight at once and the others in slices, while it is
+/// edited; noteText() has all of it from the beginning. What needs all lines waits for them, and
+/// what comes behind that, too.
 class NoteTextEditor final : public QTextEdit {
     Q_OBJECT
 
@@ -96,12 +97,15 @@ private:
     [[nodiscard]] bool showsPlaceholder() const;
     void showText(const QString &text);
     void setEditable(bool isEditable);
+    [[nodiscard]] DocumentGap gap() const;
+    [[nodiscard]] bool isAtGap() const;
     void insertLong(const QString &text);
     void insertInSlices(int at, const QString &text);
     void finishInsertion();
     void takeHeld();
     [[nodiscard]] bool holds(const QKeyEvent &event) const;
     void hold(const QEvent &event);
+    [[nodiscard]] bool typeBehindPaste(const QKeyEvent &event);
     void noteChange(int from, int removed, int added);
     void announceEdit();
     void announce(const TextChange &change);
@@ -141,7 +145,7 @@ private:
     bool m_isShowing = false;
     bool m_isForReading = false;
 
-    /// While there is one, the document lacks some of the text and is not edited.
+    /// While there is one, the document lacks some of the text.
     QPointer<SlicedInsertion> m_insertion;
     std::vector<std::function<void()>> m_held;
 };

@@ -35,6 +35,11 @@ SlicedInsertion::SlicedInsertion(QTextDocument &document, int position, QString 
     m_timer.start(0);
 }
 
+DocumentGap SlicedInsertion::gap() const
+{
+    return {m_cursor.position(), QStringView(m_text).sliced(m_inserted)};
+}
+
 void SlicedInsertion::finish()
 {
     while (m_timer.isActive())
@@ -45,16 +50,15 @@ void SlicedInsertion::insertSlice()
 {
     QElapsedTimer time;
     time.start();
-    if (m_inserted == 0)
-        m_cursor.beginEditBlock();
-    else
-        m_cursor.joinPreviousEditBlock();
+    m_isInserting = true;
+    m_cursor.joinPreviousEditBlock();
     while (m_inserted < m_text.size() && time.elapsed() < slice) {
         const qsizetype end = endOfPiece(m_text, m_inserted);
         m_cursor.insertText(m_text.sliced(m_inserted, end - m_inserted));
         m_inserted = end;
     }
     m_cursor.endEditBlock();
+    m_isInserting = false;
     if (m_inserted == m_text.size()) {
         m_timer.stop();
         Q_EMIT finished();
