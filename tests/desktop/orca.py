@@ -26,10 +26,8 @@ def transcripts():
 
 
 def reliable(transcript):
-    """What is said every time. Orca 48 says the name of a window that comes back when it hears of it
-    before the focus, and a letter that was typed when it does not take it for a key in time."""
-    if transcripts().name == "debian-12":
-        return transcript
+    """What is said every time. The name of a window that comes back is when Orca hears of it before
+    the focus, and a letter that was typed by Orca 48 when it does not take it for a key in time."""
     first, line_end, rest = transcript.partition("Quillmark")
     rest = re.sub(r"^(Quillmark.*|.)\n", "", rest, flags=re.MULTILINE)
     return first + line_end + rest

@@ -270,7 +270,10 @@ void StorageRun::judgeFault(const Subject &subject, const Outcome &outcome)
         expected.required = 0;
     say("   afterwards");
     const StopCheck::Found found = m_check.find(m_disk.image(), expected, m_dice);
-    if (outcome.isDone && isSave(operation))
+    // A start that finds nothing in it that is not saved removes it as well.
+    const bool removesJournal =
+        isSave(operation) || (operation == Operation::load && m_state.shown() == m_state.saved);
+    if (outcome.isDone && removesJournal)
         m_hasOldJournal = !m_disk.namesAt(SimulatedFolder::journal).empty();
     for (const std::string &name : SimulatedFolder::names(m_disk, SimulatedFolder::stagePrefix))
         m_stages.insert(name);
