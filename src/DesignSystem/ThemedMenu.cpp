@@ -16,7 +16,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Draws the surface and the chosen item; the rest is the application's style.
+/// Draws the surface, its lines and the chosen item; the rest is the application's style.
 class MenuStyle final : public QProxyStyle {
 public:
     MenuStyle()
@@ -41,7 +41,17 @@ public:
         if (element == CE_MenuEmptyArea)
             return;
         const auto *const item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
-        if (element != CE_MenuItem || !item || !item->state.testFlag(State_Selected)) {
+        const bool isItem = element == CE_MenuItem && item;
+        if (isItem && item->menuItemType == QStyleOptionMenuItem::Separator) {
+            QRect line(
+                item->rect.adjusted(Metrics::menuItemRadius, 0, -Metrics::menuItemRadius, 0));
+            line.setTop(item->rect.center().y());
+            line.setHeight(Metrics::dividerThickness);
+            painter->fillRect(line,
+                              NoteTheme::color(item->palette, Tone::primary, Metrics::menuBorder));
+            return;
+        }
+        if (!isItem || !item->state.testFlag(State_Selected)) {
             QProxyStyle::drawControl(element, option, painter, widget);
             return;
         }

@@ -15,6 +15,7 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QScreen>
 #include <QTimer>
 #include <QWindow>
 #include <chrono>
@@ -194,11 +195,22 @@ void LauncherHitView::openMenu(QPoint place)
     // Closed by the pointer that leaves it, should it not get the keyboard.
     menu->installEventFilter(this);
     const bool isWindow = PanelHints::menusCanBeWindows();
-    if (isWindow)
+    if (isWindow) {
         menu->becomeWindow();
+        place.setY(besideLauncher(menu->sizeHint().height()));
+    }
     menu->popup(place);
     if (isWindow)
         PanelHints::activate(*menu);
+}
+
+/// The top of a menu that the launcher would cover, since it is above every window that has a
+/// manager.
+int LauncherHitView::besideLauncher(int height) const
+{
+    const int top = mapToGlobal(QPoint()).y();
+    const int bottom = top + this->height();
+    return bottom + height <= screen()->availableGeometry().bottom() ? bottom : top - height;
 }
 
 Point LauncherHitView::position(const QMouseEvent &event) const

@@ -50,6 +50,7 @@ protected:
 
 private:
     void openMenu(QPoint place);
+    [[nodiscard]] int besideLauncher(int height) const;
     [[nodiscard]] Point position(const QMouseEvent &event) const;
     [[nodiscard]] QString text(const QString &key) const;
     void render();

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <QTest>
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,6 +17,8 @@ private Q_SLOTS:
     void hasItsFontBeforeItIsPlaced();
     void followsItsOwnerWhileItIsOpen();
     void isRound();
+    void dividesItsItemsInBothSchemes_data();
+    void dividesItsItemsInBothSchemes();
 };
 
 void ThemedMenuTest::takesOverColorsAndLocaleEachTimeItOpens()
@@ -79,6 +82,37 @@ void ThemedMenuTest::isRound()
     QVERIFY(qAlpha(picture.pixel(0, 0)) < 40);
     const QPoint besideTheText(picture.width() / 2, menu.actionGeometry(item).top() + 2);
     QCOMPARE(picture.pixelColor(besideTheText).rgb(), NoteTheme::accent().rgb());
+}
+
+void ThemedMenuTest::dividesItsItemsInBothSchemes_data()
+{
+    QTest::addColumn<ColorScheme>("scheme");
+
+    QTest::newRow("light") << ColorScheme::light;
+    QTest::newRow("dark") << ColorScheme::dark;
+}
+
+void ThemedMenuTest::dividesItsItemsInBothSchemes()
+{
+    QFETCH(const ColorScheme, scheme);
+    FixedEnvironment environment(scheme);
+    ThemedMenu menu(&environment);
+    menu.addAction(u"New note"_s);
+    const QRect line = [&menu, separator = menu.addSeparator()] {
+        menu.addAction(u"Quit"_s);
+        menu.popup({});
+        return menu.actionGeometry(separator);
+    }();
+
+    const QImage picture = menu.grab().toImage();
+
+    const int ground = picture.pixelColor(line.center().x(), line.top() - 3).lightness();
+    int most = 0;
+    for (int y = line.top(); y <= line.bottom(); ++y) {
+        const int difference = picture.pixelColor(line.center().x(), y).lightness() - ground;
+        most = std::max(most, scheme == ColorScheme::dark ? difference : -difference);
+    }
+    QVERIFY2(most >= 15, qPrintable(QString::number(most)));
 }
 
 QTEST_MAIN(ThemedMenuTest)

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""A Wayland session: mutter without a screen, Xwayland inside it, and a native window in front.
+"""A Wayland session: mutter or GNOME Shell without a screen, Xwayland inside, and a native window in
+front.
 
 Mouse and keys come from mutter's interface for remote desktops, as from devices: unlike XTEST, which
 ends inside Xwayland, they go to whatever window the compositor gives them to.
@@ -36,10 +37,8 @@ _REACTION = 0.2
 class _Devices:
     """A session of mutter's for remote desktops."""
 
-    def __init__(self, address):
-        self._bus = Gio.DBusConnection.new_for_address_sync(
-            address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
-            | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+    def __init__(self, bus):
+        self._bus = bus
         path = self._call("/org/gnome/Mutter/RemoteDesktop", _REMOTE, "CreateSession")
         self._path = path.unpack()[0]
         self.do("Start")
@@ -51,9 +50,6 @@ class _Devices:
     def do(self, method, kinds=None, *values):
         arguments = GLib.Variant(kinds, values) if kinds else None
         self._call(self._path, _REMOTE + ".Session", method, arguments)
-
-    def close(self):
-        self._bus.close_sync(None)
 
 
 class RemoteMouse:
@@ -122,23 +118,37 @@ class NativeWindow:
 class WaylandDesktop(Desktop):
     """Its windows are those of Xwayland; native ones are seen by no X client."""
 
+    compositor = "mutter"
+
     def __init__(self):
         super().__init__("mutter")
 
-    @staticmethod
-    def is_available():
-        return all(map(shutil.which, ("mutter", "Xwayland", "foot")))
+    @classmethod
+    def is_available(cls):
+        return all(map(shutil.which, (cls.compositor, "Xwayland", "foot")))
+
+    def _spawn_compositor(self, *arguments):
+        self.spawn([self.compositor, "--wayland", "--headless", "--wayland-display=native",
+                    f"--virtual-monitor={self.width}x{self.height}", *arguments])
+
+    def _start_compositor(self, *program):
+        """Starts a program in its session."""
+        self._spawn_compositor("--", *program)
 
     def _start(self):
         self._prepare()
         self._start_bus()
+        self.bus = Gio.DBusConnection.new_for_address_sync(
+            self.environment["DBUS_SESSION_BUS_ADDRESS"],
+            Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
+            | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+        self._exits.callback(self.bus.close_sync, None)
         self.environment["XDG_SESSION_TYPE"] = "wayland"
         told = self.folder / "session"
         # What a program of the session is told, told further.
-        self.spawn(["mutter", "--wayland", "--headless", "--wayland-display=native",
-                    f"--virtual-monitor={self.width}x{self.height}", "--", "sh", "-c",
-                    'env >"$0.part"; mv "$0.part" "$0"; exec sleep infinity', str(told)])
-        until(told.exists, "the compositor has started", 30)
+        self._start_compositor("sh", "-c", 'env >"$0.part"; mv "$0.part" "$0"; exec sleep infinity',
+                               str(told))
+        until(told.exists, "the compositor has started", 60)
         session = dict(line.split("=", 1) for line in told.read_text(encoding="utf-8").splitlines())
         names = ("WAYLAND_DISPLAY", "DISPLAY", "XAUTHORITY")
         self.environment |= {name: session[name] for name in names}
@@ -146,7 +156,40 @@ class WaylandDesktop(Desktop):
             self.display = Xlib.display.Display(session["DISPLAY"])
         self._exits.callback(self.display.close)
         self.windows = Windows(self.display)
-        devices = _Devices(self.environment["DBUS_SESSION_BUS_ADDRESS"])
-        self._exits.callback(devices.close)
+        devices = _Devices(self.bus)
         self.mouse = RemoteMouse(devices)
         self.keyboard = RemoteKeyboard(devices)
+
+
+class GnomeShellDesktop(WaylandDesktop):
+    """GNOME Shell with its panel, by itself: without the rest of a GNOME session."""
+
+    compositor = "gnome-shell"
+
+    def _start_compositor(self, *program):
+        # Nobody answers for the system; the shell only wants a bus to ask on.
+        self.environment |= {"XDG_CURRENT_DESKTOP": "GNOME", "GSETTINGS_BACKEND": "memory",
+                             "DBUS_SYSTEM_BUS_ADDRESS":
+                             self.environment["DBUS_SESSION_BUS_ADDRESS"]}
+        self._spawn_compositor("--unsafe-mode")
+        until(lambda: self._evaluate("Main.layoutManager._startingUp") == "false",
+              "the shell has started", 60)
+        # RemoteMouse goes through a corner.
+        self._evaluate("new imports.gi.Gio.Settings({schema_id: 'org.gnome.desktop.interface'})"
+                       ".set_boolean('enable-hot-corners', false)")
+        self._evaluate("Main.overview.hide()")
+        until(lambda: self._evaluate("Main.overview.visible") == "false",
+              "its overview is gone")
+        self._evaluate(f"imports.gi.GLib.spawn_async(null, {list(program)}, null, "
+                       "imports.gi.GLib.SpawnFlags.SEARCH_PATH, null)")
+
+    def _evaluate(self, script):
+        """The result as JSON; None while nobody hears."""
+        try:
+            answer = self.bus.call_sync("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell",
+                                        "Eval", GLib.Variant("(s)", (script,)), None, 0, 30_000,
+                                        None)
+        except GLib.Error:
+            return None
+        is_done, result = answer.unpack()
+        return result if is_done else None
