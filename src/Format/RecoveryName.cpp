@@ -7,8 +7,10 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
+#include <cstdio>
+#include <memory>
 #include <optional>
+#include <string_view>
 
 namespace {
 
@@ -20,14 +22,21 @@ constexpr unsigned char belowVariant = 0x3F;
 
 using Mark = std::array<unsigned char, 8>;
 
+/// In hexadecimal digits; machine-id(5).
+constexpr int lengthOfId = 32;
+
 /// Empty where there is none.
 const std::string &computer()
 {
     static const std::string id = [] {
-        std::string line;
-        std::ifstream file("/etc/machine-id");
-        std::getline(file, line);
-        return line;
+        // A stream would try an interrupted read again without end.
+        const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(
+            std::fopen("/etc/machine-id", "re"), &std::fclose);
+        std::array<char, lengthOfId + 1> line{};
+        if (!file || !std::fgets(line.data(), line.size(), file.get()))
+            return std::string();
+        const std::string_view read(line.data());
+        return std::string(read.substr(0, read.find('\n')));
     }();
     return id;
 }

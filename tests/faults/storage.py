@@ -93,8 +93,11 @@ class Faults:
         command = [self.driver, operation, folder]
         if strace:
             command = ["strace", "-f", "-qq", "-e", "signal=none", *strace] + command
-        done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False,
-                              timeout=120, **options)
+        try:
+            done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                  check=False, timeout=120, **options)
+        except subprocess.TimeoutExpired as hang:
+            raise Broken(f"it does not end: {' '.join(map(str, command))}") from hang
         return Result(done.returncode, done.stdout.decode(errors="replace"))
 
     @contextlib.contextmanager
