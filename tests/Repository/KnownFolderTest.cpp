@@ -72,6 +72,7 @@ private Q_SLOTS:
     void isNoLonger_data();
     void isNoLonger();
     void refusesWhatIsNoFile();
+    void saysThatItCannotLook();
     void overlooksFilesOfOtherPrograms();
     void seesAChangeOfTheMarker();
     void seesAChangeWhoseTimeWasSetBack();
@@ -207,6 +208,14 @@ void KnownFolderTest::refusesWhatIsNoFile()
 
     QVERIFY(reason == Reason::notRegularFile);
     QCOMPARE(m_disk->takeReads(), 0);
+}
+
+void KnownFolderTest::saysThatItCannotLook()
+{
+    makeFolder(1);
+    m_disk->breakDown();
+
+    QVERIFY_THROWS_EXCEPTION(FileError, static_cast<void>(isStill(*m_loaded, Section::notes)));
 }
 
 void KnownFolderTest::overlooksFilesOfOtherPrograms()

@@ -5,6 +5,7 @@
 #include "DataFolder.h"
 #include "FileNames.h"
 #include "LocalNoteRepository.h"
+#include "NoteFolder.h"
 #include "Notes.h"
 #include "OtherProgram.h"
 #include "RecoveryName.h"
@@ -370,7 +371,9 @@ void TakeInTest::takesInATextThatIsNoNote()
 
 void TakeInTest::putsAwayWhatIsNoText()
 {
-    MemoryDisk disk = diskWith({{pathOf("Markdown/Notes/picture.md"), "\xff\xfe"}});
+    MemoryDisk disk = diskWith({{pathOf("Markdown/Notes/picture.md"), "\xff\xfe"},
+                                {pathOf(".quillmark-recovery-1/Notes/huge.md"),
+                                 std::string(NoteFolder::largestFile + 1, 'x')}});
     const Directory notes = Directory::openOrMake(disk, pathOf("Markdown/Notes"));
     QVERIFY(disk.makeSymbolicLink(notes.handle(), ".#plan.md", "anna@home.1:2"));
     QVERIFY(disk.makePipe(notes.handle(), "pipe.md"));

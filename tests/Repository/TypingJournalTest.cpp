@@ -100,6 +100,7 @@ private Q_SLOTS:
     void isTakenFromTheFolderThatWasWrittenLast();
     void saysWhyNoFolderTakesIt();
     void carriesHalfASurrogatePairAsAReplacement();
+    void isOneFileOfItsOwnBesideAnotherProgram();
     void canBeSynced();
     void readsWhatAnOlderVersionKeptOnce();
     void ignoresWhatAnOlderVersionLeftAfterASave();
@@ -528,6 +529,26 @@ void TypingJournalTest::carriesHalfASurrogatePairAsAReplacement()
     killed->keepTyped(snapshot, captureId);
 
     QCOMPARE(loaded().captureDraft, u"a\uFFFDb"_s);
+}
+
+void TypingJournalTest::isOneFileOfItsOwnBesideAnotherProgram()
+{
+    m_data.emplace();
+    const auto other = repository();
+    other->save(saved());
+    other->keepTyped(typed(), captureId);
+    const auto second = repository();
+    NoteSnapshot snapshot = saved();
+    snapshot.captureDraft = u"first"_s;
+    second->keepTyped(snapshot, captureId);
+    const auto path = second->typedPath();
+
+    snapshot.captureDraft = u"first and second"_s;
+    second->keepTyped(snapshot, captureId);
+
+    QVERIFY(path && path != other->typedPath());
+    QVERIFY(second->typedPath() == path);
+    QCOMPARE(journalPaths().size(), 2);
 }
 
 void TypingJournalTest::canBeSynced()

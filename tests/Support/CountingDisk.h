@@ -3,6 +3,8 @@
 
 #include "ForwardingDisk.h"
 
+#include <cerrno>
+
 /// Counts how often a file is opened to be read, and how often one is looked at.
 class CountingDisk final : public ForwardingDisk {
 public:
@@ -15,8 +17,13 @@ public:
     Result<FileStatus> status(Handle folder, const char *name) noexcept override
     {
         ++m_looks;
+        if (m_isBroken)
+            return Failure::system(EIO);
         return ForwardingDisk::status(folder, name);
     }
+
+    /// Nothing can be looked at from now on.
+    void breakDown() noexcept { m_isBroken = true; }
 
     /// False as on a network.
     void setReliableTimes(bool isReliable) noexcept { m_hasReliableTimes = isReliable; }
@@ -33,4 +40,5 @@ private:
     int m_reads = 0;
     int m_looks = 0;
     bool m_hasReliableTimes = true;
+    bool m_isBroken = false;
 };
