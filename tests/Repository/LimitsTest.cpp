@@ -75,6 +75,7 @@ private Q_SLOTS:
     void keepsTheLargestNoteAndRefusesALarger();
     void keepsTheLargestDraftAndRefusesALarger();
     void keepsTheMostNotesAndRefusesMore();
+    void looksAtADraftOfEveryNote();
     void keepsTheMostTextAndRefusesMore();
     void worksAtTheLongestPath();
     void refusesAPathThatNoCallTakes();
@@ -155,6 +156,33 @@ void LimitsTest::keepsTheMostNotesAndRefusesMore()
 
     fs::remove(data.path(noteFile(numberedId(1))));
     QVERIFY(LocalNoteRepository(data.fileURL()).load() == snapshot);
+}
+
+void LimitsTest::looksAtADraftOfEveryNote()
+{
+    const DataFolder data;
+    LocalNoteRepository(data.fileURL()).save({});
+    // One file under many names, and again another one: a file has not as many as are needed.
+    constexpr std::size_t mostNames = 50'000;
+    const auto nameOf = [](std::size_t number) {
+        const QUuid id(static_cast<uint>(number), 0x3C1D, 0x4E0A, 0x9C, 0x55, 0, 0, 0, 0, 0, 0);
+        return "Markdown/Drafts/" + canonicalText(id).toStdString() + ".md";
+    };
+    for (std::size_t i = 0; i < NoteFolder::mostNotes; ++i) {
+        if (i % mostNames == 0)
+            data.write(nameOf(i), "x");
+        else
+            fs::create_hard_link(data.path(nameOf(i - i % mostNames)), data.path(nameOf(i)));
+    }
+
+    // There are no such notes; but that is found only where the drafts are looked at.
+    const auto refusal = thrown<RepositoryError>(
+        [&] { static_cast<void>(LocalNoteRepository(data.fileURL()).load()); });
+    QVERIFY(refusal.has_value());
+    QCOMPARE(refusal->reason(), Reason::invalidMarkdown);
+
+    data.write(nameOf(NoteFolder::mostNotes), "x");
+    QCOMPARE(failureOfLoad(data)->reason(), Reason::tooManyNotes);
 }
 
 void LimitsTest::keepsTheMostTextAndRefusesMore()

@@ -572,6 +572,8 @@ void LocalNoteRepositoryTest::keepsFilesOfOtherPrograms()
     data.write("Markdown/Notes/picture \xff.png", "3");
     data.write("Markdown/Drafts/capture.md.swp", "4");
     fs::create_symlink("/etc/hostname", data.path("Markdown/Notes/link"));
+    const std::string note = noteFile(numberedId(1));
+    data.write("Markdown/Old/" + note.substr(note.find('/') + 1), "of no note of ours");
     auto expected = data.content();
     expected["Markdown/Drafts/capture.md"] = "fnew";
     LocalNoteRepository repository(data.fileURL());
@@ -579,7 +581,15 @@ void LocalNoteRepositoryTest::keepsFilesOfOtherPrograms()
 
     snapshot.captureDraft = u"new"_s;
     repository.save(snapshot);
+    QCOMPARE(data.content(), expected);
 
+    snapshot.notes[0].body = u"b"_s;
+    snapshot.captureDraft = u"newer"_s;
+    repository.save(snapshot);
+    tidyUp(repository);
+
+    expected["Markdown/Drafts/capture.md"] = "fnewer";
+    expected[QByteArray::fromStdString(note)] = "f" + noteBytes(snapshot.notes[0]);
     QCOMPARE(data.content(), expected);
 }
 
