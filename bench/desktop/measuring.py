@@ -65,9 +65,9 @@ class Bench:
             program.stop()
         return home
 
-    def start(self, home):
-        return self.desktop.start_quillmark(self.quillmark, home,
-                                            QT_LINUX_ACCESSIBILITY_ALWAYS_ON=None)
+    def start(self, home, **environment):
+        return self.desktop.start_quillmark(
+            self.quillmark, home, **{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": None} | environment)
 
 
 def run(measure, window_manager="openbox"):

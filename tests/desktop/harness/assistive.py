@@ -140,6 +140,7 @@ class ChangeListener:
         self._changes = []
         self._announced = []
         self._texts = []
+        self._count = 0
         for event in "object:property-change", "object:state-changed", "object:text-changed":
             bus.call("org.a11y.atspi.Registry", "/org/a11y/atspi/registry",
                      "org.a11y.atspi.Registry", "RegisterEvent",
@@ -155,6 +156,7 @@ class ChangeListener:
         try:
             if source.process() != self._process:
                 return
+            self._count += 1
             if signal == "TextChanged":
                 self._texts.append(kind)
             elif signal == "StateChanged" and kind == "showing":
@@ -172,6 +174,11 @@ class ChangeListener:
         context = GLib.MainContext.default()
         while context.pending():
             context.iteration(False)
+
+    def count(self):
+        """How often something was told until now, of whatever kind."""
+        self._listen()
+        return self._count
 
     def changes(self):
         """What was told until now: (kind, name or object)."""
