@@ -6,7 +6,6 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <map>
 #include <memory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -25,8 +24,6 @@ private Q_SLOTS:
     void followsTheSystemWithoutStoredValues();
     void readsTheStoredValues();
     void takesAnUnknownStoredValueForTheSystem();
-    void hasNoSystemLanguageInTheLocaleC_data();
-    void hasNoSystemLanguageInTheLocaleC();
     void followsTheSystemsLanguagesWhenTheyChange();
     void translatesPhrasesAndWritesNumbersOfTheLocale();
     void prefersGivenValuesAndStoresNothing();
@@ -66,35 +63,24 @@ void AppPreferencesTest::init()
 
 void AppPreferencesTest::listsTheChoicesInTheOrderOfTheMenu()
 {
-    QStringList languages;
-    for (const AppLanguage language : allAppLanguages)
-        languages << rawValue(language);
     QStringList appearances;
     for (const AppAppearance appearance : allAppAppearances)
         appearances << rawValue(appearance);
 
-    QCOMPARE(languages, (QStringList{u"system"_s, u"en"_s, u"zh-Hans"_s}));
     QCOMPARE(appearances, (QStringList{u"system"_s, u"light"_s, u"dark"_s}));
 }
 
 void AppPreferencesTest::makesAChoiceOnlyFromItsOwnRawValue()
 {
-    for (const AppLanguage language : allAppLanguages)
-        QCOMPARE(appLanguage(rawValue(language)), language);
     for (const AppAppearance appearance : allAppAppearances)
         QCOMPARE(appAppearance(rawValue(appearance)), appearance);
 
-    for (const char16_t *text : {u"", u"fr", u"EN", u"zh", u"zh-hans", u"System", u" dark"}) {
-        QVERIFY(!appLanguage(text));
+    for (const char16_t *text : {u"", u"Light", u"System", u" dark"})
         QVERIFY(!appAppearance(text));
-    }
 }
 
 void AppPreferencesTest::namesEachChoice()
 {
-    QCOMPARE(label(AppLanguage::system), u"Follow system"_s);
-    QCOMPARE(label(AppLanguage::english), u"English"_s);
-    QCOMPARE(label(AppLanguage::chinese), u"简体中文"_s);
     QCOMPARE(label(AppAppearance::system), u"Follow system"_s);
     QCOMPARE(label(AppAppearance::light), u"Light"_s);
     QCOMPARE(label(AppAppearance::dark), u"Dark"_s);
@@ -127,46 +113,6 @@ void AppPreferencesTest::readsTheStoredValues()
 
     QCOMPARE(preferences.language(), AppLanguage::chinese);
     QCOMPARE(preferences.appearance(), AppAppearance::dark);
-}
-
-void AppPreferencesTest::hasNoSystemLanguageInTheLocaleC_data()
-{
-    QTest::addColumn<QByteArray>("all");
-    QTest::addColumn<QByteArray>("messages");
-    QTest::addColumn<QByteArray>("lang");
-    QTest::addColumn<bool>("hasLanguage");
-    QTest::newRow("C") << QByteArray() << QByteArray() << QByteArray("C") << false;
-    QTest::newRow("POSIX") << QByteArray() << QByteArray() << QByteArray("POSIX") << false;
-    QTest::newRow("nothing set") << QByteArray() << QByteArray() << QByteArray() << false;
-    QTest::newRow("English") << QByteArray() << QByteArray() << QByteArray("en_US.UTF-8") << true;
-    QTest::newRow("messages in C")
-        << QByteArray() << QByteArray("C") << QByteArray("zh_CN.UTF-8") << false;
-    QTest::newRow("all in C") << QByteArray("C") << QByteArray("zh_CN.UTF-8")
-                              << QByteArray("zh_CN.UTF-8") << false;
-}
-
-void AppPreferencesTest::hasNoSystemLanguageInTheLocaleC()
-{
-    QFETCH(QByteArray, all);
-    QFETCH(QByteArray, messages);
-    QFETCH(QByteArray, lang);
-    QFETCH(bool, hasLanguage);
-    std::map<const char *, QByteArray> before;
-    for (const auto &[name, value] : std::map<const char *, QByteArray>{
-             {"LC_ALL", all}, {"LC_MESSAGES", messages}, {"LANG", lang}, {"LANGUAGE", "zh_CN"}}) {
-        before[name] = qgetenv(name);
-        qputenv(name, value);
-    }
-
-    const QStringList languages = systemLanguages();
-
-    for (const auto &[name, value] : before) {
-        if (value.isNull())
-            qunsetenv(name);
-        else
-            qputenv(name, value);
-    }
-    QCOMPARE(!languages.isEmpty(), hasLanguage);
 }
 
 void AppPreferencesTest::followsTheSystemsLanguagesWhenTheyChange()
