@@ -84,6 +84,7 @@ private Q_SLOTS:
     void followsWhatHappensBeforeTheSwap_data();
     void followsWhatHappensBeforeTheSwap();
     void takesBackWhatHappensInANewFolderThatIsTakenBack();
+    void removesAnOldFolderThatANoteWasTakenFrom();
     void carriesOverWhatComesIntoTheOldFolder();
     void keepsBothFilesOfOneName();
     void saysSoWhenTheFolderIsNeverQuiet();
@@ -218,6 +219,22 @@ void ForeignFilesTest::takesBackWhatHappensInANewFolderThatIsTakenBack()
     QVERIFY(!data.holds("Markdown/Notes/goes"));
     QCOMPARE(data.read(noteFile(changed.id)), noteBytes(changed) + " and theirs");
     QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void ForeignFilesTest::removesAnOldFolderThatANoteWasTakenFrom()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(oldNotes());
+    repository.save(newNotes());
+    const fs::path stage = data.path(old(data, ".quillmark-stage-"));
+
+    fs::rename(stage / fs::path(noteFile(changed.id)).lexically_relative("Markdown"),
+               data.path("taken.md"));
+    tidyUp(repository);
+
+    QCOMPARE(data.count(".quillmark-"), 0);
+    QCOMPARE(data.read("taken.md"), noteBytes(changed));
 }
 
 void ForeignFilesTest::carriesOverWhatComesIntoTheOldFolder()
