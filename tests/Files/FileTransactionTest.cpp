@@ -2,9 +2,9 @@
 #include "FileTransaction.h"
 
 #include "DataFolder.h"
+#include "ForwardingDisk.h"
 #include "RefusedCall.h"
 #include "RepositoryError.h"
-#include "SystemDisk.h"
 #include "Thrown.h"
 
 #include <QTest>
@@ -16,6 +16,27 @@ namespace {
 
 using Bytes = std::optional<std::string_view>;
 
+/// Knows whether there was a sync after the last rename.
+class SyncedDisk final : public ForwardingDisk {
+public:
+    Result<void> rename(Handle from, const char *name, Handle to, const char *newName,
+                        Rename how) noexcept override
+    {
+        m_isSynced = false;
+        return ForwardingDisk::rename(from, name, to, newName, how);
+    }
+    Result<void> sync(Handle handle) noexcept override
+    {
+        m_isSynced = true;
+        return ForwardingDisk::sync(handle);
+    }
+
+    [[nodiscard]] bool isSynced() const noexcept { return m_isSynced; }
+
+private:
+    bool m_isSynced = true;
+};
+
 /// A transaction over the file "Notes/note", hidden in the folder above, with all that must outlive
 /// it. The constructor makes the stage.
 class FileEdit {
@@ -25,14 +46,21 @@ public:
         , m_parent(Directory::openOrMake(m_disk, data.path("Notes")))
         , m_place{m_parent, m_hidden, "note", ".stage", ".recovery"}
         , m_hasOld(oldStatus(m_parent))
-        , m_transaction(m_place, bytes, oldStatus(m_parent))
+        , m_transaction(std::in_place, m_place, bytes, oldStatus(m_parent))
     {
+    }
+
+    /// Whether all renames are on the disk afterwards.
+    [[nodiscard]] bool isSyncedAtTheEnd()
+    {
+        m_transaction.reset();
+        return m_disk.isSynced();
     }
 
     /// With a check that reads the old file, where there is one.
     [[nodiscard]] bool commit(std::string_view expected = "old")
     {
-        return m_transaction.commit([&] {
+        return m_transaction->commit([&] {
             std::string bytes;
             const auto found = m_hidden.readFile(".recovery", 100, bytes);
             return !m_hasOld || (found && bytes == expected);
@@ -43,7 +71,7 @@ public:
     template <typename Action>
     [[nodiscard]] bool commitDuring(Action action, bool isSame = true)
     {
-        return m_transaction.commit([&] {
+        return m_transaction->commit([&] {
             action();
             return isSame;
         });
@@ -56,12 +84,12 @@ private:
         return found ? std::optional(*found) : std::nullopt;
     }
 
-    SystemDisk m_disk;
+    SyncedDisk m_disk;
     Directory m_hidden;
     Directory m_parent;
     SwapPlace m_place;
     const bool m_hasOld;
-    FileTransaction m_transaction;
+    std::optional<FileTransaction> m_transaction;
 };
 
 using Change = void (*)(const DataFolder &data);
@@ -364,8 +392,11 @@ void FileTransactionTest::keepsWhatWasWrittenIntoANewFileThatIsTakenBack()
     const DataFolder data;
     data.write("Notes/note", "old");
 
-    QVERIFY(!FileEdit(data, "new").commitDuring([&] { addFile(data); }, false));
+    FileEdit edit(data, "new");
 
+    QVERIFY(!edit.commitDuring([&] { addFile(data); }, false));
+
+    QVERIFY(edit.isSyncedAtTheEnd());
     QCOMPARE(
         data.content(),
         (DataFolder::Content{{"Notes", "d"}, {"Notes/note", "fold"}, {".recovery", "ftheirs"}}));
