@@ -12,6 +12,7 @@ private Q_SLOTS:
     void hasNeitherTitleNorExcerptWhenTheBodyIsOnlyLineBreaks();
     void passesOverEmptyLinesForTitleAndExcerpt();
     void takesALineOfSpacesAsTheTitleUntrimmed();
+    void takesALongLineToItsEnd();
     void hasNoExcerptWhenTheBodyIsOneLine();
     void saysWhetherThereIsAnExcerptWithoutMakingIt();
     void endsALineAtEachKindOfLineBreak_data();
@@ -53,6 +54,14 @@ void NoteTest::takesALineOfSpacesAsTheTitleUntrimmed()
 
     QCOMPARE(note.title(), u"   "_s);
     QCOMPARE(note.excerpt(), u"  second "_s);
+}
+
+void NoteTest::takesALongLineToItsEnd()
+{
+    for (int length = 0; length < 100; ++length) {
+        const QString title(length, u'x');
+        QCOMPARE(noteOf(u'x' + title + u'\n' + QString(64, u'y')).title(), u'x' + title);
+    }
 }
 
 void NoteTest::hasNoExcerptWhenTheBodyIsOneLine()

@@ -86,6 +86,7 @@ private Q_SLOTS:
     void takesBackWhatHappensInANewFolderThatIsTakenBack();
     void removesAnOldFolderThatANoteWasTakenFrom();
     void carriesOverWhatComesIntoTheOldFolder();
+    void givesWhatWasReplacedItsLaterName();
     void keepsBothFilesOfOneName();
     void saysSoWhenTheFolderIsNeverQuiet();
 };
@@ -256,6 +257,26 @@ void ForeignFilesTest::carriesOverWhatComesIntoTheOldFolder()
     QVERIFY(!data.holds("Markdown/Notes/moves"));
     QCOMPARE(data.count(".quillmark-"), 0);
     repository.save(oldNotes());
+}
+
+void ForeignFilesTest::givesWhatWasReplacedItsLaterName()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(oldNotes());
+    data.write("Markdown/Notes/list.txt", "first");
+    repository.save(newNotes());
+    const std::string stage = old(data, ".quillmark-stage-");
+
+    // A program that has held the folder open writes its file anew, and then renames what it finds.
+    data.write(stage + "/Notes/temporary", "second");
+    fs::rename(data.path(stage + "/Notes/temporary"), data.path(stage + "/Notes/list.txt"));
+    fs::rename(data.path("Markdown/Notes/list.txt"), data.path("Markdown/Notes/renamed.txt"));
+    tidyUp(repository);
+
+    QCOMPARE(data.read("Markdown/Notes/renamed.txt"), "second");
+    QVERIFY(!data.holds("Markdown/Notes/list.txt"));
+    QCOMPARE(data.count(".quillmark-"), 0);
 }
 
 void ForeignFilesTest::keepsBothFilesOfOneName()
