@@ -10,14 +10,22 @@ import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "desktop"))
-# The folder of notes as other means read it; the package itself would ask for a display.
+# The package itself would ask for a display.
 import importlib.util  # noqa: E402
 
-_file = pathlib.Path(__file__).resolve().parent.parent / "desktop/harness/notes.py"
-_spec = importlib.util.spec_from_file_location("notes", _file)
-notes = importlib.util.module_from_spec(_spec)
-sys.modules["notes"] = notes
-_spec.loader.exec_module(notes)
+
+def _load(name):
+    file = pathlib.Path(__file__).resolve().parent.parent / f"desktop/harness/{name}.py"
+    spec = importlib.util.spec_from_file_location(name, file)
+    module = importlib.util.module_from_spec(spec)
+    sys.modules[name] = module
+    spec.loader.exec_module(module)
+    return module
+
+
+# The folder of notes as other means read it.
+notes = _load("notes")
+surroundings = _load("surroundings")
 
 # What the manual page lists.
 DONE, WRONG, USAGE, BLANK, NOT_UTF8, LIMITS, FOLDER, RECOVERY = range(8)
@@ -35,10 +43,10 @@ class CommandLineTest(unittest.TestCase):
         self.program = _options.program
 
     def environment(self, **variables):
-        own = {"HOME": str(self.home), "PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8",
+        own = {"HOME": str(self.home), "LC_ALL": "C.UTF-8",
                "XDG_DATA_HOME": str(self.home / "data"), "XDG_STATE_HOME": str(self.home / "state"),
                "DBUS_SESSION_BUS_ADDRESS": "disabled:"}
-        return {**own, **variables}
+        return {**surroundings.kept(), **own, **variables}
 
     def command(self, *arguments):
         return [self.program, *arguments]

@@ -10,7 +10,7 @@ import subprocess
 import time
 import uuid
 
-from places import DataFolder, NoteFile, assistive, until
+from places import DataFolder, NoteFile, assistive, kept, until
 
 REFUSED, DONE = "refused", "done"
 
@@ -41,8 +41,8 @@ class Computer:
     def _environment(self):
         if self._desktop is not None:
             return self._desktop.environment_for(self.home)
-        return {"HOME": str(self.home), "PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8",
-                "DBUS_SESSION_BUS_ADDRESS": "disabled:"}
+        return kept() | {"HOME": str(self.home), "LC_ALL": "C.UTF-8",
+                         "DBUS_SESSION_BUS_ADDRESS": "disabled:"}
 
     def start_command(self, *arguments):
         return subprocess.Popen([self._program.with_name("quillmark-notes"), *arguments],

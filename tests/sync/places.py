@@ -10,5 +10,6 @@ sys.path.insert(0, str(_TESTS / "desktop"))
 from harness import Desktop, until  # noqa: E402
 from harness import assistive, processes  # noqa: E402
 from harness.notes import DataFolder, NoteFile  # noqa: E402
+from harness.surroundings import kept  # noqa: E402
 
-__all__ = ["DataFolder", "Desktop", "NoteFile", "assistive", "processes", "until"]
+__all__ = ["DataFolder", "Desktop", "NoteFile", "assistive", "kept", "processes", "until"]

@@ -12,7 +12,7 @@ import tempfile
 import Xlib.display
 import Xlib.error
 
-from . import assistive, processes
+from . import assistive, processes, surroundings
 from .input import Keyboard, Mouse
 from .pictures import Picture
 from .quillmark import Quillmark
@@ -116,10 +116,7 @@ class Desktop:
     def environment_for(self, home):
         """The environment of a program that keeps everything below the given home folder."""
         home = pathlib.Path(home)
-        kept = ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS",
-                "QUILLMARK_UNCONFINED")
-        environment = {key: os.environ[key] for key in kept if key in os.environ}
-        environment.update(getattr(self, "environment", {}))
+        environment = surroundings.kept() | getattr(self, "environment", {})
         folders = {"HOME": home, "XDG_DATA_HOME": home / ".local/share",
                    "XDG_CONFIG_HOME": home / ".config", "XDG_CACHE_HOME": home / ".cache"}
         for key, path in folders.items():
