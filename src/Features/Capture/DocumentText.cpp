@@ -27,6 +27,9 @@ QStringView lineEndAt(QStringView text, qsizetype at)
 
 QString withLineEnds(const QString &text, const QString &lineEnd)
 {
+    const auto isAsWanted = [](QChar c) { return c == u'\n' || !endsParagraph(c); };
+    if (lineEnd == "\n"_L1 && std::ranges::all_of(text, isAsWanted))
+        return text;
     QString result;
     result.reserve(text.size());
     qsizetype copied = 0;
