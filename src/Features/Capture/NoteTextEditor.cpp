@@ -60,7 +60,7 @@ bool isTyping(const QKeyEvent &event)
         return false;
     return event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Return ||
            event.key() == Qt::Key_Enter ||
-           (!event.text().isEmpty() && event.text().front().isPrint());
+           (!event.text().isEmpty() && event.text().front().category() != QChar::Other_Control);
 }
 
 /// Where the last lines of a text begin, as many as are quickly inserted.
