@@ -229,6 +229,7 @@ void OutsideChangeTest::offersNoReloadForADiskThatFails()
     QVERIFY(!m_store->deleteNote(note));
 
     QVERIFY(!m_store->canReload());
+    QVERIFY(!m_store->canTakeIn());
 }
 
 void OutsideChangeTest::takesInCopiesAndKeepsWhatIsTyped()
