@@ -58,10 +58,10 @@ FileTransaction::Stage::~Stage()
     if (isReleased || !status || !place.hidden.isAt(name, status->identity).valueOr(false))
         return;
     // While it was live for a moment, another program may have written into it.
-    if (isStill(place.hidden, name, *status))
-        static_cast<void>(place.hidden.unlink(name, FileKind::file));
-    else
+    if (!isStill(place.hidden, name, *status))
         keepForAttention(place);
+    else if (!mayBeLive)
+        static_cast<void>(place.hidden.unlink(name, FileKind::file));
 }
 
 FileTransaction::FileTransaction(const SwapPlace &place, std::optional<std::string_view> bytes,
@@ -76,7 +76,8 @@ FileTransaction::FileTransaction(const SwapPlace &place, std::optional<std::stri
 
 bool FileTransaction::commit(const std::function<bool()> &isAllSame)
 {
-    LiveSwap swap(m_stage.place, identityOf(m_oldStatus), identityOf(m_stage.status));
+    LiveSwap swap(m_stage.place, identityOf(m_oldStatus), identityOf(m_stage.status),
+                  m_stage.mayBeLive);
     if (!swap.perform() || !isAllSame())
         return false;
     swap.keep();

@@ -24,7 +24,7 @@ public:
     [[nodiscard]] bool commit(const std::function<bool()> &isAllSame);
 
 private:
-    /// The hidden file. Gone with this, unless it was released.
+    /// The hidden file. Gone with this, unless it was released or may be live.
     struct Stage {
         Stage(const SwapPlace &swapPlace, std::optional<std::string_view> bytes);
         Stage(const Stage &) = delete;
@@ -34,6 +34,7 @@ private:
         const SwapPlace &place;
         std::optional<FileStatus> status;
         bool isReleased = false;
+        bool mayBeLive = false; ///< As LiveSwap says.
     };
 
     void removeOldFile();

@@ -45,9 +45,12 @@ FolderTransaction::Stage::~Stage()
     // While it was live for a moment, another program may have written into it.
     const Disk::Handle twin = original ? original->handle() : -1;
     Disk &disk = folder.disk();
-    if (!isFinished || tree.settleCopy(disk, folder.handle(), twin).valueOr(true))
-        removeTree(disk, hidden.handle(), name);
-    else if (hidden.rename(name, hidden, place.recovery.c_str()))
+    if (!isFinished || tree.settleCopy(disk, folder.handle(), twin).valueOr(true)) {
+        if (!mayBeLive)
+            removeTree(disk, hidden.handle(), name);
+        return;
+    }
+    if (hidden.rename(name, hidden, place.recovery.c_str()))
         static_cast<void>(hidden.sync());
 }
 
@@ -85,7 +88,7 @@ bool FolderTransaction::commit(const std::function<bool()> &areOldFilesSame)
     LiveSwap swap(place,
                   original ? std::optional(original->orThrow(original->status()).identity)
                            : std::nullopt,
-                  m_stage.folder.orThrow(m_stage.folder.status()).identity);
+                  m_stage.folder.orThrow(m_stage.folder.status()).identity, m_stage.mayBeLive);
     if (!swap.perform())
         return false;
     if (original) {

@@ -43,7 +43,7 @@ public:
                                           std::string stageName, std::string recoveryName) noexcept;
 
 private:
-    /// The hidden folder. Gone with this, unless it was released.
+    /// The hidden folder. Gone with this, unless it was released or may be live.
     struct Stage {
         Stage(const SwapPlace &swapPlace, const Directory *originalFolder, FolderTree content);
         Stage(const Stage &) = delete;
@@ -57,6 +57,7 @@ private:
         std::optional<FileIdentity> identity;
         bool isFinished = false;
         bool isReleased = false;
+        bool mayBeLive = false; ///< As LiveSwap says.
     };
 
     void catchUp();

@@ -7,12 +7,13 @@
 #include <utility>
 
 LiveSwap::LiveSwap(const SwapPlace &place, std::optional<FileIdentity> oldOne,
-                   std::optional<FileIdentity> newOne) noexcept
+                   std::optional<FileIdentity> newOne, bool &mayBeLive) noexcept
     : m_place(place)
     , m_oldOne(oldOne)
     , m_newOne(newOne)
     , m_old(oldOne ? Spot::live : Spot::nowhere)
     , m_new(newOne ? Spot::stage : Spot::nowhere)
+    , m_mayBeLive(mayBeLive)
 {
 }
 
@@ -139,8 +140,8 @@ void LiveSwap::undo() noexcept
         static_cast<void>(moveOld(Spot::live));
     if (m_new == Spot::recovery)
         static_cast<void>(moveNew(Spot::stage));
-    if (hasMoved)
-        static_cast<void>(sync());
+    if (hasMoved && !sync())
+        m_mayBeLive = true;
 }
 
 Result<void> LiveSwap::tryExchange() noexcept

@@ -28,9 +28,11 @@ struct SwapPlace {
 class LiveSwap {
 public:
     /// Does nothing yet. There is no old one where nothing was live, and no new one where what is
-    /// live shall go. The place must outlive this.
+    /// live shall go. Becomes true: the new one has the stage's name again, but the disk may still
+    /// have it under the live one, so that none of it may be removed. The place and that must
+    /// outlive this.
     LiveSwap(const SwapPlace &place, std::optional<FileIdentity> oldOne,
-             std::optional<FileIdentity> newOne) noexcept;
+             std::optional<FileIdentity> newOne, bool &mayBeLive) noexcept;
     LiveSwap(const LiveSwap &) = delete;
     LiveSwap &operator=(const LiveSwap &) = delete;
 
@@ -75,6 +77,7 @@ private:
     const std::optional<FileIdentity> m_newOne;
     Spot m_old;
     Spot m_new;
+    bool &m_mayBeLive;
     bool m_canExchange = true;
     bool m_isDone = false;
 };

@@ -2,9 +2,9 @@
 #include "FileTransaction.h"
 
 #include "DataFolder.h"
-#include "ForwardingDisk.h"
 #include "RefusedCall.h"
 #include "RepositoryError.h"
+#include "SyncedDisk.h"
 #include "Thrown.h"
 
 #include <QTest>
@@ -15,27 +15,6 @@ namespace fs = std::filesystem;
 namespace {
 
 using Bytes = std::optional<std::string_view>;
-
-/// Knows whether there was a sync after the last rename.
-class SyncedDisk final : public ForwardingDisk {
-public:
-    Result<void> rename(Handle from, const char *name, Handle to, const char *newName,
-                        Rename how) noexcept override
-    {
-        m_isSynced = false;
-        return ForwardingDisk::rename(from, name, to, newName, how);
-    }
-    Result<void> sync(Handle handle) noexcept override
-    {
-        m_isSynced = true;
-        return ForwardingDisk::sync(handle);
-    }
-
-    [[nodiscard]] bool isSynced() const noexcept { return m_isSynced; }
-
-private:
-    bool m_isSynced = true;
-};
 
 /// A transaction over the file "Notes/note", hidden in the folder above, with all that must outlive
 /// it. The constructor makes the stage.
@@ -49,6 +28,8 @@ public:
         , m_transaction(std::in_place, m_place, bytes, oldStatus(m_parent))
     {
     }
+
+    void failSyncsAfter(int count) noexcept { m_disk.failSyncsAfter(count); }
 
     /// Whether all renames are on the disk afterwards.
     [[nodiscard]] bool isSyncedAtTheEnd()
@@ -157,6 +138,7 @@ private Q_SLOTS:
     void leavesAFileThatTookThePlaceOfTheNewOne_data();
     void leavesAFileThatTookThePlaceOfTheNewOne();
     void keepsWhatWasWrittenIntoANewFileThatIsTakenBack();
+    void keepsANewFileThatTheDiskMayHaveAsTheLiveOne();
     void keepsAnOldFileThatChangedAfterTheCheck_data();
     void keepsAnOldFileThatChangedAfterTheCheck();
     void leavesAnOldFileThatWasMovedAway();
@@ -400,6 +382,23 @@ void FileTransactionTest::keepsWhatWasWrittenIntoANewFileThatIsTakenBack()
     QCOMPARE(
         data.content(),
         (DataFolder::Content{{"Notes", "d"}, {"Notes/note", "fold"}, {".recovery", "ftheirs"}}));
+}
+
+void FileTransactionTest::keepsANewFileThatTheDiskMayHaveAsTheLiveOne()
+{
+    const DataFolder data;
+    data.write("Notes/note", "old");
+    {
+        FileEdit edit(data, "new");
+        // The exchange is on the disk by then, and that it is taken back is not.
+        constexpr int untilTheOldOneIsRenamed = 2;
+        const auto breakDown = [&] { edit.failSyncsAfter(untilTheOldOneIsRenamed); };
+
+        QVERIFY_EXCEPTION_THROWN(static_cast<void>(edit.commitDuring(breakDown)), FileError);
+    }
+
+    QCOMPARE(data.content(),
+             (DataFolder::Content{{"Notes", "d"}, {"Notes/note", "fold"}, {".stage", "fnew"}}));
 }
 
 void FileTransactionTest::keepsAnOldFileThatChangedAfterTheCheck_data()

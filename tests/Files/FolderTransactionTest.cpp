@@ -3,6 +3,7 @@
 
 #include "DataFolder.h"
 #include "FolderChange.h"
+#include "SyncedDisk.h"
 #include "Thrown.h"
 
 #include <QTest>
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void answersFalseWhenAnotherProgramChangedTheFolder_data();
     void answersFalseWhenAnotherProgramChangedTheFolder();
     void takesBackTheExchangeWhenAnotherProgramReplacedAFile();
+    void keepsANewFolderThatTheDiskMayHaveAsTheLiveOne();
     void leavesAFirstFolderThatAnotherProgramMade();
     void keepsWhatIsWrittenIntoAFileInBetween();
     void leavesAnOldStageWhereItIs();
@@ -415,6 +417,32 @@ void FolderTransactionTest::takesBackTheExchangeWhenAnotherProgramReplacedAFile(
 
     QCOMPARE(data.content(),
              (DataFolder::Content{{"Markdown", "d"}, {"Markdown/file", "ftheirs"}}));
+}
+
+void FolderTransactionTest::keepsANewFolderThatTheDiskMayHaveAsTheLiveOne()
+{
+    const DataFolder data;
+    data.write("Markdown/note", "old");
+    SyncedDisk disk;
+    const Directory parent = Directory::openOrMake(disk, data.path());
+    const Directory original = *parent.openFolder("Markdown");
+    const SwapPlace place{parent, parent, "Markdown", ".stage", ".recovery"};
+    const std::vector<FileChange> changes{{"", "note", "new"}};
+    {
+        FolderTransaction transaction(place, &original, FolderTree(original), changes, {});
+        // The exchange is on the disk by then, and that it is taken back is not.
+        const auto breakDown = [&] {
+            disk.failSyncsAfter(1);
+            return true;
+        };
+
+        QVERIFY_EXCEPTION_THROWN(static_cast<void>(transaction.commit(breakDown)), FileError);
+    }
+
+    QCOMPARE(data.content(), (DataFolder::Content{{"Markdown", "d"},
+                                                  {"Markdown/note", "fold"},
+                                                  {".stage", "d"},
+                                                  {".stage/note", "fnew"}}));
 }
 
 void FolderTransactionTest::leavesAFirstFolderThatAnotherProgramMade()
