@@ -190,11 +190,9 @@ private:
         if (before && !status(m_there, name) && !m_failure && m_disk.list(m_there, finder) &&
             finder.hasFound() && exchange(name, finder.found(), before->status))
             return true;
-        const Result<void> moved = renameToFreeName(m_disk, m_here, name, m_there, name);
-        if (moved || moved.failure().is(ENOENT))
-            return true;
-        if (!moved.failure().is(EEXIST))
-            return false;
+        const Result<void> moved = carryToFreeName(m_disk, m_here, name, m_there, name);
+        if (moved || !moved.failure().is(EEXIST))
+            return bool(moved);
         const std::optional<FileStatus> older = replaced(name);
         return (older && exchange(name, name, *older)) || (!m_failure && carryBeside(name));
     }
@@ -224,12 +222,9 @@ private:
             const int size = std::snprintf(other.data(), other.size(), "%s.~%d~", name, i);
             if (size < 0 || static_cast<std::size_t>(size) >= other.size())
                 return false;
-            const Result<void> moved =
-                renameToFreeName(m_disk, m_here, name, m_there, other.data());
-            if (moved || moved.failure().is(ENOENT))
-                return true;
-            if (!moved.failure().is(EEXIST))
-                return false;
+            const Result<void> moved = carryToFreeName(m_disk, m_here, name, m_there, other.data());
+            if (moved || !moved.failure().is(EEXIST))
+                return bool(moved);
         }
         return false;
     }
@@ -259,9 +254,9 @@ private:
         if (kind == FileKind::folder ? !isFolderAsThere(name) : !isAsThere(m_there, name, name))
             return !m_failure;
         m_hasCarried = true;
-        const Result<void> moved = renameToFreeName(m_disk, m_there, name, m_here, name);
+        const Result<void> moved = carryToFreeName(m_disk, m_there, name, m_here, name);
         if (!moved)
-            return moved.failure().is(ENOENT) || moved.failure().is(EEXIST);
+            return moved.failure().is(EEXIST);
         if (kind != FileKind::folder && !isAsThere(m_here, name, name))
             static_cast<void>(renameToFreeName(m_disk, m_here, name, m_there, name));
         return true;
@@ -395,5 +390,5 @@ Result<bool> FolderTree::settleFolder(const Settlement &how, Disk::Handle here, 
         return isSettled;
     // It went there and was used here.
     hasCarried = true;
-    return bool(renameToFreeName(how.disk, here, name, there, name));
+    return bool(carryToFreeName(how.disk, here, name, there, name));
 }

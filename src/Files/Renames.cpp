@@ -17,3 +17,13 @@ Result<void> renameToFreeName(Disk &disk, Disk::Handle from, const char *name, D
     return uninterrupted(
         [&] { return disk.rename(from, name, to, newName, Disk::Rename::replace); });
 }
+
+Result<void> carryToFreeName(Disk &disk, Disk::Handle from, const char *name, Disk::Handle to,
+                             const char *newName) noexcept
+{
+    const Result<void> moved = renameToFreeName(disk, from, name, to, newName);
+    if (moved || moved.failure().is(EEXIST))
+        return moved;
+    const auto here = uninterrupted([&] { return disk.status(from, name); });
+    return !here && here.failure().is(ENOENT) ? Result<void>() : moved;
+}

@@ -17,3 +17,8 @@
 /// follows then.
 Result<void> renameToFreeName(Disk &disk, Disk::Handle from, const char *name, Disk::Handle to,
                               const char *newName) noexcept;
+
+/// Moves an entry to another folder, where nothing has the new name: EEXIST otherwise. Moved is
+/// also what has left already, by another hand or although its rename is reported as failed.
+Result<void> carryToFreeName(Disk &disk, Disk::Handle from, const char *name, Disk::Handle to,
+                             const char *newName) noexcept;

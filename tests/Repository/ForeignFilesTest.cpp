@@ -3,6 +3,7 @@
 
 #include "DataFolder.h"
 #include "ForeignWriter.h"
+#include "ForwardingDisk.h"
 #include "Notes.h"
 #include "RacingDisk.h"
 #include "Thrown.h"
@@ -64,6 +65,22 @@ std::int64_t momentOfFiles()
     return now.tv_sec * 1'000'000'000LL + now.tv_nsec;
 }
 
+/// Renames, and reports that it could not.
+class LossyDisk final : public ForwardingDisk {
+public:
+    void loseAnswers() noexcept { m_losesAnswers = true; }
+
+    Result<void> rename(Handle from, const char *name, Handle to, const char *newName,
+                        Rename how) noexcept override
+    {
+        const Result<void> renamed = ForwardingDisk::rename(from, name, to, newName, how);
+        return renamed && m_losesAnswers ? Failure::system(EIO) : renamed;
+    }
+
+private:
+    bool m_losesAnswers = false;
+};
+
 /// Until what happens next to a file has another time than what happened last.
 void awaitTheNextMoment()
 {
@@ -88,6 +105,7 @@ private Q_SLOTS:
     void carriesOverWhatComesIntoTheOldFolder();
     void givesWhatWasReplacedItsLaterName();
     void keepsBothFilesOfOneName();
+    void carriesOverThoughTheAnswersAreLost();
     void saysSoWhenTheFolderIsNeverQuiet();
 };
 
@@ -290,6 +308,29 @@ void ForeignFilesTest::keepsBothFilesOfOneName()
 
     tidyUp(repository);
 
+    QCOMPARE(data.read("Markdown/Notes/list.txt"), "newer");
+    QCOMPARE(data.read("Markdown/Notes/list.txt.~1~"), "late");
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void ForeignFilesTest::carriesOverThoughTheAnswersAreLost()
+{
+    const DataFolder data;
+    LossyDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    data.write("Markdown/Notes/goes", "theirs");
+    repository.save(newNotes());
+    const std::string stage = old(data, ".quillmark-stage-");
+    data.write(stage + "/Notes/late", "theirs");
+    data.write(stage + "/Notes/list.txt", "late");
+    data.write("Markdown/Notes/list.txt", "newer");
+    fs::rename(data.path(stage + "/Notes/goes"), data.path("gone"));
+
+    disk.loseAnswers();
+    tidyUp(repository);
+
+    QCOMPARE(data.read("Markdown/Notes/late"), "theirs");
     QCOMPARE(data.read("Markdown/Notes/list.txt"), "newer");
     QCOMPARE(data.read("Markdown/Notes/list.txt.~1~"), "late");
     QCOMPARE(data.count(".quillmark-"), 0);
