@@ -187,7 +187,7 @@ void StorageRun::start()
     const Outcome outcome = attempt([&] { m_screen = inOrder(m_repository->load()); });
     if (!outcome.isDone)
         throw BrokenPromise{"The notes cannot be loaded: " + outcome.error};
-    if (m_screen != m_state.shown())
+    if (!isOnDisk(m_screen))
         throw BrokenPromise{"The notes are not what they were:\n" + describe(m_screen) +
                             "  instead of\n" + describe(m_state.shown())};
     m_captureId = m_repository->captureId().value_or(numberedId(++m_noteCount));
@@ -197,6 +197,14 @@ void StorageRun::start()
     m_state.kept.clear();
     if (m_repository->hasRestored())
         keepScreen();
+}
+
+/// Whether that is what a start finds there; it may find what was typed before, too, where that
+/// could not be removed.
+bool StorageRun::isOnDisk(const NoteSnapshot &loaded) const
+{
+    return loaded == m_state.shown() ||
+           (m_hasOldJournal && isSameButForTyping(loaded, m_state.saved, m_everKept));
 }
 
 std::unique_ptr<LocalNoteRepository> StorageRun::makeRepository()
@@ -392,9 +400,7 @@ void StorageRun::restart()
         start();
         return;
     }
-    const bool isOfOldJournal =
-        m_hasOldJournal && isSameButForTyping(*loaded, m_state.saved, m_everKept);
-    const bool isOld = *loaded != m_state.shown() && !isOfOldJournal;
+    const bool isOld = !isOnDisk(*loaded);
     m_known = isOld ? saved : m_state.saved;
     if (isOld && !isOfOther)
         throw BrokenPromise{"What was loaded is not what is on the disk:\n" + describe(*loaded) +

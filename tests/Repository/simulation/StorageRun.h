@@ -77,6 +77,7 @@ private:
     void capture();
     void renewCaptureId();
     [[nodiscard]] std::unique_ptr<LocalNoteRepository> makeRepository();
+    [[nodiscard]] bool isOnDisk(const NoteSnapshot &loaded) const;
     void keepScreen();
     void rememberKept(const StoredState &state);
     void saveEdit();
