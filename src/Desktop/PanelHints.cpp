@@ -118,6 +118,26 @@ bool PanelHints::menusCanBeWindows()
     return session && session->windowManager() != X11Session::wlroots;
 }
 
+void PanelHints::prepareMenu(QWidget &menu)
+{
+    if (X11Session *const session = X11Session::current()) {
+        menu.winId();
+        // The type of a menu would say that it wants none.
+        xcb_atom_t type = session->ewmh()._NET_WM_WINDOW_TYPE_NORMAL;
+        xcb_ewmh_set_wm_window_type(&session->ewmh(), X11Session::window(menu), 1, &type);
+    }
+}
+
+bool PanelHints::hasPointer()
+{
+    X11Session *const session = X11Session::current();
+    if (!session)
+        return false;
+    const auto request = xcb_query_pointer(session->connection(), session->root());
+    const auto pointer = owned(xcb_query_pointer_reply(session->connection(), request, nullptr));
+    return pointer && pointer->child != XCB_WINDOW_NONE;
+}
+
 void PanelHints::activate(QWidget &panel)
 {
     panel.raise();

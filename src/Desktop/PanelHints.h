@@ -45,6 +45,14 @@ void afterShowingEditor(QWidget &panel);
 /// keyboard: not with compositors of wlroots, which would put it into the middle of the screen.
 [[nodiscard]] bool menusCanBeWindows();
 
+/// What makes a compositor of wlroots give the keyboard to a menu that is no such window; before
+/// show().
+void prepareMenu(QWidget &menu);
+
+/// Whether the pointer is on a window of the X server, and not on a native one of a Wayland
+/// session.
+[[nodiscard]] bool hasPointer();
+
 /// Takes the keyboard for the panel, as the answer to what the user just did.
 void activate(QWidget &panel);
 

@@ -194,14 +194,32 @@ void LauncherHitView::openMenu(QPoint place)
     }
     // Closed by the pointer that leaves it, should it not get the keyboard.
     menu->installEventFilter(this);
-    const bool isWindow = PanelHints::menusCanBeWindows();
-    if (isWindow) {
+    place.setY(besideLauncher(menu->sizeHint().height()));
+    if (PanelHints::menusCanBeWindows()) {
         menu->becomeWindow();
-        place.setY(besideLauncher(menu->sizeHint().height()));
-    }
-    menu->popup(place);
-    if (isWindow)
+        menu->popup(place);
         PanelHints::activate(*menu);
+    } else {
+        PanelHints::prepareMenu(*menu);
+        menu->popup(place);
+        closeWithoutPointer(*menu);
+    }
+}
+
+/// Closes a menu that holds the keyboard by a grab once the pointer has gone to a native window,
+/// where no click can be seen.
+void LauncherHitView::closeWithoutPointer(QMenu &menu)
+{
+    auto *const timer = new QTimer(&menu);
+    const auto look = [&menu, wasHere = PanelHints::hasPointer(), misses = 0]() mutable {
+        const bool isHere = PanelHints::hasPointer();
+        wasHere |= isHere;
+        misses = isHere ? 0 : misses + 1;
+        if (wasHere && misses == 2)
+            menu.close();
+    };
+    connect(timer, &QTimer::timeout, &menu, look);
+    timer->start(menuPatience / 2);
 }
 
 /// The top of a menu that the launcher would cover, since it is above every window that has a

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 class AppPreferences;
+class QMenu;
 class ThemedMenu;
 class Screens;
 
@@ -50,6 +51,7 @@ protected:
 
 private:
     void openMenu(QPoint place);
+    static void closeWithoutPointer(QMenu &menu);
     [[nodiscard]] int besideLauncher(int height) const;
     [[nodiscard]] Point position(const QMouseEvent &event) const;
     [[nodiscard]] QString text(const QString &key) const;

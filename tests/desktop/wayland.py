@@ -6,7 +6,13 @@ import unittest
 from harness import DesktopTest, main, until
 from harness.input import Mouse
 from harness.waiting import holds_for
-from harness.wayland import GnomeShellDesktop, NativeWindow, WaylandDesktop
+from harness.wayland import (
+    GnomeShellDesktop,
+    KWinDesktop,
+    NativeWindow,
+    SwayDesktop,
+    WaylandDesktop,
+)
 
 
 class Wayland(DesktopTest):
@@ -16,7 +22,7 @@ class Wayland(DesktopTest):
     def setUpClass(cls):
         if not cls.make_desktop.is_available():
             raise unittest.SkipTest(
-                f"{cls.make_desktop.compositor}, Xwayland or foot is not installed")
+                f"{cls.make_desktop.compositor} or Xwayland is not installed")
         cls.desktop = cls.enterClassContext(cls.make_desktop())
 
     def setUp(self):
@@ -33,7 +39,17 @@ class Wayland(DesktopTest):
         self.keyboard.type("z")
         until(lambda: self.native.text().endswith("z"), "it has got all keys")
         self.typed = self.native.text()
-        self.quillmark = self.start()
+        self.quillmark = self.start_on_screen()
+
+    def start_on_screen(self):
+        """Starts the program and waits until the bubble can be clicked."""
+        before = self.desktop.picture()
+        quillmark = self.start()
+        centre = quillmark.launcher().centre()
+        # For X it is there earlier than for the compositor.
+        until(lambda: before is None or self.desktop.picture().colour(*centre)
+              != before.colour(*centre), "the compositor shows it")
+        return quillmark
 
     def expect_native_gets(self, text):
         """That it gets these keys, and has got no other ones."""
@@ -45,8 +61,11 @@ class Wayland(DesktopTest):
     def open_menu_of_bubble(self):
         self.mouse.click(self.quillmark.launcher().centre(), Mouse.RIGHT)
         menu = until(self.quillmark.popup, "the menu is open")
-        until(lambda: self.windows.has_input(menu.id), "it has the keyboard")
+        self.wait_for_keyboard(menu)
         return menu
+
+    def wait_for_keyboard(self, menu):
+        until(lambda: self.windows.has_input(menu.id), "it has the keyboard")
 
     def expect_closed(self):
         until(lambda: self.quillmark.popup() is None, "the menu is closed")
@@ -63,9 +82,9 @@ class Wayland(DesktopTest):
         self.expect_native_gets("b")
 
     def test_a_click_beside_the_editor_reaches_the_native_window(self):
-        self.write_settings({"launcher.x": 300, "launcher.y": 600})
         self.quillmark.stop()
-        self.quillmark = self.start()
+        self.write_settings({"launcher.x": 300, "launcher.y": 600})
+        self.quillmark = self.start_on_screen()
         x, y, width, height = self.quillmark.open_editor().rectangle()
 
         self.mouse.click((x + width + 12, y + height // 2))
@@ -87,7 +106,7 @@ class Wayland(DesktopTest):
     def test_the_menu_opens_above_a_bubble_at_the_bottom(self):
         self.quillmark.stop()
         self.write_settings({"launcher.x": 700, "launcher.y": 20})
-        self.quillmark = self.start()
+        self.quillmark = self.start_on_screen()
 
         menu = self.open_menu_of_bubble()
 
@@ -142,6 +161,22 @@ class Wayland(DesktopTest):
         self.keyboard.press("Escape")
         self.expect_closed()
 
+    def test_the_bubble_opens_the_editor_over_a_full_screen_window_or_is_there_again(self):
+        self.keyboard.press("F11")
+        self.expect_native_gets("f")
+
+        self.mouse.click(self.quillmark.launcher().centre())
+        until(self.quillmark.shows_editor, "the editor is open")
+        self.keyboard.type("t")
+
+        until(lambda: self.data.draft() == "t" or self.quillmark.shows_launcher(),
+              "the editor has the keys or has made room")
+        if self.quillmark.shows_editor():
+            self.keyboard.press("Escape")
+        self.quillmark.launcher()
+        self.typed = self.native.text()
+        self.expect_native_gets("b")
+
     def test_the_bubble_takes_no_keys(self):
         self.mouse.move(self.quillmark.launcher().centre())
 
@@ -151,6 +186,36 @@ class Wayland(DesktopTest):
 
 class GnomeShell(Wayland):
     make_desktop = GnomeShellDesktop
+
+
+class KWin(Wayland):
+    make_desktop = KWinDesktop
+
+
+class Sway(Wayland):
+    make_desktop = SwayDesktop
+
+    def wait_for_keyboard(self, menu):
+        """It holds it by a grab, which nobody sees but by its keys."""
+
+    test_the_menu_stays_while_it_has_the_keyboard = None
+    test_a_second_right_click_leaves_one_menu = None
+
+    def test_the_menu_closes_when_the_pointer_leaves(self):
+        self.open_menu_of_bubble()
+
+        self.mouse.move((400, 400))
+
+        self.expect_closed()
+        self.expect_native_gets("b")
+
+    def test_a_second_right_click_closes_the_menu(self):
+        self.open_menu_of_bubble()
+
+        self.mouse.click(self.quillmark.launcher().centre(), Mouse.RIGHT)
+
+        self.expect_closed()
+        self.expect_native_gets("b")
 
 
 if __name__ == "__main__":

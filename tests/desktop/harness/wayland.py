@@ -1,24 +1,29 @@
 # SPDX-License-Identifier: MIT
-"""A Wayland session: mutter or GNOME Shell without a screen, Xwayland inside, and a native window in
-front.
+"""A Wayland session, Xwayland inside, and a native window in front.
 
-Mouse and keys come from mutter's interface for remote desktops, as from devices: unlike XTEST, which
-ends inside Xwayland, they go to whatever window the compositor gives them to.
+mutter and GNOME Shell run without a screen. Mouse and keys come from their interface for remote
+desktops, as from devices: unlike XTEST on the display of Xwayland, which ends there, they go to
+whatever window the compositor gives them to. KWin and sway run in a window that fills a virtual X
+display, whose pointer and keys they take for their own.
 """
 
 import os
 import pathlib
 import shutil
+import subprocess
+import sys
 import time
 import unittest.mock
 
 import gi
 import Xlib.display
+import Xlib.protocol
 from Xlib import XK
 
 from . import processes
 from .desktop import Desktop
-from .input import Mouse
+from .input import Keyboard, Mouse
+from .pictures import Picture
 from .waiting import until
 from .windows import Windows
 
@@ -29,9 +34,25 @@ _REMOTE = "org.gnome.Mutter.RemoteDesktop"
 _BUTTONS = {Mouse.LEFT: 0x110, Mouse.RIGHT: 0x111, Mouse.MIDDLE: 0x112}
 _MODIFIERS = {"ctrl": "Control_L", "shift": "Shift_L"}
 
+# Who runs a compositor that refuses to be run by root.
+_NOBODY = 65534
+_LET_IN_EVERYBODY = """
+import sys
+from Xlib import X, display
+server = display.Display(sys.argv[1])
+server.set_access_control(X.DisableAccess)
+server.sync()
+"""
+
 # Between what is seen and what is done. The compositor finds out with the next picture what lies below
 # the pointer, and a window has the keyboard for X before it has it for the compositor.
 _REACTION = 0.2
+
+
+def _connect(display):
+    # Connections share a table of events, in which two servers number those of extensions differently.
+    Xlib.protocol.display.Display.event_classes = Xlib.protocol.event.event_class.copy()
+    return Xlib.display.Display(display)
 
 
 class _Devices:
@@ -98,18 +119,36 @@ class RemoteKeyboard:
                 self._key(ord(letter), is_down)
 
 
+class OuterMouse(Mouse):
+    def move(self, point):
+        super().move((point[0] - 1, point[1]))
+        super().move(point)
+        time.sleep(_REACTION)
+
+
+class OuterKeyboard(Keyboard):
+    def press(self, combination):
+        time.sleep(_REACTION)
+        super().press(combination)
+
+    def type(self, text):
+        time.sleep(_REACTION)
+        for letter in text:
+            super().press(letter)
+
+
 class NativeWindow:
-    """A terminal that speaks Wayland alone and keeps what is typed into it, letter by letter."""
+    """A window that speaks Wayland alone and keeps what is typed into it, letter by letter."""
 
     def __init__(self, desktop, folder):
         self._file = pathlib.Path(folder) / "typed"
-        self._terminal = desktop.spawn(
-            ["foot", "--window-size-pixels=700x500", "sh", "-c",
-             'stty -icanon -echo; exec cat >"$0"', str(self._file)])
+        program = pathlib.Path(__file__).parent / "native_window.py"
+        self._program = desktop.spawn(
+            [sys.executable, "-B", str(program), str(self._file), "700", "500"])
         until(self._file.exists, "the native window is open")
 
     def close(self):
-        processes.stop(self._terminal)
+        processes.stop(self._program)
 
     def text(self):
         return self._file.read_text(encoding="utf-8")
@@ -125,15 +164,23 @@ class WaylandDesktop(Desktop):
 
     @classmethod
     def is_available(cls):
-        return all(map(shutil.which, (cls.compositor, "Xwayland", "foot")))
+        return all(map(shutil.which, (cls.compositor, "Xwayland")))
 
     def _spawn_compositor(self, *arguments):
         self.spawn([self.compositor, "--wayland", "--headless", "--wayland-display=native",
                     f"--virtual-monitor={self.width}x{self.height}", *arguments])
 
-    def _start_compositor(self, *program):
+    def _start_compositor(self, program):
         """Starts a program in its session."""
-        self._spawn_compositor("--", *program)
+        self._spawn_compositor("--", program)
+
+    def picture(self):
+        """What the compositor shows; None where that is not seen."""
+        return None
+
+    def _make_input(self):
+        devices = _Devices(self.bus)
+        return RemoteMouse(devices), RemoteKeyboard(devices)
 
     def _start(self):
         self._prepare()
@@ -144,21 +191,28 @@ class WaylandDesktop(Desktop):
             | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
         self._exits.callback(self.bus.close_sync, None)
         self.environment["XDG_SESSION_TYPE"] = "wayland"
-        told = self.folder / "session"
-        # What a program of the session is told, told further.
-        self._start_compositor("sh", "-c", 'env >"$0.part"; mv "$0.part" "$0"; exec sleep infinity',
-                               str(told))
-        until(told.exists, "the compositor has started", 60)
-        session = dict(line.split("=", 1) for line in told.read_text(encoding="utf-8").splitlines())
+        session = self._start_session()
         names = ("WAYLAND_DISPLAY", "DISPLAY", "XAUTHORITY")
-        self.environment |= {name: session[name] for name in names}
-        with unittest.mock.patch.dict(os.environ, XAUTHORITY=session["XAUTHORITY"]):
-            self.display = Xlib.display.Display(session["DISPLAY"])
+        self.environment |= {name: session[name] for name in names if session.get(name)}
+        with unittest.mock.patch.dict(os.environ, XAUTHORITY=session.get("XAUTHORITY", "")):
+            self.display = _connect(session["DISPLAY"])
         self._exits.callback(self.display.close)
         self.windows = Windows(self.display)
-        devices = _Devices(self.bus)
-        self.mouse = RemoteMouse(devices)
-        self.keyboard = RemoteKeyboard(devices)
+        self.mouse, self.keyboard = self._make_input()
+
+    def _start_session(self):
+        """The environment of a program of the session."""
+        self._session_folder = self.folder / "session"
+        self._session_folder.mkdir(mode=0o700)
+        told = self._session_folder / "environment"
+        teller = self._session_folder / "tell"
+        teller.write_text(f"#!/bin/sh\nenv >{told}.part\nmv {told}.part {told}\n"
+                          "exec sleep infinity\n", encoding="utf-8")
+        teller.chmod(0o755)
+        self._start_compositor(str(teller))
+        until(told.exists, "the compositor has started", 60)
+        lines = told.read_text(encoding="utf-8").splitlines()
+        return dict(line.split("=", 1) for line in lines)
 
 
 class GnomeShellDesktop(WaylandDesktop):
@@ -166,7 +220,7 @@ class GnomeShellDesktop(WaylandDesktop):
 
     compositor = "gnome-shell"
 
-    def _start_compositor(self, *program):
+    def _start_compositor(self, program):
         # Nobody answers for the system; the shell only wants a bus to ask on.
         self.environment |= {"XDG_CURRENT_DESKTOP": "GNOME", "GSETTINGS_BACKEND": "memory",
                              "DBUS_SYSTEM_BUS_ADDRESS":
@@ -180,7 +234,7 @@ class GnomeShellDesktop(WaylandDesktop):
         self._evaluate("Main.overview.hide()")
         until(lambda: self._evaluate("Main.overview.visible") == "false",
               "its overview is gone")
-        self._evaluate(f"imports.gi.GLib.spawn_async(null, {list(program)}, null, "
+        self._evaluate(f"imports.gi.GLib.spawn_async(null, [{program!r}], null, "
                        "imports.gi.GLib.SpawnFlags.SEARCH_PATH, null)")
 
     def _evaluate(self, script):
@@ -193,3 +247,62 @@ class GnomeShellDesktop(WaylandDesktop):
             return None
         is_done, result = answer.unpack()
         return result if is_done else None
+
+
+class NestedDesktop(WaylandDesktop):
+    """In a window of another display."""
+
+    def _start_session(self):
+        self._outer_name = self.start_display()
+        self._outer = _connect(self._outer_name)
+        self._exits.callback(self._outer.close)
+        return super()._start_session()
+
+    def _spawn_nested(self, command, **environment):
+        settings = [f"{name}={value}" for name, value in environment.items()]
+        self.spawn(["env", f"DISPLAY={self._outer_name}", *settings, *command])
+
+    def picture(self):
+        return Picture.of_screen(self._outer, 0, 0, self.width, self.height)
+
+    def _make_input(self):
+        return OuterMouse(self._outer), OuterKeyboard(self._outer)
+
+
+class SwayDesktop(NestedDesktop):
+    compositor = "sway"
+
+    def _start_compositor(self, program):
+        settings = self._session_folder / "settings"
+        settings.write_text(f"output * resolution {self.width}x{self.height}\n"
+                            f"xwayland force\nexec {program}\n", encoding="utf-8")
+        command = ["sway", "--config", str(settings)]
+        if os.geteuid() == 0:
+            self.folder.chmod(0o711)
+            os.chown(self._session_folder, _NOBODY, _NOBODY)
+            command = ["setpriv", f"--reuid={_NOBODY}", f"--regid={_NOBODY}", "--clear-groups",
+                       *command]
+        self._spawn_nested(command, WLR_BACKENDS="x11", WLR_RENDERER="pixman",
+                           XDG_RUNTIME_DIR=self._session_folder)
+
+    def _start_session(self):
+        session = super()._start_session()
+        if os.geteuid() == 0:
+            # Xwayland lets in its own user alone.
+            subprocess.run([sys.executable, "-c", _LET_IN_EVERYBODY, session["DISPLAY"]],
+                           user=_NOBODY, check=True)
+        # Its runtime folder is not that of the programs.
+        native = self._session_folder / session["WAYLAND_DISPLAY"]
+        return session | {"WAYLAND_DISPLAY": str(native)}
+
+
+class KWinDesktop(NestedDesktop):
+    compositor = "kwin_wayland"
+
+    def _start_compositor(self, program):
+        # The installed one asks for a capability that a container has not to give. It finds its own
+        # part of the toolkit by its name.
+        own = shutil.copy(shutil.which(self.compositor), self._session_folder)
+        self._spawn_nested([own, "--x11-display", self._outer_name, "--width", str(self.width),
+                            "--height", str(self.height), "--xwayland", "--no-lockscreen",
+                            "--socket", "native", program], KWIN_COMPOSE="Q")
