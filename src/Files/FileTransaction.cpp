@@ -60,7 +60,7 @@ FileTransaction::Stage::~Stage()
     // While it was live for a moment, another program may have written into it.
     if (!isStill(place.hidden, name, *status))
         keepForAttention(place);
-    else if (!mayBeLive)
+    else if (!mayBeFound)
         static_cast<void>(place.hidden.unlink(name, FileKind::file));
 }
 
@@ -77,7 +77,7 @@ FileTransaction::FileTransaction(const SwapPlace &place, std::optional<std::stri
 bool FileTransaction::commit(const std::function<bool()> &isAllSame)
 {
     LiveSwap swap(m_stage.place, identityOf(m_oldStatus), identityOf(m_stage.status),
-                  m_stage.mayBeLive);
+                  m_stage.mayBeFound);
     if (!swap.perform() || !isAllSame())
         return false;
     swap.keep();

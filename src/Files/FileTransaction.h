@@ -34,7 +34,7 @@ private:
         const SwapPlace &place;
         std::optional<FileStatus> status;
         bool isReleased = false;
-        bool mayBeLive = false; ///< As LiveSwap says.
+        bool mayBeFound = false; ///< As LiveSwap says.
     };
 
     void removeOldFile();

@@ -46,7 +46,7 @@ FolderTransaction::Stage::~Stage()
     const Disk::Handle twin = original ? original->handle() : -1;
     Disk &disk = folder.disk();
     if (!isFinished || tree.settleCopy(disk, folder.handle(), twin).valueOr(true)) {
-        if (!mayBeLive)
+        if (!mayBeFound)
             removeTree(disk, hidden.handle(), name);
         return;
     }
@@ -88,7 +88,7 @@ bool FolderTransaction::commit(const std::function<bool()> &areOldFilesSame)
     LiveSwap swap(place,
                   original ? std::optional(original->orThrow(original->status()).identity)
                            : std::nullopt,
-                  m_stage.folder.orThrow(m_stage.folder.status()).identity, m_stage.mayBeLive);
+                  m_stage.folder.orThrow(m_stage.folder.status()).identity, m_stage.mayBeFound);
     if (!swap.perform())
         return false;
     if (original) {

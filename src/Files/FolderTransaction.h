@@ -57,7 +57,7 @@ private:
         std::optional<FileIdentity> identity;
         bool isFinished = false;
         bool isReleased = false;
-        bool mayBeLive = false; ///< As LiveSwap says.
+        bool mayBeFound = false; ///< As LiveSwap says.
     };
 
     void catchUp();

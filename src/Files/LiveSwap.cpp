@@ -7,13 +7,13 @@
 #include <utility>
 
 LiveSwap::LiveSwap(const SwapPlace &place, std::optional<FileIdentity> oldOne,
-                   std::optional<FileIdentity> newOne, bool &mayBeLive) noexcept
+                   std::optional<FileIdentity> newOne, bool &mayBeFound) noexcept
     : m_place(place)
     , m_oldOne(oldOne)
     , m_newOne(newOne)
     , m_old(oldOne ? Spot::live : Spot::nowhere)
     , m_new(newOne ? Spot::stage : Spot::nowhere)
-    , m_mayBeLive(mayBeLive)
+    , m_mayBeFound(mayBeFound)
 {
 }
 
@@ -130,7 +130,6 @@ void LiveSwap::undo() noexcept
 {
     if (std::exchange(m_isDone, true))
         return;
-    const bool hasMoved = (m_newOne && m_new != Spot::stage) || (m_oldOne && m_old != Spot::live);
     // Should anything below fail, it must not be under a name that nobody looks for.
     if (m_old == Spot::stage)
         static_cast<void>(moveOld(Spot::recovery));
@@ -140,8 +139,8 @@ void LiveSwap::undo() noexcept
         static_cast<void>(moveOld(Spot::live));
     if (m_new == Spot::recovery)
         static_cast<void>(moveNew(Spot::stage));
-    if (hasMoved && !sync())
-        m_mayBeLive = true;
+    if (m_hasRenamed && !sync())
+        m_mayBeFound = true;
 }
 
 Result<void> LiveSwap::tryExchange() noexcept
@@ -149,6 +148,7 @@ Result<void> LiveSwap::tryExchange() noexcept
     // Never simply repeated: a network file system may report an interruption of an exchange that
     // took place, and a second one would take it back.
     constexpr int mostTries = 100;
+    m_hasRenamed = true;
     // The system tells those who watch the folders of two renames, that of what is named first
     // before the other. So the live name goes and comes, and is not the one that has gone last.
     const auto [live, aside] =
@@ -188,6 +188,7 @@ Result<void> LiveSwap::moveNew(Spot to) noexcept
 
 Result<void> LiveSwap::move(Spot from, Spot to) noexcept
 {
+    m_hasRenamed = true;
     // Hidden names are nobody else's. What has the live name by now would be lost without a word.
     if (to != Spot::live)
         return folder(from).rename(name(from), folder(to), name(to));

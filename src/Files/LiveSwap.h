@@ -29,10 +29,10 @@ class LiveSwap {
 public:
     /// Does nothing yet. There is no old one where nothing was live, and no new one where what is
     /// live shall go. Becomes true: the new one has the stage's name again, but the disk may still
-    /// have it under the live one, so that none of it may be removed. The place and that must
-    /// outlive this.
+    /// have it under one that is looked for, so that none of it may be removed. The place and that
+    /// must outlive this.
     LiveSwap(const SwapPlace &place, std::optional<FileIdentity> oldOne,
-             std::optional<FileIdentity> newOne, bool &mayBeLive) noexcept;
+             std::optional<FileIdentity> newOne, bool &mayBeFound) noexcept;
     LiveSwap(const LiveSwap &) = delete;
     LiveSwap &operator=(const LiveSwap &) = delete;
 
@@ -77,7 +77,8 @@ private:
     const std::optional<FileIdentity> m_newOne;
     Spot m_old;
     Spot m_new;
-    bool &m_mayBeLive;
+    bool &m_mayBeFound;
     bool m_canExchange = true;
+    bool m_hasRenamed = false; ///< Perhaps in vain.
     bool m_isDone = false;
 };

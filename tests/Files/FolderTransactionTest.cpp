@@ -31,6 +31,31 @@ bool setImmutable(const fs::path &path, bool isImmutable)
     return isSet;
 }
 
+/// Exchanges nothing, lets nobody move the live folder, and knows whether something was removed
+/// while a rename might still be lost.
+class StubbornDisk final : public SyncedDisk {
+public:
+    Result<void> rename(Handle from, const char *name, Handle to, const char *newName,
+                        Rename how) noexcept override
+    {
+        if (how == Rename::exchange)
+            return Failure::system(EINVAL);
+        if (std::string_view(name) == "Markdown")
+            return Failure::system(EACCES);
+        return SyncedDisk::rename(from, name, to, newName, how);
+    }
+    Result<void> unlink(Handle folder, const char *name, FileKind kind) noexcept override
+    {
+        m_hasRemovedTooEarly |= !isSynced();
+        return SyncedDisk::unlink(folder, name, kind);
+    }
+
+    [[nodiscard]] bool hasRemovedTooEarly() const noexcept { return m_hasRemovedTooEarly; }
+
+private:
+    bool m_hasRemovedTooEarly = false;
+};
+
 } // namespace
 
 class FolderTransactionTest : public QObject {
@@ -59,6 +84,7 @@ private Q_SLOTS:
     void answersFalseWhenAnotherProgramChangedTheFolder();
     void takesBackTheExchangeWhenAnotherProgramReplacedAFile();
     void keepsANewFolderThatTheDiskMayHaveAsTheLiveOne();
+    void removesNothingThatTheDiskMayHaveAsARecoveryCopy();
     void leavesAFirstFolderThatAnotherProgramMade();
     void keepsWhatIsWrittenIntoAFileInBetween();
     void leavesAnOldStageWhereItIs();
@@ -443,6 +469,26 @@ void FolderTransactionTest::keepsANewFolderThatTheDiskMayHaveAsTheLiveOne()
                                                   {"Markdown/note", "fold"},
                                                   {".stage", "d"},
                                                   {".stage/note", "fnew"}}));
+}
+
+void FolderTransactionTest::removesNothingThatTheDiskMayHaveAsARecoveryCopy()
+{
+    const DataFolder data;
+    data.write("Markdown/note", "old");
+    StubbornDisk disk;
+    const Directory parent = Directory::openOrMake(disk, data.path());
+    const Directory original = *parent.openFolder("Markdown");
+    const SwapPlace place{parent, parent, "Markdown", ".stage", ".recovery"};
+    const std::vector<FileChange> changes{{"", "note", "new"}};
+    {
+        FolderTransaction transaction(place, &original, FolderTree(original), changes, {});
+
+        QVERIFY_EXCEPTION_THROWN(static_cast<void>(transaction.commit([] { return true; })),
+                                 FileError);
+    }
+
+    QVERIFY(!disk.hasRemovedTooEarly());
+    QCOMPARE(data.content(), (DataFolder::Content{{"Markdown", "d"}, {"Markdown/note", "fold"}}));
 }
 
 void FolderTransactionTest::leavesAFirstFolderThatAnotherProgramMade()

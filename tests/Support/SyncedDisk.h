@@ -7,7 +7,7 @@
 #include <optional>
 
 /// Knows whether there was a sync after the last rename.
-class SyncedDisk final : public ForwardingDisk {
+class SyncedDisk : public ForwardingDisk {
 public:
     Result<void> rename(Handle from, const char *name, Handle to, const char *newName,
                         Rename how) noexcept override
