@@ -469,11 +469,8 @@ StorageRun::Edit StorageRun::foreignEdit()
         constexpr std::array<Edit::Way, 3> ways{Edit::Way::overwrite, Edit::Way::replace,
                                                 Edit::Way::remove};
         edit.way = ways.at(m_dice.below(ways.size()));
-        // Of a file that is copied nobody can tell by its times that it was written to, where they
-        // stand still.
-        const MemoryDisk::Abilities &abilities = m_disk.abilities();
-        if (edit.way == Edit::Way::overwrite && abilities.linkError != 0 &&
-            !abilities.hasReliableTimes)
+        // Where times stand still, nobody can tell which of two files was written to last.
+        if (edit.way == Edit::Way::overwrite && !m_disk.abilities().hasReliableTimes)
             edit.way = Edit::Way::replace;
         edit.path = std::next(m_foreign.begin(),
                               static_cast<std::ptrdiff_t>(m_dice.below(m_foreign.size())))
