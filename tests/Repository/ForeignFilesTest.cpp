@@ -11,6 +11,7 @@
 
 #include <QTest>
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <ctime>
 
@@ -105,6 +106,9 @@ private Q_SLOTS:
     void carriesOverWhatComesIntoTheOldFolder();
     void givesWhatWasReplacedItsLaterName();
     void keepsBothFilesOfOneName();
+    void takesAwayWhatIsUnchangedOnly_data();
+    void takesAwayWhatIsUnchangedOnly();
+    void keepsTheOldFolderForANameThatCannotGetLonger();
     void carriesOverThoughTheAnswersAreLost();
     void saysSoWhenTheFolderIsNeverQuiet();
 };
@@ -313,6 +317,59 @@ void ForeignFilesTest::keepsBothFilesOfOneName()
     QCOMPARE(data.count(".quillmark-"), 0);
 }
 
+void ForeignFilesTest::takesAwayWhatIsUnchangedOnly_data()
+{
+    QTest::addColumn<bool>("isAnother");
+
+    QTest::newRow("another one that looks the same") << true;
+    QTest::newRow("the same one, written to since") << false;
+}
+
+void ForeignFilesTest::takesAwayWhatIsUnchangedOnly()
+{
+    QFETCH(const bool, isAnother);
+    const DataFolder data;
+    RacingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    data.write("Markdown/Notes/list.txt", "first");
+    awaitTheNextMoment();
+    disk.afterNextSwap([&] {
+        const fs::path live = data.path("Markdown/Notes/list.txt");
+        if (isAnother) {
+            const fs::path temporary = data.path("temporary");
+            data.write("temporary", "later");
+            fs::last_write_time(temporary, fs::last_write_time(live));
+            fs::rename(temporary, live);
+        } else {
+            data.write("Markdown/Notes/list.txt", "later");
+        }
+        // A program that has held the folder open removes its file there.
+        fs::remove(data.path(old(data, ".quillmark-recovery-") + "/Notes/list.txt"));
+    });
+
+    repository.save(newNotes());
+    tidyUp(repository);
+
+    QCOMPARE(data.read("Markdown/Notes/list.txt"), "later");
+    QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void ForeignFilesTest::keepsTheOldFolderForANameThatCannotGetLonger()
+{
+    const DataFolder data;
+    LocalNoteRepository repository(data.fileURL());
+    repository.save(oldNotes());
+    repository.save(newNotes());
+    const std::string name = "/Notes/" + std::string(NAME_MAX, 'n');
+    data.write(old(data, ".quillmark-stage-") + name, "late");
+    data.write("Markdown" + name, "newer");
+
+    QCOMPARE(refusal([&] { tidyUp(repository); }), RepositoryError::recoveryRequired());
+    QCOMPARE(data.read("Markdown" + name), "newer");
+    QCOMPARE(data.read(old(data, ".quillmark-recovery-") + name), "late");
+}
+
 void ForeignFilesTest::carriesOverThoughTheAnswersAreLost()
 {
     const DataFolder data;
@@ -346,7 +403,9 @@ void ForeignFilesTest::saysSoWhenTheFolderIsNeverQuiet()
     repository.save(oldNotes());
     const auto before = data.content();
     bool isCopy = false;
+    int tries = 0;
     disk.beforeEverySwap([&] {
+        tries += isCopy ? 0 : 1;
         if (std::exchange(isCopy, !isCopy))
             return;
         const fs::path away = data.path().parent_path() / "away";
@@ -361,6 +420,7 @@ void ForeignFilesTest::saysSoWhenTheFolderIsNeverQuiet()
     QCOMPARE(error->reason(), Reason::busy);
     QCOMPARE(error->path(), data.path("Markdown"));
     QCOMPARE(data.content(), before);
+    QCOMPARE(tries, 20);
 }
 
 QTEST_GUILESS_MAIN(ForeignFilesTest)

@@ -186,6 +186,8 @@ class TakeInTest : public QObject {
 
 private Q_SLOTS:
     void findsNothingInAFolderThatIsAsItShouldBe();
+    void findsNothingAndMakesNothingWhereNothingIs();
+    void givesTheFirstOfTwoWholeCopiesTheirPlace();
     void makesANoteOfEachKindOfCopy_data();
     void makesANoteOfEachKindOfCopy();
     void keepsTheTimesOfACopy();
@@ -227,6 +229,33 @@ void TakeInTest::findsNothingInAFolderThatIsAsItShouldBe()
     MemoryDisk empty;
     OtherProgram(empty).makeFolder(dataFolder);
     QVERIFY(planOf(empty).isEmpty());
+}
+
+void TakeInTest::findsNothingAndMakesNothingWhereNothingIs()
+{
+    MemoryDisk empty;
+
+    QVERIFY(repositoryOn(empty).planTakeIn().isEmpty());
+
+    QVERIFY(!empty.statusAt(dataFolder));
+}
+
+void TakeInTest::givesTheFirstOfTwoWholeCopiesTheirPlace()
+{
+    const DataFolder data;
+    LocalNoteRepository(data.fileURL()).save(oldNotes());
+    std::filesystem::rename(data.path("Markdown"), data.path(".quillmark-recovery-1"));
+    // A real disk lists them in an order of its own.
+    for (const char number : std::string_view("23456789"))
+        std::filesystem::copy(data.path(".quillmark-recovery-1"),
+                              data.path(std::string(".quillmark-recovery-") + number),
+                              std::filesystem::copy_options::recursive);
+
+    const TakeInPlan plan = LocalNoteRepository(data.fileURL()).planTakeIn();
+
+    QCOMPARE(plan.steps.size(), std::size_t{9});
+    QCOMPARE(plan.steps[0].file.filename(), ".quillmark-recovery-1");
+    QCOMPARE(plan.steps[0].outcome, Outcome::restored);
 }
 
 void TakeInTest::makesANoteOfEachKindOfCopy_data()
