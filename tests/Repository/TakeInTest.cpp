@@ -200,6 +200,7 @@ private Q_SLOTS:
     void takesInATextThatIsNoNote();
     void putsAwayWhatIsNoText();
     void leavesAloneWhatRefusesNothing();
+    void tellsTheLockOfAnEditor();
     void takesWhatOnlyARecoveryCopyHas();
     void tellsARecoveryCopyOfAnotherComputer();
     void givesTheOnlyCopyTheirPlace();
@@ -422,6 +423,23 @@ void TakeInTest::leavesAloneWhatRefusesNothing()
                                 {notes + "Folder/todo.md", "text"}});
 
     QVERIFY(planOf(disk).isEmpty());
+}
+
+void TakeInTest::tellsTheLockOfAnEditor()
+{
+    const DataFolder data;
+    LocalNoteRepository(data.fileURL()).save(oldNotes());
+    const std::string lock = ".#" + nameOf(1) + ".md";
+    std::filesystem::create_symlink("anna@home.4711", data.path("Markdown/Notes/" + lock));
+    data.write("Markdown/Notes/todo.md", "text");
+
+    const TakeInPlan plan = LocalNoteRepository(data.fileURL()).planTakeIn();
+
+    QCOMPARE(plan.steps.size(), std::size_t{2});
+    for (const TakeInPlan::Step &step : plan.steps) {
+        const bool isLock = step.file.filename() == lock;
+        QCOMPARE(step.what.english().startsWith(u"The lock of an editor"), isLock);
+    }
 }
 
 void TakeInTest::takesWhatOnlyARecoveryCopyHas()

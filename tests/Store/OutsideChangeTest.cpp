@@ -42,6 +42,7 @@ private Q_SLOTS:
     void leavesEverythingWhenItCannotBeRead();
     void offersNoReloadForADiskThatFails();
     void takesInCopiesAndKeepsWhatIsTyped();
+    void saysThatItCouldNotReadWhenCopiesCannotBeTakenIn();
     void changesNothingWhenCopiesCannotBeTakenIn();
     void tellsOfCopiesThatKeepNothingFromBeingRead();
     void hearsThatCopiesAreGone();
@@ -251,6 +252,21 @@ void OutsideChangeTest::takesInCopiesAndKeepsWhatIsTyped()
     QCOMPARE(m_store->snapshot().notes, then.notes);
     QCOMPARE(m_store->draft(), u"ours"_s);
     QVERIFY(m_store->flush());
+}
+
+void OutsideChangeTest::saysThatItCouldNotReadWhenCopiesCannotBeTakenIn()
+{
+    const QString couldNotRead = u"Could not read your notes. Original files were protected."_s;
+    m_repository->failWith(FileError("/state", ENOSPC));
+    QVERIFY(!m_store->deleteNote(note));
+    QVERIFY(m_store->errorContext() != couldNotRead);
+
+    QVERIFY(!m_store->takeIn({}));
+    QCOMPARE(m_store->errorContext(), couldNotRead);
+
+    QVERIFY(!m_store->deleteNote(note));
+    QVERIFY(!m_store->planTakeIn());
+    QCOMPARE(m_store->errorContext(), couldNotRead);
 }
 
 void OutsideChangeTest::changesNothingWhenCopiesCannotBeTakenIn()
