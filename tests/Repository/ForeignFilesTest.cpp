@@ -101,6 +101,8 @@ private Q_SLOTS:
     void savesBesideABusyProgram();
     void followsWhatHappensBeforeTheSwap_data();
     void followsWhatHappensBeforeTheSwap();
+    void savesBesideAProgramThatNeverRests_data();
+    void savesBesideAProgramThatNeverRests();
     void takesBackWhatHappensInANewFolderThatIsTakenBack();
     void removesAnOldFolderThatANoteWasTakenFrom();
     void carriesOverWhatComesIntoTheOldFolder();
@@ -216,6 +218,31 @@ void ForeignFilesTest::followsWhatHappensBeforeTheSwap()
     QCOMPARE(found, theirs);
     QCOMPARE(LocalNoteRepository(data.fileURL()).load(), next);
     QCOMPARE(data.count(".quillmark-"), 0);
+}
+
+void ForeignFilesTest::savesBesideAProgramThatNeverRests_data()
+{
+    followsWhatHappensBeforeTheSwap_data();
+}
+
+void ForeignFilesTest::savesBesideAProgramThatNeverRests()
+{
+    QFETCH(const NoteSnapshot, next);
+    const DataFolder data;
+    RacingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    int count = 0;
+    disk.beforeEverySwap(
+        [&] { data.write("Markdown/Drafts/late " + std::to_string(++count), "theirs"); });
+
+    repository.save(next);
+    disk.beforeEverySwap({});
+    tidyUp(repository);
+
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), next);
+    for (int i = 1; i <= count; ++i)
+        QCOMPARE(data.read("Markdown/Drafts/late " + std::to_string(i)), "theirs");
 }
 
 void ForeignFilesTest::takesBackWhatHappensInANewFolderThatIsTakenBack()

@@ -98,6 +98,7 @@ private Q_SLOTS:
     void letsTheNotesOpenWhenItCannotBeRead();
     void goesToTheNextFolderWhenOneRefusesIt();
     void isTakenFromTheFolderThatWasWrittenLast();
+    void isTakenFromAnEarlierFolderThatWasWrittenLast();
     void saysWhyNoFolderTakesIt();
     void carriesHalfASurrogatePairAsAReplacement();
     void isOneFileOfItsOwnBesideAnotherProgram();
@@ -506,6 +507,28 @@ void TypingJournalTest::isTakenFromTheFolderThatWasWrittenLast()
     next.save(snapshot);
     QVERIFY(journalPaths().isEmpty());
     QVERIFY(std::filesystem::is_empty(m_data->path("second")));
+}
+
+void TypingJournalTest::isTakenFromAnEarlierFolderThatWasWrittenLast()
+{
+    m_data.emplace();
+    const LocalNoteRepository::Folders folders{m_data->path("journal"), m_data->path("second")};
+    StubbornDisk disk;
+    auto killed = std::make_unique<LocalNoteRepository>(m_data->fileURL(), disk, folders);
+    killed->save(saved());
+    NoteSnapshot snapshot = saved();
+
+    // The first folder takes nothing at first; later the second one lets go of nothing.
+    std::filesystem::create_symlink("nowhere", m_data->path("journal"));
+    snapshot.captureDraft = u"first"_s;
+    killed->keepTyped(snapshot, captureId);
+    std::filesystem::remove(m_data->path("journal"));
+    snapshot.captureDraft = u"second"_s;
+    killed->keepTyped(snapshot, captureId);
+    killed.reset();
+
+    QVERIFY(!std::filesystem::is_empty(m_data->path("second")));
+    QCOMPARE(LocalNoteRepository(m_data->fileURL(), folders).load(), snapshot);
 }
 
 void TypingJournalTest::saysWhyNoFolderTakesIt()
