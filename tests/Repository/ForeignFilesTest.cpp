@@ -82,6 +82,15 @@ private:
     bool m_losesAnswers = false;
 };
 
+/// Has no hard links.
+class CopyingDisk final : public RacingDisk {
+public:
+    Result<void> link(Handle /*from*/, Handle /*into*/, const char * /*name*/) noexcept override
+    {
+        return Failure::system(EOPNOTSUPP);
+    }
+};
+
 /// Until what happens next to a file has another time than what happened last.
 void awaitTheNextMoment()
 {
@@ -111,6 +120,8 @@ private Q_SLOTS:
     void takesAwayWhatIsUnchangedOnly_data();
     void takesAwayWhatIsUnchangedOnly();
     void keepsTheOldFolderForANameThatCannotGetLonger();
+    void copiesSymbolicLinksOnce_data();
+    void copiesSymbolicLinksOnce();
     void carriesOverThoughTheAnswersAreLost();
     void saysSoWhenTheFolderIsNeverQuiet();
 };
@@ -395,6 +406,35 @@ void ForeignFilesTest::keepsTheOldFolderForANameThatCannotGetLonger()
     QCOMPARE(refusal([&] { tidyUp(repository); }), RepositoryError::recoveryRequired());
     QCOMPARE(data.read("Markdown" + name), "newer");
     QCOMPARE(data.read(old(data, ".quillmark-recovery-") + name), "late");
+}
+
+void ForeignFilesTest::copiesSymbolicLinksOnce_data()
+{
+    QTest::addColumn<bool>("isTakenBack");
+
+    QTest::newRow("saved") << false;
+    QTest::newRow("taken back") << true;
+}
+
+void ForeignFilesTest::copiesSymbolicLinksOnce()
+{
+    QFETCH(const bool, isTakenBack);
+    const DataFolder data;
+    CopyingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    fs::create_symlink("elsewhere", data.path("Markdown/Notes/link"));
+    std::ofstream editor(data.path(noteFile(changed.id)), std::ios::app);
+    if (isTakenBack)
+        disk.afterNextSwap([&] { editor << " and theirs" << std::flush; });
+
+    QCOMPARE(refusal([&] { repository.save(newNotes()); }),
+             isTakenBack ? std::optional(RepositoryError::externalChange()) : std::nullopt);
+    tidyUp(repository);
+
+    QCOMPARE(fs::read_symlink(data.path("Markdown/Notes/link")), "elsewhere");
+    QVERIFY(!fs::is_symlink(data.path("Markdown/Notes/link.~1~")));
+    QCOMPARE(data.count(".quillmark-"), 0);
 }
 
 void ForeignFilesTest::carriesOverThoughTheAnswersAreLost()

@@ -78,6 +78,7 @@ private Q_SLOTS:
     void isWrittenForTheUserAloneAndNotBesideTheNotes();
     void isOfOneDataFolderOnly();
     void keepsTheLastOfIt();
+    void remembersWhichNoteItIsToBecome();
     void isWrittenAnewWhereItWasRemoved();
     void goesWhenItIsTakenBack();
     void goesWithTheNextSave();
@@ -202,6 +203,19 @@ void TypingJournalTest::keepsTheLastOfIt()
 
     QCOMPARE(journalPaths().size(), 1);
     QCOMPARE(loaded(), snapshot);
+}
+
+void TypingJournalTest::remembersWhichNoteItIsToBecome()
+{
+    m_data.emplace();
+    const auto killed = repository();
+    killed->save(saved());
+    killed->keepTyped(typed(), captureId);
+    killed->keepTyped(typed(), numberedId(7));
+
+    const auto next = repository();
+    QCOMPARE(next->load(), typed());
+    QCOMPARE(next->captureId(), numberedId(7));
 }
 
 void TypingJournalTest::isWrittenAnewWhereItWasRemoved()

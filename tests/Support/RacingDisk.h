@@ -7,7 +7,7 @@
 
 /// A disk on which another program does something at the worst of all moments: right before or
 /// right after a file or folder takes the place of the live one, or that goes. Must not throw.
-class RacingDisk final : public ForwardingDisk {
+class RacingDisk : public ForwardingDisk {
 public:
     using Action = std::function<void()>;
 
