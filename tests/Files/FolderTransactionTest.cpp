@@ -85,6 +85,7 @@ private Q_SLOTS:
     void takesBackTheExchangeWhenAnotherProgramReplacedAFile();
     void keepsANewFolderThatTheDiskMayHaveAsTheLiveOne();
     void removesNothingThatTheDiskMayHaveAsARecoveryCopy();
+    void followsAFolderThatGoesAndOneThatStays();
     void leavesAFirstFolderThatAnotherProgramMade();
     void keepsWhatIsWrittenIntoAFileInBetween();
     void leavesAnOldStageWhereItIs();
@@ -489,6 +490,33 @@ void FolderTransactionTest::removesNothingThatTheDiskMayHaveAsARecoveryCopy()
 
     QVERIFY(!disk.hasRemovedTooEarly());
     QCOMPARE(data.content(), (DataFolder::Content{{"Markdown", "d"}, {"Markdown/note", "fold"}}));
+}
+
+void FolderTransactionTest::followsAFolderThatGoesAndOneThatStays()
+{
+    const DataFolder data;
+    data.write("Markdown/first/one", "1");
+    data.write("Markdown/second/two", "2");
+    SystemDisk disk;
+    const Directory parent = Directory::openOrMake(disk, data.path());
+    const Directory original = *parent.openFolder("Markdown");
+    const SwapPlace place{parent, parent, "Markdown", ".stage", ".recovery"};
+    const auto isOfOthers = [](std::string_view, std::string_view) noexcept { return false; };
+    const std::vector<FileChange> changes{{"", "note", "new"}};
+    FolderTransaction transaction(place, &original, FolderTree(original, isOfOthers), changes, {});
+
+    fs::remove_all(data.path("Markdown/first"));
+    data.write("Markdown/second/three", "3");
+    int tries = 0;
+    QVERIFY(transaction.commit([&] {
+        ++tries;
+        return true;
+    }));
+
+    QCOMPARE(tries, 1);
+    QCOMPARE(data.read("Markdown/second/two"), "2");
+    QCOMPARE(data.read("Markdown/second/three"), "3");
+    QVERIFY(!data.holds("Markdown/first"));
 }
 
 void FolderTransactionTest::leavesAFirstFolderThatAnotherProgramMade()

@@ -3,6 +3,7 @@
 
 #include "Notes.h"
 
+#include <QCryptographicHash>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,6 +36,8 @@ private Q_SLOTS:
     void givesOnlyDraftsThatAreWhole();
     void refusesWhatIsNoJournal_data();
     void refusesWhatIsNoJournal();
+    void refusesWhatIsNoNumber_data();
+    void refusesWhatIsNoNumber();
     void readsTheOlderForm();
     void refusesTheOlderFormWhenItIsTorn();
 };
@@ -132,6 +135,31 @@ void JournalFileTest::refusesWhatIsNoJournal()
     QFETCH(const QByteArray, bytes);
 
     QVERIFY(!JournalFile::decoded(bytes.toStdString()));
+}
+
+void JournalFileTest::refusesWhatIsNoNumber_data()
+{
+    QTest::addColumn<QByteArray>("number");
+
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("more behind it") << QByteArray("3x");
+    QTest::newRow("a sign before it") << QByteArray("+3");
+    QTest::newRow("too large") << QByteArray("18446744073709551616");
+}
+
+void JournalFileTest::refusesWhatIsNoNumber()
+{
+    QFETCH(const QByteArray, number);
+    const auto withNumber = [](const QByteArray &wanted) {
+        const QByteArray head = wanted + " 8C5B6F0E-3C1D-4E0A-9C55-0A1B2C3D4E5F capture none - 4 ";
+        const auto digest = QCryptographicHash::hash(head + "milk", QCryptographicHash::Sha256);
+        return ("Quillmark journal 1\n" + head + digest.toHex() + "\nmilk\n").toStdString();
+    };
+    const auto isRead = [](const std::optional<JournalFile> &file) {
+        return file && file->drafts.size() == 1;
+    };
+    QVERIFY(isRead(JournalFile::decoded(withNumber("3"))));
+    QVERIFY(!isRead(JournalFile::decoded(withNumber(number))));
 }
 
 namespace {
