@@ -463,6 +463,8 @@ void TakeInTest::takesWhatOnlyARecoveryCopyHas()
 
     QCOMPARE(plan.steps.size(), std::size_t{5});
     QCOMPARE(plan.steps[0].becomes.english(), u"Texts that only it has become notes: 4."_s);
+    // The first of those.
+    QCOMPARE(plan.steps[0].title, u"2"_s);
     QCOMPARE(plan.steps[4].outcome, Outcome::putAway);
     const NoteSnapshot notes = loaded(disk.image());
     QCOMPARE(bodiesOf(notes), QStringList({u"2"_s, u"3"_s, u"4"_s, u"5"_s, u"a draft"_s,
