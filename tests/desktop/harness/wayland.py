@@ -121,6 +121,7 @@ class RemoteKeyboard:
 
 class OuterMouse(Mouse):
     def move(self, point):
+        # As with RemoteMouse, a jump is not the last step.
         super().move((point[0] - 1, point[1]))
         super().move(point)
         time.sleep(_REACTION)
