@@ -6,6 +6,7 @@
 #include "ForwardingDisk.h"
 #include "Notes.h"
 #include "Sha256.h"
+#include "Thrown.h"
 
 #include <QTest>
 #include <fstream>
@@ -81,6 +82,7 @@ private Q_SLOTS:
     void remembersWhichNoteItIsToBecome();
     void isWrittenAnewWhereItWasRemoved();
     void goesWhenItIsTakenBack();
+    void saysWhenItCannotBeTakenBack();
     void goesWithTheNextSave();
     void goesAlsoWhenTheSaveIsThatOfTheNextStart();
     void isToldFromWhatWasSavedBeforeTheEnd_data();
@@ -243,6 +245,18 @@ void TypingJournalTest::goesWhenItIsTakenBack()
 
     QCOMPARE(loaded(), saved());
     QVERIFY(journalPaths().isEmpty());
+}
+
+void TypingJournalTest::saysWhenItCannotBeTakenBack()
+{
+    StubbornDisk disk;
+    LocalNoteRepository repository(m_data->fileURL(), disk, m_data->journalFolders());
+    QCOMPARE(repository.load(), typed());
+
+    const auto error = thrown<FileError>([&] { repository.keepTyped(saved(), captureId); });
+
+    QVERIFY(error.has_value());
+    QCOMPARE(error->path(), m_data->path(journalPath()));
 }
 
 void TypingJournalTest::goesWithTheNextSave()
