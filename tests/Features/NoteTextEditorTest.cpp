@@ -972,9 +972,9 @@ void NoteTextEditorTest::staysExactWhateverIsEditedMeanwhile_data()
     QTest::addColumn<bool>("isPasted");
 
     const QString line = u"line 骨 😀"_s;
-    QTest::newRow("opened") << (line + u'\n').repeated(6000) << false;
-    QTest::newRow("opened, CR LF") << (line + u"\r\n"_s).repeated(6000) << false;
-    QTest::newRow("opened, mixed") << (line + u"\r\n"_s + line + u'\n').repeated(3000) << false;
+    QTest::newRow("opened") << (line + u'\n').repeated(20'000) << false;
+    QTest::newRow("opened, CR LF") << (line + u"\r\n"_s).repeated(20'000) << false;
+    QTest::newRow("opened, mixed") << (line + u"\r\n"_s + line + u'\n').repeated(10'000) << false;
     QTest::newRow("pasted") << u"before the paste and behind it"_s << true;
     QTest::newRow("pasted, CR LF") << u"before\r\nthe paste\r\n and behind it"_s << true;
     QTest::newRow("pasted, mixed") << u"before\r\nthe paste\n and behind it"_s << true;
@@ -994,7 +994,7 @@ void NoteTextEditorTest::staysExactWhateverIsEditedMeanwhile()
             QTextCursor place(&document);
             place.setPosition(10);
             fixture.editor.setTextCursor(place);
-            QGuiApplication::clipboard()->setText(u"pasted line\n"_s.repeated(6000) + u"!"_s);
+            QGuiApplication::clipboard()->setText(u"pasted line\n"_s.repeated(20'000) + u"!"_s);
             fixture.editor.paste();
         }
         while (isComing(fixture.editor)) {
@@ -1028,7 +1028,8 @@ void NoteTextEditorTest::staysExactWhateverIsEditedMeanwhile()
         QCOMPARE(DocumentText::paragraphs(fixture.editor.noteText()), whole);
         QVERIFY(fixture.followed == fixture.editor.noteText() && fixture.fitsAlways);
     }
-    QVERIFY(editsMeanwhile > 6);
+    // How many there are besides is for the speed of the computer.
+    QVERIFY(editsMeanwhile >= 6);
 }
 
 void NoteTextEditorTest::takesWhatWaitsForAllLinesWhenItIsLeft()
