@@ -2,7 +2,10 @@
 #include "FolderTransaction.h"
 
 #include "DataFolder.h"
+#include "Dice.h"
 #include "FolderChange.h"
+#include "MemoryDisk.h"
+#include "OtherProgram.h"
 #include "SyncedDisk.h"
 #include "Thrown.h"
 
@@ -56,6 +59,26 @@ private:
     bool m_hasRemovedTooEarly = false;
 };
 
+/// Renames no stage, nor says what has the name of a recovery copy.
+class BlindDisk final : public ForwardingDisk {
+public:
+    using ForwardingDisk::status;
+
+    Result<void> rename(Handle from, const char *name, Handle to, const char *newName,
+                        Rename how) noexcept override
+    {
+        if (std::string_view(name) == ".stage")
+            return Failure::system(EIO);
+        return ForwardingDisk::rename(from, name, to, newName, how);
+    }
+    Result<FileStatus> status(Handle folder, const char *name) noexcept override
+    {
+        if (std::string_view(name) == ".recovery")
+            return Failure::system(EIO);
+        return ForwardingDisk::status(folder, name);
+    }
+};
+
 } // namespace
 
 class FolderTransactionTest : public QObject {
@@ -85,7 +108,9 @@ private Q_SLOTS:
     void takesBackTheExchangeWhenAnotherProgramReplacedAFile();
     void keepsANewFolderThatTheDiskMayHaveAsTheLiveOne();
     void removesNothingThatTheDiskMayHaveAsARecoveryCopy();
+    void takesNothingForMovedThatCannotBeSeen();
     void followsAFolderThatGoesAndOneThatStays();
+    void keepsAFolderThatCameLateThroughAPowerCut();
     void leavesAFirstFolderThatAnotherProgramMade();
     void keepsWhatIsWrittenIntoAFileInBetween();
     void leavesAnOldStageWhereItIs();
@@ -492,6 +517,25 @@ void FolderTransactionTest::removesNothingThatTheDiskMayHaveAsARecoveryCopy()
     QCOMPARE(data.content(), (DataFolder::Content{{"Markdown", "d"}, {"Markdown/note", "fold"}}));
 }
 
+void FolderTransactionTest::takesNothingForMovedThatCannotBeSeen()
+{
+    const DataFolder data;
+    data.write("Markdown/note", "old");
+    BlindDisk disk;
+    const Directory parent = Directory::openOrMake(disk, data.path());
+    const Directory original = *parent.openFolder("Markdown");
+    const SwapPlace place{parent, parent, "Markdown", ".stage", ".recovery"};
+    const std::vector<FileChange> changes{{"", "note", "new"}};
+    {
+        FolderTransaction transaction(place, &original, FolderTree(original), changes, {});
+
+        QVERIFY_EXCEPTION_THROWN(static_cast<void>(transaction.commit([] { return true; })),
+                                 FileError);
+    }
+
+    QCOMPARE(data.content(), (DataFolder::Content{{"Markdown", "d"}, {"Markdown/note", "fold"}}));
+}
+
 void FolderTransactionTest::followsAFolderThatGoesAndOneThatStays()
 {
     const DataFolder data;
@@ -517,6 +561,35 @@ void FolderTransactionTest::followsAFolderThatGoesAndOneThatStays()
     QCOMPARE(data.read("Markdown/second/two"), "2");
     QCOMPARE(data.read("Markdown/second/three"), "3");
     QVERIFY(!data.holds("Markdown/first"));
+}
+
+void FolderTransactionTest::keepsAFolderThatCameLateThroughAPowerCut()
+{
+    MemoryDisk::Abilities abilities;
+    abilities.canLosePower = true;
+    MemoryDisk disk(abilities);
+    OtherProgram other(disk);
+    other.makeFolder("/data/Markdown");
+    other.make("/data/Markdown/note", "old");
+    const Directory parent = Directory::openOrMake(disk, "/data");
+    const Directory original = *parent.openFolder("Markdown");
+    const SwapPlace place{parent, parent, "Markdown", ".stage", ".recovery"};
+    const auto isOfOthers = [](std::string_view, std::string_view) noexcept { return false; };
+    const std::vector<FileChange> changes{{"", "note", "new"}};
+    FolderTransaction transaction(place, &original, FolderTree(original, isOfOthers), changes, {});
+
+    other.makeFolder("/data/Markdown/late");
+    other.make("/data/Markdown/late/file", "theirs");
+    other.syncAll();
+    QVERIFY(transaction.commit([] { return true; }));
+
+    for (std::uint64_t seed = 1; seed <= 50; ++seed) {
+        Dice dice(seed);
+        const MemoryDisk::Image image = disk.afterPowerCut(dice);
+        const std::string *content = MemoryDisk(image).contentAt("/data/Markdown/late/file");
+        QVERIFY(content);
+        QCOMPARE(*content, "theirs");
+    }
 }
 
 void FolderTransactionTest::leavesAFirstFolderThatAnotherProgramMade()

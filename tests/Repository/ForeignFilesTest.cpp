@@ -91,6 +91,27 @@ public:
     }
 };
 
+/// Has no hard links, and another program removes its file when it is to be linked.
+class VanishingDisk final : public ForwardingDisk {
+public:
+    Result<void> link(Handle from, Handle into, const char *name) noexcept override
+    {
+        if (std::string_view(name) != "list.txt")
+            return ForwardingDisk::link(from, into, name);
+        m_folder = from;
+        return Failure::system(EOPNOTSUPP);
+    }
+    Result<Attributes> attributes(Handle folder, const char *name) noexcept override
+    {
+        if (folder == m_folder && std::string_view(name) == "list.txt")
+            static_cast<void>(unlink(folder, name, FileKind::file));
+        return ForwardingDisk::attributes(folder, name);
+    }
+
+private:
+    Handle m_folder = -1;
+};
+
 /// Until what happens next to a file has another time than what happened last.
 void awaitTheNextMoment()
 {
@@ -120,6 +141,7 @@ private Q_SLOTS:
     void takesAwayWhatIsUnchangedOnly_data();
     void takesAwayWhatIsUnchangedOnly();
     void keepsTheOldFolderForANameThatCannotGetLonger();
+    void leavesOutWhatGoesBeforeItIsCopied();
     void copiesSymbolicLinksOnce_data();
     void copiesSymbolicLinksOnce();
     void carriesOverThoughTheAnswersAreLost();
@@ -406,6 +428,21 @@ void ForeignFilesTest::keepsTheOldFolderForANameThatCannotGetLonger()
     QCOMPARE(refusal([&] { tidyUp(repository); }), RepositoryError::recoveryRequired());
     QCOMPARE(data.read("Markdown" + name), "newer");
     QCOMPARE(data.read(old(data, ".quillmark-recovery-") + name), "late");
+}
+
+void ForeignFilesTest::leavesOutWhatGoesBeforeItIsCopied()
+{
+    const DataFolder data;
+    VanishingDisk disk;
+    LocalNoteRepository repository(data.fileURL(), disk);
+    repository.save(oldNotes());
+    data.write("Markdown/Notes/list.txt", "theirs");
+
+    repository.save(newNotes());
+    tidyUp(repository);
+
+    QVERIFY(!data.holds("Markdown/Notes/list.txt"));
+    QCOMPARE(LocalNoteRepository(data.fileURL()).load(), newNotes());
 }
 
 void ForeignFilesTest::copiesSymbolicLinksOnce_data()

@@ -102,6 +102,7 @@ private Q_SLOTS:
     void goesToTheNextFolderWhenOneRefusesIt();
     void isTakenFromTheFolderThatWasWrittenLast();
     void isTakenFromAnEarlierFolderThatWasWrittenLast();
+    void isInOneFolderAlone();
     void saysWhyNoFolderTakesIt();
     void carriesHalfASurrogatePairAsAReplacement();
     void isOneFileOfItsOwnBesideAnotherProgram();
@@ -557,6 +558,26 @@ void TypingJournalTest::isTakenFromAnEarlierFolderThatWasWrittenLast()
 
     QVERIFY(!std::filesystem::is_empty(m_data->path("second")));
     QCOMPARE(LocalNoteRepository(m_data->fileURL(), folders).load(), snapshot);
+}
+
+void TypingJournalTest::isInOneFolderAlone()
+{
+    m_data.emplace();
+    const LocalNoteRepository::Folders folders{m_data->path("journal"), m_data->path("second")};
+    LocalNoteRepository killed(m_data->fileURL(), folders);
+    killed.save(saved());
+    NoteSnapshot snapshot = saved();
+
+    std::filesystem::create_symlink("nowhere", m_data->path("journal"));
+    snapshot.captureDraft = u"first"_s;
+    killed.keepTyped(snapshot, captureId);
+    QVERIFY(!std::filesystem::is_empty(m_data->path("second")));
+    std::filesystem::remove(m_data->path("journal"));
+    snapshot.captureDraft = u"second"_s;
+    killed.keepTyped(snapshot, captureId);
+
+    QVERIFY(std::filesystem::is_empty(m_data->path("second")));
+    QCOMPARE(journalPaths().size(), 1);
 }
 
 void TypingJournalTest::saysWhyNoFolderTakesIt()
