@@ -578,6 +578,7 @@ void FolderTransactionTest::keepsAFolderThatCameLateThroughAPowerCut()
     const std::vector<FileChange> changes{{"", "note", "new"}};
     FolderTransaction transaction(place, &original, FolderTree(original, isOfOthers), changes, {});
 
+    disk.letTimePass(MemoryDisk::tick);
     other.makeFolder("/data/Markdown/late");
     other.make("/data/Markdown/late/file", "theirs");
     other.syncAll();
