@@ -41,6 +41,7 @@ private Q_SLOTS:
     void endsAReadOnlyStore();
     void leavesEverythingWhenItCannotBeRead();
     void offersNoReloadForADiskThatFails();
+    void offersToTakeInWhatKeepsASaveFromSucceeding();
     void takesInCopiesAndKeepsWhatIsTyped();
     void saysThatItCouldNotReadWhenCopiesCannotBeTakenIn();
     void changesNothingWhenCopiesCannotBeTakenIn();
@@ -231,6 +232,18 @@ void OutsideChangeTest::offersNoReloadForADiskThatFails()
 
     QVERIFY(!m_store->canReload());
     QVERIFY(!m_store->canTakeIn());
+}
+
+void OutsideChangeTest::offersToTakeInWhatKeepsASaveFromSucceeding()
+{
+    for (const RepositoryError &error :
+         {RepositoryError::recoveryRequired(), RepositoryError::invalidMarkdown()}) {
+        m_repository->failWith(error);
+
+        QVERIFY(!m_store->deleteNote(note));
+
+        QVERIFY(m_store->canTakeIn());
+    }
 }
 
 void OutsideChangeTest::takesInCopiesAndKeepsWhatIsTyped()
